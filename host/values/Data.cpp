@@ -1,0 +1,231 @@
+#include "host/values/Data.h"
+
+#include <algorithm>
+#include <array>
+
+namespace host {
+
+namespace {
+
+constexpr std::array<std::string_view, 8> typeWords{"",     "Text",      "Number",    "Date",
+                                                    "Time", "Timestamp", "Container", "Boolean"};
+
+/// The digits, the first point and a minus before them; anything else is passed over. A number has at most
+/// 800 digits; further ones are passed over too.
+std::optional<Decimal> numberIn(std::u16string_view text) {
+    constexpr std::size_t mostDigits = 800;
+    std::u16string digits;
+    bool point = false, any = false;
+    for (const char16_t unit : text) {
+        if (unit >= u'0' && unit <= u'9') {
+            digits += unit;
+            any = true;
+        } else if (unit == u'.' && !point) {
+            digits += unit;
+            point = true;
+        } else if (unit == u'-' && digits.empty()) {
+            digits += unit;
+        }
+        if (digits.size() > mostDigits) break;
+    }
+    return any ? Decimal::parse(digits) : std::nullopt;
+}
+
+Decimal secondsOf(std::int64_t micros) {
+    return Decimal(micros).dividedBy(Decimal(DateTime::microsPerSecond)).value_or(Decimal());
+}
+
+/// Nothing where the seconds of no value lie.
+std::optional<std::int64_t> microsOf(const Decimal& seconds) {
+    constexpr std::int64_t most = (DateTime::lastDay + 1) * 86'400;
+    if (seconds > Decimal(most) || seconds < Decimal(-most)) return std::nullopt;
+    return seconds.times(Decimal(DateTime::microsPerSecond)).rounded(0).toInt64();
+}
+
+std::optional<DateTime> dateTimeOf(const Decimal& number, DataType wanted) {
+    if (wanted == DataType::date) {
+        const DateTime day{.days = number.toInt64(), .micros = 0};
+        return day.hasValidDate() ? std::optional(day) : std::nullopt;
+    }
+    const auto micros = microsOf(number);
+    if (!micros) return std::nullopt;
+    if (wanted == DataType::time) return DateTime{.days = 0, .micros = *micros};
+    const DateTime moment = DateTime::fromMicrosSinceEpoch(*micros);
+    return moment.hasValidDate() ? std::optional(moment) : std::nullopt;
+}
+
+std::optional<DateTime> dateTimeIn(std::u16string_view text, DataType wanted) {
+    switch (wanted) {
+    case DataType::date: {
+        auto moment = DateTime::parseTimestamp(text);
+        if (moment) moment->micros = 0;
+        return moment;
+    }
+    case DataType::time: {
+        if (const auto time = DateTime::parseTime(text)) return time;
+        const auto moment = DateTime::parseTimestamp(text);
+        return moment ? std::optional(DateTime{.days = 0, .micros = moment->micros}) : std::nullopt;
+    }
+    default: return DateTime::parseTimestamp(text);
+    }
+}
+
+bool isDateTime(DataType type) {
+    return type == DataType::date || type == DataType::time || type == DataType::timestamp;
+}
+
+} // namespace
+
+std::string_view typeWord(DataType type) {
+    const auto index = static_cast<std::size_t>(type);
+    return index < typeWords.size() ? typeWords[index] : std::string_view();
+}
+
+/// Conversions that have been asked for, kept so that references to them stay good.
+struct Data::Readings {
+    std::optional<Text> text;
+    std::optional<Decimal> number;
+    std::array<std::optional<DateTime>, 3> dateTimes; ///< date, time, timestamp
+};
+
+Data Data::invalid() {
+    Data data;
+    data.clear(DataType::invalid);
+    return data;
+}
+
+Data::Readings& Data::readings() const {
+    if (!readings_) readings_ = std::make_shared<Readings>();
+    return *readings_;
+}
+
+bool Data::isEmpty() const {
+    switch (held_) {
+    case DataType::text: return std::get<Text>(value_).empty();
+    case DataType::binary: {
+        const auto& binary = std::get<Binary>(value_);
+        return binary.streams().empty() && binary.fileName().empty();
+    }
+    default: return false;
+    }
+}
+
+const Text& Data::asText() const {
+    if (held_ == DataType::text) return std::get<Text>(value_);
+    if (held_ == DataType::binary) return std::get<Binary>(value_).fileName();
+    auto& reading = readings().text;
+    if (!reading) {
+        if (held_ == DataType::number) reading = Text(std::get<Decimal>(value_).text());
+        if (held_ == DataType::date) reading = Text(std::get<DateTime>(value_).dateText());
+        if (held_ == DataType::time) reading = Text(std::get<DateTime>(value_).timeText());
+        if (held_ == DataType::timestamp) reading = Text(std::get<DateTime>(value_).timestampText());
+    }
+    return *reading;
+}
+
+std::optional<Decimal> Data::number() const {
+    switch (held_) {
+    case DataType::text: return numberIn(std::get<Text>(value_).units());
+    case DataType::number: return std::get<Decimal>(value_);
+    case DataType::date: return Decimal(std::get<DateTime>(value_).days);
+    case DataType::time: return secondsOf(std::get<DateTime>(value_).micros);
+    case DataType::timestamp: return secondsOf(std::get<DateTime>(value_).microsSinceEpoch());
+    default: return std::nullopt;
+    }
+}
+
+const Decimal& Data::asNumber() const {
+    if (held_ == DataType::number) return std::get<Decimal>(value_);
+    auto& reading = readings().number;
+    if (!reading) reading = number().value_or(Decimal());
+    return *reading;
+}
+
+std::optional<DateTime> Data::dateTime(DataType wanted) const {
+    if (!isDateTime(wanted)) return std::nullopt;
+    if (held_ == wanted) return std::get<DateTime>(value_);
+    if (held_ == DataType::text) return dateTimeIn(std::get<Text>(value_).units(), wanted);
+    if (held_ == DataType::number) return dateTimeOf(std::get<Decimal>(value_), wanted);
+    if (held_ == DataType::binary) return std::nullopt;
+    const DateTime& value = std::get<DateTime>(value_);
+    if (held_ == DataType::timestamp)
+        return wanted == DataType::date ? DateTime{.days = value.days, .micros = 0}
+                                        : DateTime{.days = 0, .micros = value.micros};
+    if (held_ == DataType::date && wanted == DataType::timestamp) return value;
+    return std::nullopt;
+}
+
+const DateTime& Data::dateTimeReading(DataType wanted) const {
+    if (held_ == wanted) return std::get<DateTime>(value_);
+    auto& reading =
+        readings().dateTimes[static_cast<std::size_t>(wanted) - static_cast<std::size_t>(DataType::date)];
+    if (!reading) reading = dateTime(wanted).value_or(DateTime());
+    return *reading;
+}
+
+const DateTime& Data::asDate() const { return dateTimeReading(DataType::date); }
+const DateTime& Data::asTime() const { return dateTimeReading(DataType::time); }
+const DateTime& Data::asTimestamp() const { return dateTimeReading(DataType::timestamp); }
+
+const Binary& Data::asBinary() const {
+    static const Binary none;
+    return held_ == DataType::binary ? std::get<Binary>(value_) : none;
+}
+
+bool Data::asBoolean() const {
+    const auto value = number();
+    return value && !value->isZero();
+}
+
+void Data::hold(Value value, DataType held, DataType nativeType) {
+    value_ = std::move(value);
+    held_ = held;
+    type_ = nativeType;
+    readings_.reset();
+}
+
+void Data::setText(Text text, DataType nativeType) { hold(std::move(text), DataType::text, nativeType); }
+void Data::setNumber(Decimal number, DataType nativeType) {
+    hold(std::move(number), DataType::number, nativeType);
+}
+
+void Data::setDateTime(DateTime value, DataType type, DataType nativeType) {
+    if (type == DataType::date) value.micros = 0;
+    if (type == DataType::time) value.days = 0;
+    hold(value, isDateTime(type) ? type : DataType::timestamp, nativeType);
+}
+
+void Data::setBinary(Binary value, bool forceBinaryType) {
+    hold(std::move(value), DataType::binary, forceBinaryType ? DataType::binary : type_);
+}
+
+void Data::clear(DataType type) { hold(Text(), DataType::text, type); }
+
+bool Data::convert(DataType type) {
+    if (type == DataType::text) {
+        setText(Text(asText()));
+    } else if (isDateTime(type)) {
+        const auto value = dateTime(type);
+        if (!value) return false;
+        setDateTime(*value, type, type);
+    } else if (type == DataType::boolean) {
+        setNumber(Decimal(asBoolean() ? 1 : 0), DataType::boolean);
+    } else if (type == DataType::number) {
+        // A text without a number is an empty number.
+        auto value = number();
+        value ? setNumber(std::move(*value)) : clear(DataType::number);
+    } else if (type == DataType::binary && held_ != DataType::binary) {
+        return false;
+    } else {
+        type_ = type;
+    }
+    return true;
+}
+
+bool Data::isIdenticalTo(const Data& other) const {
+    if (type_ != other.type_ || held_ != other.held_ || !(locale_ == other.locale_)) return false;
+    if (held_ == DataType::text) return std::get<Text>(value_).isIdenticalTo(std::get<Text>(other.value_));
+    return value_ == other.value_;
+}
+
+} // namespace host

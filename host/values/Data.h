@@ -1,0 +1,96 @@
+#pragma once
+
+#include "host/values/Binary.h"
+#include "host/values/DateTime.h"
+#include "host/values/Decimal.h"
+#include "host/values/Text.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace host {
+
+struct Locale {
+    std::int32_t type = 1; ///< fmx::Locale::Type; 1 is the system's
+    bool operator==(const Locale&) const = default;
+};
+
+/// The interface's type numbers.
+enum class DataType : std::int32_t { invalid, text, number, date, time, timestamp, binary, boolean };
+/// "Text", "Number", "Date", "Time", "Timestamp", "Container", "Boolean", "" for invalid.
+std::string_view typeWord(DataType type);
+
+/// A typed value with its locale. Reading it as another type converts; what a reading gives by reference
+/// stays valid until the value is changed or gone. A value that has no reading as the wanted type reads as
+/// that type's empty value (empty text, zero, day 0, no streams, false).
+class Data {
+public:
+    Data() = default; ///< empty text
+    explicit Data(Text text) : value_(std::move(text)), type_(DataType::text) {}
+    explicit Data(Decimal number)
+        : value_(std::move(number)), type_(DataType::number), held_(DataType::number) {}
+    Data(DateTime value, DataType type) : value_(value), type_(type), held_(type) {}
+    explicit Data(Binary value)
+        : value_(std::move(value)), type_(DataType::binary), held_(DataType::binary) {}
+    static Data boolean(bool value) { return Data(Decimal(value ? 1 : 0)); } ///< calculations answer 1 and 0
+    static Data invalid();
+
+    [[nodiscard]] DataType nativeType() const { return type_; }
+    [[nodiscard]] bool isValid() const { return type_ != DataType::invalid; }
+    /// No characters, no number, no date, no streams.
+    [[nodiscard]] bool isEmpty() const;
+
+    [[nodiscard]] const Text& asText() const;
+    /// A text's digits, first point and leading minus, the rest ignored; empty (and asNumber 0) when it has
+    /// none.
+    [[nodiscard]] const Decimal& asNumber() const;
+    [[nodiscard]] std::optional<Decimal> number() const; ///< the same, nothing when there is no number
+    [[nodiscard]] const DateTime& asDate() const;
+    [[nodiscard]] const DateTime& asTime() const;
+    [[nodiscard]] const DateTime& asTimestamp() const;
+    [[nodiscard]] std::optional<DateTime> dateTime(DataType wanted) const; ///< date, time or timestamp
+    [[nodiscard]] const Binary& asBinary() const;
+    [[nodiscard]] bool asBoolean() const; ///< a number other than zero
+
+    [[nodiscard]] const Locale& locale() const { return locale_; }
+    void setLocale(Locale locale) { locale_ = locale; }
+
+    /// Each changes value and type, not the locale. `nativeType` is what the value then says it is.
+    void setText(Text text, DataType nativeType = DataType::text);
+    void setNumber(Decimal number, DataType nativeType = DataType::number);
+    void setDateTime(DateTime value, DataType type, DataType nativeType);
+    void setBinary(Binary value, bool forceBinaryType = true);
+    void clear(DataType type = DataType::invalid);
+    /// Converts in place; false (and unchanged) when there is no such reading.
+    bool convert(DataType type);
+
+    /// Type, content, looks and locale alike.
+    [[nodiscard]] bool isIdenticalTo(const Data& other) const;
+
+private:
+    struct Readings;
+    using Value = std::variant<Text, Decimal, DateTime, Binary>;
+
+    void hold(Value value, DataType held, DataType nativeType);
+    Readings& readings() const;
+    [[nodiscard]] const DateTime& dateTimeReading(DataType wanted) const;
+
+    Value value_;
+    DataType type_ = DataType::text; ///< what it says it is
+    DataType held_ =
+        DataType::text; ///< how value_ is to be read: text, number, date, time, timestamp, binary
+    Locale locale_;
+    mutable std::shared_ptr<Readings> readings_; ///< conversions made so far
+};
+
+/// Values of a calculation are shared, never changed once made.
+using DataRef = std::shared_ptr<const Data>;
+/// An argument vector and a row of an SQL answer.
+using DataVect = std::vector<DataRef>;
+using RowVect = std::vector<DataVect>;
+
+} // namespace host

@@ -1,0 +1,255 @@
+#include "host/values/Decimal.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <stdexcept>
+
+namespace host {
+
+namespace {
+
+using boost::multiprecision::cpp_int;
+
+cpp_int powerOfTen(int exponent) {
+    return boost::multiprecision::pow(cpp_int(10), static_cast<unsigned>(exponent));
+}
+
+/// Quotient of integers, rounded half away from zero, or cut towards zero.
+cpp_int divided(const cpp_int& number, const cpp_int& divisor, bool cut) {
+    cpp_int quotient, remainder;
+    boost::multiprecision::divide_qr(number, divisor, quotient, remainder);
+    if (!cut && 2 * abs(remainder) >= abs(divisor)) quotient += number.sign() * divisor.sign();
+    return quotient;
+}
+
+/// 10^400 times 10^400: no mantissa of a number in range reaches it.
+const cpp_int& magnitudeLimit() {
+    static const cpp_int limit = powerOfTen(Decimal::maximumIntegerDigits);
+    return limit;
+}
+
+} // namespace
+
+Decimal Decimal::of(cpp_int mantissa, int scale, int precision) {
+    Decimal result;
+    result.mantissa_ = std::move(mantissa);
+    result.scale_ = scale;
+    result.precision_ = precision;
+    if (scale > maximumPrecision) {
+        result.mantissa_ = divided(result.mantissa_, powerOfTen(scale - maximumPrecision), false);
+        result.scale_ = maximumPrecision;
+    }
+    if (abs(result.mantissa_) >= magnitudeLimit() * powerOfTen(result.scale_))
+        throw std::overflow_error("a number would reach 10^400");
+    return result;
+}
+
+Decimal::Decimal(std::int64_t value, int precision) : mantissa_(value) { setPrecision(precision); }
+
+Decimal Decimal::fromDouble(double value, int precision) {
+    if (!std::isfinite(value)) throw std::range_error("not a finite number");
+    std::array<char, 64> printed{};
+    std::snprintf(printed.data(), printed.size(), "%.16e", value);
+    const std::string_view text(printed.data());
+    auto number = parse(std::u16string(text.begin(), text.end()));
+    if (!number) throw std::range_error("a number out of range");
+    number->setPrecision(precision);
+    return *number;
+}
+
+std::optional<Decimal> Decimal::parse(std::u16string_view text) {
+    constexpr std::size_t longest = 2'000;
+    if (text.empty() || text.size() > longest) return std::nullopt;
+    const bool negative = text.front() == u'-';
+    if (negative) text.remove_prefix(1);
+    std::string digits;
+    int places = 0;
+    bool point = false;
+    std::size_t at = 0;
+    for (; at < text.size(); ++at) {
+        if (text[at] == u'.' && !point) {
+            point = true;
+        } else if (text[at] >= u'0' && text[at] <= u'9') {
+            digits += static_cast<char>(text[at]);
+            places += point ? 1 : 0;
+        } else {
+            break;
+        }
+    }
+    if (digits.empty()) return std::nullopt;
+    int exponent = 0;
+    if (at < text.size()) {
+        if (text[at] != u'e' && text[at] != u'E') return std::nullopt;
+        bool down = false;
+        if (++at < text.size() && (text[at] == u'-' || text[at] == u'+')) down = text[at++] == u'-';
+        if (at == text.size() || text.size() - at > 5) return std::nullopt;
+        for (; at < text.size(); ++at) {
+            if (text[at] < u'0' || text[at] > u'9') return std::nullopt;
+            exponent = exponent * 10 + (text[at] - u'0');
+        }
+        if (down) exponent = -exponent;
+    }
+    digits.erase(0,
+                 std::min(digits.find_first_not_of('0'), digits.size() - 1)); // a leading 0 would mean octal
+    cpp_int mantissa(digits);
+    if (negative) mantissa = -mantissa;
+    int scale = places - exponent;
+    if (mantissa == 0) return Decimal();
+    if (scale < -maximumIntegerDigits || scale > static_cast<int>(longest) + maximumPrecision) {
+        if (scale > 0) return Decimal();
+        return std::nullopt;
+    }
+    if (scale < 0) {
+        mantissa *= powerOfTen(-scale);
+        scale = 0;
+    }
+    try {
+        const int kept = std::clamp(scale, minimumPrecision, maximumPrecision);
+        return of(std::move(mantissa), scale, kept);
+    } catch (const std::overflow_error&) {
+        return std::nullopt;
+    }
+}
+
+void Decimal::setPrecision(int precision) {
+    precision_ = std::clamp(precision, minimumPrecision, maximumPrecision);
+    if (scale_ > precision_) {
+        mantissa_ = divided(mantissa_, powerOfTen(scale_ - precision_), false);
+        scale_ = precision_;
+    }
+}
+
+Decimal Decimal::plus(const Decimal& other) const {
+    const int scale = std::max(scale_, other.scale_);
+    return of(mantissa_ * powerOfTen(scale - scale_) + other.mantissa_ * powerOfTen(scale - other.scale_),
+              scale, std::max(precision_, other.precision_));
+}
+
+Decimal Decimal::minus(const Decimal& other) const { return plus(other.negated()); }
+
+Decimal Decimal::times(const Decimal& other) const {
+    const int precision = std::max(precision_, other.precision_);
+    cpp_int product = mantissa_ * other.mantissa_;
+    int scale = scale_ + other.scale_;
+    if (scale > precision) {
+        product = divided(product, powerOfTen(scale - precision), false);
+        scale = precision;
+    }
+    return of(std::move(product), scale, precision);
+}
+
+std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
+    if (other.isZero()) return std::nullopt;
+    const int precision = std::max(precision_, other.precision_);
+    // (m1 / 10^s1) / (m2 / 10^s2), with `precision` places kept.
+    const int shift = precision - scale_ + other.scale_;
+    const cpp_int number = shift >= 0 ? cpp_int(mantissa_ * powerOfTen(shift)) : mantissa_;
+    const cpp_int divisor = shift >= 0 ? other.mantissa_ : cpp_int(other.mantissa_ * powerOfTen(-shift));
+    return of(divided(number, divisor, false), precision, precision);
+}
+
+Decimal Decimal::negated() const {
+    Decimal result(*this);
+    result.mantissa_ = -result.mantissa_;
+    return result;
+}
+
+std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
+    if (exponent.isZero()) return Decimal(1, precision_);
+    if (isZero()) return exponent.sign() > 0 ? std::optional(Decimal(0, precision_)) : std::nullopt;
+    const std::int64_t whole = exponent.toInt64();
+    if (exponent == Decimal(whole)) {
+        const Decimal one(1, precision_);
+        // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and
+        // 1 and -1 never grow.
+        Decimal result = one, square = *this;
+        for (std::uint64_t left = static_cast<std::uint64_t>(std::abs(whole)); left > 0; left /= 2) {
+            if (left % 2 == 1) result = result.times(square);
+            if (left > 1) square = square.times(square);
+        }
+        return whole < 0 ? one.dividedBy(result) : result;
+    }
+    if (sign() < 0) return std::nullopt;
+    const double approximate = std::pow(toDouble(), exponent.toDouble());
+    if (!std::isfinite(approximate)) throw std::overflow_error("a power would reach 10^400");
+    return fromDouble(approximate, precision_);
+}
+
+std::optional<Decimal> Decimal::squareRoot() const {
+    if (sign() < 0) return std::nullopt;
+    // One digit more than is kept, so that the last one can be rounded.
+    const int places = precision_ + 1;
+    const cpp_int scaled = mantissa_ * powerOfTen(2 * places - scale_);
+    return of(cpp_int(sqrt(scaled)), places, maximumPrecision).rounded(precision_).withPrecision(precision_);
+}
+
+Decimal Decimal::withPrecision(int precision) const {
+    Decimal result(*this);
+    result.setPrecision(precision);
+    return result;
+}
+
+Decimal Decimal::toPlaces(int places, bool cut) const {
+    if (places >= scale_) return *this;
+    const int dropped = scale_ - std::max(places, -maximumIntegerDigits - 1);
+    cpp_int kept = divided(mantissa_, powerOfTen(dropped), cut);
+    if (places >= 0) return of(std::move(kept), places, precision_);
+    return of(kept * powerOfTen(dropped - scale_), 0, precision_);
+}
+
+Decimal Decimal::rounded(int places) const { return toPlaces(places, false); }
+Decimal Decimal::truncated(int places) const { return toPlaces(places, true); }
+
+Decimal Decimal::floor() const {
+    const Decimal whole = truncated(0);
+    return whole > *this ? whole.minus(Decimal(1)) : whole;
+}
+
+Decimal Decimal::ceiling() const {
+    const Decimal whole = truncated(0);
+    return whole < *this ? whole.plus(Decimal(1)) : whole;
+}
+
+std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
+    const int scale = std::max(scale_, other.scale_);
+    const cpp_int left = mantissa_ * powerOfTen(scale - scale_);
+    const cpp_int right = other.mantissa_ * powerOfTen(scale - other.scale_);
+    return left.compare(right) <=> 0;
+}
+
+std::int64_t Decimal::toInt64() const {
+    const cpp_int whole = divided(mantissa_, powerOfTen(scale_), true);
+    using Limits = std::numeric_limits<std::int64_t>;
+    if (whole > Limits::max()) return Limits::max();
+    if (whole < Limits::min()) return Limits::min();
+    return static_cast<std::int64_t>(whole);
+}
+
+std::int32_t Decimal::toInt32() const {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(toInt64(), Limits::min(), Limits::max()));
+}
+
+double Decimal::toDouble() const {
+    const std::string digits = mantissa_.str() + "e-" + std::to_string(scale_);
+    return std::strtod(digits.c_str(), nullptr);
+}
+
+std::u16string Decimal::text() const {
+    std::string digits = cpp_int(abs(mantissa_)).str();
+    const auto places = static_cast<std::size_t>(scale_);
+    if (digits.size() < places) digits.insert(0, places - digits.size(), '0');
+    std::string whole = digits.substr(0, digits.size() - places);
+    std::string fraction = digits.substr(digits.size() - places);
+    fraction.erase(fraction.find_last_not_of('0') + 1);
+    if (whole == "0" && !fraction.empty()) whole.clear();
+    if (whole.empty() && fraction.empty()) whole = "0";
+    const std::string text = (sign() < 0 ? "-" : "") + whole + (fraction.empty() ? "" : "." + fraction);
+    return {text.begin(), text.end()};
+}
+
+} // namespace host
