@@ -1,0 +1,79 @@
+#pragma once
+
+#include "FMWrapper/FMXClient.h"
+#include "host/app/Faults.h"
+#include "host/app/ObjectCounts.h"
+#include "host/fmwrapper/Bridge.h"
+
+#include <new>
+#include <utility>
+
+/// The one way into the host: every FM_… function passes here.
+
+namespace host::gate {
+
+/// Counts the call, lets it fail when it is its turn, and turns exceptions into codes of the error slot: 1
+/// for lack of memory, 2 for everything else. A call that fails answers `fallback`.
+template<class Answer, class Body>
+Answer call(fmx::_fmxcpt& slot, Answer fallback, Body&& body) {
+    slot.m_code = faults().next();
+    if (slot.m_code != fmx::_fmxcpt::kNoError) return fallback;
+    try {
+        return std::forward<Body>(body)();
+    } catch (const std::bad_alloc&) {
+        slot.m_code = fmx::_fmxcpt::kBadAlloc;
+    } catch (...) {
+        slot.m_code = fmx::_fmxcpt::kUnknown;
+    }
+    return fallback;
+}
+
+template<class Body>
+void call(fmx::_fmxcpt& slot, Body&& body) {
+    call(slot, false, [&] {
+        std::forward<Body>(body)();
+        return true;
+    });
+}
+
+/// What a call that answers a reference answers when it fails: a caller that looks before it checks the slot
+/// sees an empty value.
+template<class Value>
+const Value& empty() {
+    static const Value value{};
+    return value;
+}
+
+template<class Opaque, class Value, class Body>
+const Opaque* refer(fmx::_fmxcpt& slot, Body&& body) {
+    return &bridge::out<Opaque>(*call(slot, &empty<Value>(), [&] { return &std::forward<Body>(body)(); }));
+}
+
+/// What assignment operators do: they answer the object that was assigned to.
+template<class Value, class Opaque>
+const Opaque* assign(fmx::_fmxcpt& slot, void* self, const Opaque& that) {
+    return refer<Opaque, Value>(
+        slot, [&]() -> const Value& { return bridge::in<Value>(self) = bridge::in<Value>(&that); });
+}
+
+/// Makes an object for the plug-in; null when it fails.
+template<class Opaque, ObjectClass which, class Body>
+Opaque* construct(fmx::_fmxcpt& slot, Body&& body) {
+    using Value = decltype(body());
+    return reinterpret_cast<Opaque*>(call(slot, static_cast<Value*>(nullptr), [&] {
+        auto* object = new Value(std::forward<Body>(body)());
+        objectCounts().add(which);
+        return object;
+    }));
+}
+
+/// Takes an object back. This never fails, and null is nothing.
+template<class Value, ObjectClass which>
+void destroy(void* object, fmx::_fmxcpt& slot) {
+    slot.m_code = fmx::_fmxcpt::kNoError;
+    if (object == nullptr) return;
+    objectCounts().remove(which);
+    delete static_cast<Value*>(object);
+}
+
+} // namespace host::gate
