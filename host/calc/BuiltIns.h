@@ -1,0 +1,67 @@
+#pragma once
+
+#include "host/calc/Engine.h"
+#include "host/calc/Evaluation.h"
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+/// The families of built-in functions, each a table of rows, and what their implementations share.
+
+namespace host::calc {
+
+void addTextFunctions(FunctionTable& table);
+void addListFunctions(FunctionTable& table);
+void addNumberFunctions(FunctionTable& table);
+void addDateFunctions(FunctionTable& table);
+void addLogicFunctions(FunctionTable& table);
+void addGetFunctions(FunctionTable& table);
+void addStyleFunctions(FunctionTable& table);
+
+DataRef textResult(Text text);
+DataRef numberResult(Decimal number);
+DataRef booleanResult(bool value);
+DataRef emptyResult();
+/// The result of what is impossible (a division by zero): the text "?", of no type.
+DataRef questionMark();
+
+/// A text may not outgrow this; beyond, the calculation's error is 1200.
+inline constexpr std::size_t mostUnits = std::size_t{1} << 28U;
+/// Throws that error for a text of so many units.
+inline void checkTextSize(std::size_t units) {
+    if (units > mostUnits) throw Error{error::unspecific};
+}
+
+/// A row of a family's table: a function that needs its arguments alone.
+struct EagerRow {
+    std::u16string_view name;
+    int minimum, maximum; ///< -1: no upper limit
+    DataRef (*implementation)(std::span<const DataRef>);
+};
+/// A function that also needs the evaluation.
+struct EvaluationRow {
+    std::u16string_view name;
+    int minimum, maximum;
+    DataRef (*implementation)(Evaluation&, std::span<const DataRef>);
+};
+/// A function that evaluates its own arguments.
+struct LazyRow {
+    std::u16string_view name;
+    int minimum, maximum;
+    DataRef (*implementation)(Evaluation&, std::span<const Node* const>);
+    int wordArgument = -1; ///< as in Function
+};
+
+void addRow(FunctionTable& table, const EagerRow& row);
+void addRow(FunctionTable& table, const EvaluationRow& row);
+void addRow(FunctionTable& table, const LazyRow& row);
+
+/// Adds every row of a table.
+template<typename Rows>
+void addRows(FunctionTable& table, const Rows& rows) {
+    for (const auto& row : rows)
+        addRow(table, row);
+}
+
+} // namespace host::calc

@@ -1,0 +1,170 @@
+#include "host/calc/Engine.h"
+
+#include "host/calc/BuiltIns.h"
+#include "host/calc/Evaluation.h"
+#include "host/calc/Parser.h"
+
+#include <array>
+#include <new>
+
+namespace host::calc {
+
+namespace {
+
+struct Message {
+    int code;
+    std::string_view text;
+};
+constexpr std::array messages{
+    Message{error::none, "no error"},
+    Message{error::outOfRange, "value out of range"},
+    Message{error::missingFile, "file is missing"},
+    Message{error::missingField, "field is missing"},
+    Message{error::missingScript, "script is missing"},
+    Message{error::unspecific, "unspecific calculation error"},
+    Message{error::tooFewParameters, "too few parameters in the function"},
+    Message{error::tooManyParameters, "too many parameters in the function"},
+    Message{error::unexpectedEnd, "unexpected end of calculation"},
+    Message{error::operandExpected, "number, text constant, field name or \"(\" expected"},
+    Message{error::unterminatedComment, "comment is not terminated with \"*/\""},
+    Message{error::unterminatedText, "text constant must end with a quotation mark"},
+    Message{error::unbalancedParenthesis, "unbalanced parenthesis"},
+    Message{error::functionNotFound, "operator missing or function not found"},
+    Message{error::nameMissing, "name is missing"},
+    Message{error::alreadyRegistered, "plug-in function is already registered"},
+    Message{error::listNotAllowed, "list usage is not allowed here"},
+    Message{error::operatorExpected, "an operator is expected here"},
+    Message{error::alreadyDefined, "variable is already defined in Let"},
+    Message{error::unknownKeyword, "keyword is unknown"},
+    Message{8309, "SQL statement was refused"},
+    Message{8310, "syntax error in SQL statement"},
+};
+
+/// Does `action` and gives its error code; memory that runs out is 1200, like all that is not an `Error`.
+template<typename Work>
+int guarded(const Work& work) {
+    try {
+        work();
+        return error::none;
+    } catch (const Error& error) {
+        return error.code;
+    } catch (...) {
+        return error::unspecific;
+    }
+}
+
+template<typename Row>
+Function function(const Row& row) {
+    return {.name = std::u16string(row.name),
+            .minimum = row.minimum,
+            .maximum = row.maximum,
+            .eager = {},
+            .lazy = {}};
+}
+
+} // namespace
+
+std::string_view errorMessage(int code) {
+    for (const Message& message : messages)
+        if (message.code == code) return message.text;
+    return "unknown error";
+}
+
+DataRef textResult(Text text) { return std::make_shared<const Data>(std::move(text)); }
+DataRef numberResult(Decimal number) { return std::make_shared<const Data>(std::move(number)); }
+DataRef booleanResult(bool value) {
+    static const DataRef yes = numberResult(1), no = numberResult(0);
+    return value ? yes : no;
+}
+DataRef emptyResult() {
+    static const DataRef empty = std::make_shared<const Data>();
+    return empty;
+}
+DataRef questionMark() {
+    static const DataRef mark = [] {
+        Data data;
+        data.setText(u"?", DataType::invalid);
+        return std::make_shared<const Data>(std::move(data));
+    }();
+    return mark;
+}
+
+void addRow(FunctionTable& table, const EagerRow& row) {
+    Function added = function(row);
+    added.eager = [implementation = row.implementation](Evaluation&, std::span<const DataRef> arguments) {
+        return implementation(arguments);
+    };
+    table.add(std::move(added));
+}
+
+void addRow(FunctionTable& table, const EvaluationRow& row) {
+    Function added = function(row);
+    added.eager = row.implementation;
+    table.add(std::move(added));
+}
+
+void addRow(FunctionTable& table, const LazyRow& row) {
+    Function added = function(row);
+    added.lazy = row.implementation;
+    added.wordArgument = row.wordArgument;
+    table.add(std::move(added));
+}
+
+FunctionTable::FunctionTable() {
+    for (const auto addFamily : {addTextFunctions, addListFunctions, addNumberFunctions, addDateFunctions,
+                                 addLogicFunctions, addGetFunctions, addStyleFunctions})
+        addFamily(*this);
+}
+
+bool FunctionTable::add(Function function) {
+    std::u16string name = foldName(function.name);
+    return rows_.try_emplace(std::move(name), std::make_shared<const Function>(std::move(function))).second;
+}
+
+bool FunctionTable::remove(std::u16string_view name) {
+    const auto row = rows_.find(foldName(name));
+    if (row == rows_.end()) return false;
+    row->second->withdrawn = true;
+    rows_.erase(row);
+    return true;
+}
+
+std::shared_ptr<const Function> FunctionTable::find(std::u16string_view name) const {
+    const auto row = rows_.find(foldName(name));
+    return row == rows_.end() ? nullptr : row->second;
+}
+
+Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions) {
+    Parsed parsed;
+    parsed.error = guarded([&] {
+        Parser parser(source, std::move(functions));
+        try {
+            parsed.expression = parser.parse();
+        } catch (const Error&) {
+            parsed.position = parser.position();
+            throw;
+        }
+    });
+    return parsed;
+}
+
+Result evaluate(const Expression& expression, const Environment& environment) {
+    Result result{.error = error::missingFile, .value = emptyResult()};
+    if (!environment.file || !environment.file->isOpen()) return result;
+    result.error = guarded([&] {
+        const Work work;
+        Environment scope = environment;
+        if (!scope.locals) scope.locals = std::make_shared<Variables>();
+        result.value = Evaluation(scope, expression.functions).run(expression);
+    });
+    return result;
+}
+
+Result evaluate(std::u16string_view source, const Environment& environment,
+                std::shared_ptr<const FunctionTable> functions) {
+    const Parsed parsed = parse(source, std::move(functions));
+    if (parsed.error != error::none) return {.error = parsed.error, .value = emptyResult()};
+    return evaluate(*parsed.expression, environment);
+}
+
+} // namespace host::calc

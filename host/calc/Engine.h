@@ -1,0 +1,91 @@
+#pragma once
+
+#include "host/calc/Environment.h"
+#include "host/values/Data.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// Calculations: a text is parsed once against a table of functions and may then be evaluated many times.
+
+namespace host::calc {
+
+/// Codes an evaluation answers. Calculation code throws `Error`; nothing else leaves `parse` and `evaluate`.
+namespace error {
+inline constexpr int none = 0, missingFile = 100, missingField = 102, missingScript = 104, outOfRange = 14,
+                     unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
+                     unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
+                     unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
+                     nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
+                     operatorExpected = 1212, alreadyDefined = 1213, unknownKeyword = 1218;
+}
+/// A sentence for a code, for people; "unknown error" for one that has none.
+std::string_view errorMessage(int code);
+
+struct Error {
+    int code;
+};
+
+struct Node;      // the parsed tree
+class Evaluation; // one run of it
+
+/// A row of the function table.
+struct Function {
+    /// Arguments come evaluated.
+    using Eager = std::function<DataRef(Evaluation&, std::span<const DataRef>)>;
+    /// Arguments come as they stand; the function evaluates those it needs.
+    using Lazy = std::function<DataRef(Evaluation&, std::span<const Node* const>)>;
+
+    std::u16string name; ///< as it is displayed
+    int minimum = 0;
+    int maximum = 0; ///< -1: no upper limit
+    Eager eager;     ///< one of the two is set
+    Lazy lazy;
+    /// The argument (from 0) that holds bare words joined by "+" instead of a value; -1: none has.
+    int wordArgument = -1;
+    /// Set by the table that has withdrawn the row.
+    mutable bool withdrawn = false;
+};
+
+/// Functions by folded name: the built-in ones, and those that plug-ins register. A row that is withdrawn
+/// stays alive for expressions that were parsed with it; calling it then answers error 1208.
+class FunctionTable {
+public:
+    FunctionTable(); ///< holds every built-in function
+    /// False when the name is taken.
+    bool add(Function function);
+    bool remove(std::u16string_view name);
+    [[nodiscard]] std::shared_ptr<const Function> find(std::u16string_view name) const;
+
+private:
+    std::map<std::u16string, std::shared_ptr<const Function>, std::less<>> rows_;
+};
+
+/// A calculation, parsed. Immutable; outlives the table it was parsed with.
+class Expression;
+using ExpressionRef = std::shared_ptr<const Expression>;
+
+struct Parsed {
+    int error = 0;
+    std::uint32_t position = 0; ///< of the error, in units of the source
+    ExpressionRef expression;   ///< null on an error
+};
+/// Nesting deeper than 400 levels answers 1200. An empty or blank source is a calculation with an empty
+/// result.
+Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions);
+
+struct Result {
+    int error = 0;
+    DataRef value; ///< never null: empty text on an error
+};
+Result evaluate(const Expression& expression, const Environment& environment);
+/// Parses and evaluates. `functions` also serves what the calculation itself evaluates.
+Result evaluate(std::u16string_view source, const Environment& environment,
+                std::shared_ptr<const FunctionTable> functions);
+
+} // namespace host::calc

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "host/values/Data.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace host::calc {
+
+/// Case-folded form of a name: how variables, functions, keywords, files and scripts are matched.
+std::u16string foldName(std::u16string_view name);
+
+/// Variables by folded name, each with repetitions from 1. One that was never set reads as empty text.
+class Variables {
+public:
+    static constexpr int maximumRepetition = 32'000;
+    [[nodiscard]] DataRef value(std::u16string_view name, int repetition = 1) const;
+    /// A repetition out of range is refused with false.
+    bool set(std::u16string_view name, int repetition, DataRef value);
+    void clear() { values_.clear(); }
+
+private:
+    std::map<std::u16string, std::map<int, DataRef>, std::less<>> values_;
+};
+
+struct SqlAnswer {
+    int error = 0; ///< 0, 100 (no such file), 8309 (refused), 8310 (syntax)
+    RowVect rows;
+};
+
+/// The file a calculation runs in, as the engine sees it.
+class Surroundings {
+public:
+    virtual ~Surroundings() = default;
+    [[nodiscard]] virtual bool isOpen() const = 0;
+    virtual Variables& fileVariables() = 0;
+    /// The value of Get ( name ), whose name comes folded; nothing when there is no such name. The engine
+    /// itself answers ScriptName, ScriptParameter, LastError and the clock's names.
+    virtual std::optional<DataRef> get(std::u16string_view name) = 0;
+    /// Microseconds since 0001-01-01 00:00:00, local time.
+    virtual std::int64_t localMicros() = 0;
+    /// Names, one a line with returns between; nothing when no file of that name is open ("" is this one).
+    virtual std::optional<std::u16string> scriptNames(std::u16string_view fileName) = 0;
+    virtual std::u16string databaseNames() = 0;
+    virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
+                                 const DataVect& parameters) = 0;
+    /// The identifier of a font of this file, added when it is new; its name, nothing when unknown.
+    virtual std::uint16_t fontId(std::u16string_view name) = 0;
+    virtual std::optional<std::u16string> fontName(std::uint16_t id) = 0;
+};
+
+/// The script that runs, if any.
+struct ScriptFrame {
+    std::u16string name;
+    DataRef parameter;
+};
+
+/// Where a calculation is evaluated: session, file, variables, script. This is what stands behind
+/// fmx::ExprEnv, so that what a plug-in evaluates sees the caller's variables. Copies share the variables.
+struct Environment {
+    std::uint64_t sessionId = 0;
+    std::uint64_t fileId = 0;
+    std::shared_ptr<Surroundings> file; ///< none: nothing can be evaluated (error 100)
+    std::shared_ptr<Variables> locals;  ///< the `$` variables
+    std::shared_ptr<const ScriptFrame> script;
+    std::shared_ptr<int> lastError; ///< what Get ( LastError ) answers
+};
+
+} // namespace host::calc

@@ -1,0 +1,125 @@
+#include "host/calc/BuiltIns.h"
+
+#include <array>
+#include <random>
+
+namespace host::calc {
+
+namespace {
+
+DataRef now(Evaluation& evaluation, DataType type) {
+    DateTime value = DateTime::fromMicrosSinceEpoch(evaluation.file().localMicros());
+    // Clocks of calculations tick in seconds.
+    value.micros -= value.micros % DateTime::microsPerSecond;
+    if (type == DataType::date) value.micros = 0;
+    if (type == DataType::time) value.days = 0;
+    return std::make_shared<const Data>(value, type);
+}
+
+template<DataType type>
+DataRef current(Evaluation& evaluation) {
+    return now(evaluation, type);
+}
+
+DataRef scriptName(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script ? textResult(script->name) : emptyResult();
+}
+
+DataRef scriptParameter(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script && script->parameter ? script->parameter : emptyResult();
+}
+
+DataRef lastError(Evaluation& evaluation) {
+    const auto& code = evaluation.environment().lastError;
+    return numberResult(code ? *code : 0);
+}
+
+/// A random universal identifier (version 4), in capitals.
+DataRef uuid(Evaluation&) {
+    constexpr std::u16string_view digits = u"0123456789ABCDEF";
+    static std::mt19937_64 generator(std::random_device{}());
+    std::u16string text = u"xxxxxxxx-xxxx-4xxx-yxxx-xxxxxxxxxxxx";
+    std::uniform_int_distribution<std::size_t> pick(0, 15);
+    for (char16_t& unit : text) {
+        if (unit == u'x') unit = digits[pick(generator)];
+        if (unit == u'y') unit = digits[8 + pick(generator) % 4];
+    }
+    return textResult(std::move(text));
+}
+
+struct Answer {
+    std::u16string_view name; ///< folded
+    DataRef (*value)(Evaluation& evaluation);
+};
+/// The names that are not the file's to answer.
+constexpr std::array answers{
+    Answer{u"scriptname", scriptName},
+    Answer{u"scriptparameter", scriptParameter},
+    Answer{u"lasterror", lastError},
+    Answer{u"currentdate", current<DataType::date>},
+    Answer{u"currenttime", current<DataType::time>},
+    Answer{u"currenttimestamp", current<DataType::timestamp>},
+    Answer{u"currenthosttimestamp", current<DataType::timestamp>},
+    Answer{u"uuid", uuid},
+};
+
+DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
+    const std::vector<std::u16string>& words = arguments[0]->words;
+    if (words.size() != 1) throw Error{error::unknownKeyword};
+    for (const Answer& answer : answers)
+        if (answer.name == words[0]) return answer.value(evaluation);
+    const std::optional<DataRef> value = evaluation.file().get(words[0]);
+    if (!value) throw Error{error::unknownKeyword};
+    return *value;
+}
+
+/// Of no file: empty.
+DataRef scriptNames(Evaluation& evaluation, std::span<const DataRef> arguments) {
+    return textResult(evaluation.file().scriptNames(arguments[0]->asText().units()).value_or(u""));
+}
+
+DataRef databaseNames(Evaluation& evaluation, std::span<const DataRef>) {
+    return textResult(evaluation.file().databaseNames());
+}
+
+/// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where
+/// these are empty; "?" for a statement that fails.
+DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
+    const auto separator = [](const Data& given, const char16_t* usual) {
+        return given.isEmpty() ? Text(usual) : given.asText();
+    };
+    const Text betweenColumns = separator(*arguments[1], u","), betweenRows = separator(*arguments[2], u"\r");
+    const DataVect parameters(arguments.begin() + 3, arguments.end());
+    const SqlAnswer answer = evaluation.file().executeSql(arguments[0]->asText().units(), {}, parameters);
+    if (answer.error != error::none) return questionMark();
+    Text result;
+    for (std::size_t row = 0; row < answer.rows.size(); ++row) {
+        if (row > 0) result.append(betweenRows);
+        for (std::size_t column = 0; column < answer.rows[row].size(); ++column) {
+            if (column > 0) result.append(betweenColumns);
+            result.append(answer.rows[row][column]->asText());
+            checkTextSize(result.size());
+        }
+    }
+    return textResult(std::move(result));
+}
+
+constexpr std::array lazyRows{
+    LazyRow{.name = u"Get", .minimum = 1, .maximum = 1, .implementation = get, .wordArgument = 0},
+};
+constexpr std::array evaluationRows{
+    EvaluationRow{u"ScriptNames", 1, 1, scriptNames},
+    EvaluationRow{u"DatabaseNames", 0, 0, databaseNames},
+    EvaluationRow{u"ExecuteSQL", 3, -1, executeSql},
+};
+
+} // namespace
+
+void addGetFunctions(FunctionTable& table) {
+    addRows(table, lazyRows);
+    addRows(table, evaluationRows);
+}
+
+} // namespace host::calc

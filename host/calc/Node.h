@@ -1,0 +1,76 @@
+#pragma once
+
+#include "host/calc/Engine.h"
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// The parsed form of a calculation. Operators of one binding stand side by side in one node, so that a long
+/// calculation is wide, not deep.
+
+namespace host::calc {
+
+enum class Operator : std::uint8_t {
+    power,
+    multiply,
+    divide,
+    add,
+    subtract,
+    join,
+    equal,
+    notEqual,
+    less,
+    lessOrEqual,
+    greater,
+    greaterOrEqual,
+    logicalAnd,
+    logicalOr,
+    logicalXor
+};
+
+struct Node {
+    enum class Kind : std::uint8_t {
+        literal,    ///< value
+        binding,    ///< a name bound by a Let: slot
+        variable,   ///< name, ofFile; a child gives the repetition
+        chain,      ///< children, left to right, and the operators between them
+        negate,     ///< one child
+        logicalNot, ///< one child
+        call,       ///< function; children are its arguments
+        assignment, ///< of a Let: name; the first child is the value, a second the variable's repetition
+        words       ///< bare names that stand for themselves
+    };
+
+    Kind kind = Kind::literal;
+    bool ofFile = false;     ///< a `$$` variable
+    bool isVariable = false; ///< an assignment's name is a variable
+    std::uint32_t slot = 0;
+    DataRef value;
+    std::u16string name; ///< folded
+    std::vector<const Node*> children;
+    std::vector<Operator> operators;
+    std::shared_ptr<const Function> function;
+    std::vector<std::u16string> words; ///< folded
+};
+
+/// Owns the nodes of a calculation side by side, so that they go without recursion.
+class Expression {
+public:
+    Node& add(Node::Kind kind) {
+        Node& node = nodes_.emplace_back();
+        node.kind = kind;
+        return node;
+    }
+
+    const Node* root = nullptr; ///< null: nothing but blanks
+    int levels = 0;             ///< how deeply it is nested
+    std::shared_ptr<const FunctionTable> functions;
+
+private:
+    std::deque<Node> nodes_;
+};
+
+} // namespace host::calc
