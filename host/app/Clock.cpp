@@ -1,0 +1,63 @@
+#include "host/app/Clock.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace host {
+
+namespace {
+
+using std::chrono::seconds;
+
+constexpr seconds yearOneToUnixEpoch{62'135'596'800};
+/// The years 1 to 9999: what any date of the host lies in, and far from where the counts would overflow.
+constexpr Clock::Micros earliest = -yearOneToUnixEpoch, latest = seconds{253'402'300'799};
+
+Clock::Micros machineTime() {
+    return std::chrono::duration_cast<Clock::Micros>(std::chrono::system_clock::now().time_since_epoch());
+}
+
+seconds offsetFromUtc(Clock::Micros sinceUnixEpoch) {
+    const std::time_t moment = std::chrono::floor<seconds>(sinceUnixEpoch).count();
+    std::tm local{};
+    if (::localtime_r(&moment, &local) == nullptr) return seconds{0};
+    return seconds{local.tm_gmtoff};
+}
+
+} // namespace
+
+Clock::Micros Clock::now() const { return held_ ? *held_ : machineTime() + offset_; }
+
+Clock::Micros Clock::localSinceYearOne() const {
+    const Micros moment = now();
+    return moment + offsetFromUtc(moment) + yearOneToUnixEpoch;
+}
+
+void Clock::advance(Micros by) {
+    constexpr Micros span = latest - earliest;
+    set(now() + std::clamp(by, -span, span));
+}
+
+void Clock::set(Micros sinceUnixEpoch) {
+    const Micros moment = std::clamp(sinceUnixEpoch, earliest, latest);
+    if (held_)
+        held_ = moment;
+    else
+        offset_ = moment - machineTime();
+}
+
+void Clock::hold() { held_ = now(); }
+
+void Clock::release() {
+    if (!held_) return;
+    const Micros moment = *held_;
+    held_.reset();
+    set(moment);
+}
+
+Clock& clock() {
+    static Clock instance;
+    return instance;
+}
+
+} // namespace host

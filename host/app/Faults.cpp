@@ -1,0 +1,31 @@
+#include "host/app/Faults.h"
+
+namespace host {
+
+void Faults::arm(std::uint64_t nth, Kind kind, bool fromThenOn) {
+    calls_ = 0;
+    fired_ = false;
+    nth_ = nth;
+    kind_ = kind;
+    fromThenOn_ = fromThenOn;
+}
+
+void Faults::disarm() {
+    calls_ = 0;
+    nth_ = 0;
+}
+
+std::int32_t Faults::next() {
+    ++calls_;
+    const bool fails = nth_ != 0 && (fromThenOn_ ? calls_ >= nth_ : calls_ == nth_);
+    if (!fails) return 0;
+    fired_ = true;
+    return static_cast<std::int32_t>(kind_);
+}
+
+Faults& faults() {
+    static Faults instance;
+    return instance;
+}
+
+} // namespace host

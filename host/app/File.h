@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/app/Solution.h"
+#include "host/calc/Environment.h"
+
+#include <map>
+#include <memory>
+
+namespace host {
+
+class Session;
+class Database;
+
+/// An open file. See Session for how files come and go.
+class File final : public calc::Surroundings {
+public:
+    /// Throws std::runtime_error when the tables cannot be made.
+    File(Session& session, std::uint64_t id, Solution solution);
+    ~File() override;
+
+    [[nodiscard]] std::uint64_t id() const { return id_; }
+    [[nodiscard]] const std::u16string& name() const { return solution_.name; }
+    [[nodiscard]] const Solution& solution() const { return solution_; }
+    /// By name, any case; null when there is none.
+    [[nodiscard]] const Script* script(std::u16string_view name) const;
+    /// From then on nothing can be evaluated or asked of the tables, and the session is no longer used.
+    void markClosed();
+
+    [[nodiscard]] bool isOpen() const override { return open_; }
+    calc::Variables& fileVariables() override { return variables_; }
+    std::optional<DataRef> get(std::u16string_view name) override;
+    std::int64_t localMicros() override;
+    std::optional<std::u16string> scriptNames(std::u16string_view fileName) override;
+    std::u16string databaseNames() override;
+    calc::SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
+                               const DataVect& parameters) override;
+    std::uint16_t fontId(std::u16string_view name) override;
+    std::optional<std::u16string> fontName(std::uint16_t id) override;
+
+private:
+    Session* session_; ///< null once closed
+    std::uint64_t id_;
+    Solution solution_;
+    bool open_ = true;
+    calc::Variables variables_;
+    std::vector<std::u16string> fonts_;
+    std::map<std::u16string, std::uint16_t, std::less<>> fontIds_; ///< by folded name
+    std::unique_ptr<Database> database_;
+};
+
+} // namespace host

@@ -1,0 +1,318 @@
+#include "host/app/PlugIn.h"
+
+#include "host/app/Session.h"
+#include "host/calc/Engine.h"
+#include "host/calc/Evaluation.h"
+#include "host/fmwrapper/Bridge.h"
+
+#include <algorithm>
+#include <array>
+#include <dlfcn.h>
+#include <stdexcept>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+#include <utility>
+
+namespace host {
+
+/// What a row of the function table holds of its plug-in. The row outlives the plug-in where an expression
+/// still names it; the pointer is cleared when the function is withdrawn.
+struct PlugIn::Link {
+    PlugIn* plugIn;
+    std::int16_t id;
+    fmx::ExtPluginType handler;
+};
+
+namespace {
+
+constexpr const char* entryPointName = "FMExternCallProc";
+constexpr std::u16string_view hostVersionText = u"Kestrel Host 1.0"; // a literal: it ends in a zero
+constexpr FMX_PtrType englishLanguage = 0;
+
+/// The plug-in whose code runs: it is the one that registers.
+PlugIn* runningPlugIn = nullptr;
+
+class Running {
+public:
+    explicit Running(PlugIn* plugIn) : before_(std::exchange(runningPlugIn, plugIn)) {}
+    ~Running() { runningPlugIn = before_; }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    PlugIn* before_;
+};
+
+FMX_PtrType address(const void* pointer) { return reinterpret_cast<FMX_PtrType>(pointer); }
+
+FMX_ErrorCode startScript(const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl /*control*/,
+                          const FMX_Data* parameter) {
+    // The control says what becomes of the script that runs; here the new one always waits for its end.
+    Session* session = Session::current();
+    if (session == nullptr) return calc::error::unspecific;
+    try {
+        auto value = std::make_shared<const Data>(bridge::in<Data>(parameter));
+        return static_cast<FMX_ErrorCode>(session->startScript(
+            bridge::in<Text>(fileName).units(), bridge::in<Text>(scriptName).units(), std::move(value)));
+    } catch (...) {
+        return calc::error::unspecific;
+    }
+}
+
+FMX_ErrorCode setToCurrentEnvironment(FMX_ExprEnv* environment) {
+    const Session* session = Session::current();
+    if (session == nullptr) return calc::error::unspecific;
+    try {
+        auto& target = bridge::in<calc::Environment>(environment);
+        target = session->topLevel();
+        return static_cast<FMX_ErrorCode>(target.file ? calc::error::none : calc::error::missingFile);
+    } catch (...) {
+        return calc::error::unspecific;
+    }
+}
+
+/// The length of the name that a text begins with, in units: letters, digits and underscores, no digit first.
+std::size_t nameLength(std::u16string_view text) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        std::size_t next = end;
+        UChar32 letter = 0;
+        U16_NEXT(text.data(), next, text.size(), letter);
+        const bool isPart = letter == U'_' || u_isalpha(letter) || (end > 0 && u_isdigit(letter));
+        if (!isPart) break;
+        end = next;
+    }
+    return end;
+}
+
+bool isFunctionName(std::u16string_view name) {
+    static constexpr std::array<std::u16string_view, 4> operators{u"and", u"or", u"xor", u"not"};
+    constexpr std::size_t longest = 1'000;
+    return !name.empty() && name.size() <= longest && nameLength(name) == name.size() &&
+           std::find(operators.begin(), operators.end(), calc::foldName(name)) == operators.end();
+}
+
+bool beginsWithName(std::u16string_view prototype, std::u16string_view name) {
+    return calc::foldName(prototype.substr(0, nameLength(prototype))) == calc::foldName(name);
+}
+
+} // namespace
+
+PlugIn::PlugIn(Session& session, const std::filesystem::path& library) : session_(session) {
+    library_ = ::dlopen(std::filesystem::absolute(library).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library_ == nullptr) throw std::runtime_error(::dlerror());
+    entryPoint_ = reinterpret_cast<FMX_ExternCallProc>(::dlsym(library_, entryPointName));
+    if (entryPoint_ == nullptr) {
+        ::dlclose(library_);
+        throw std::runtime_error(library.string() + ": no entry point " + entryPointName);
+    }
+    session_.join(*this);
+}
+
+PlugIn::~PlugIn() {
+    shutdown();
+    while (!functions_.empty())
+        withdraw(functions_.size() - 1);
+    session_.leave(*this);
+    ::dlclose(library_);
+}
+
+FMX_ExternCallStruct PlugIn::message(FMX_ExternCallSwitch which) const {
+    FMX_ExternCallStruct block{};
+    block.whichCall = which;
+    return block;
+}
+
+void PlugIn::send(FMX_ExternCallStruct& block) {
+    block.extnVersion = hostVersion_;
+    block.entryPoint = entryPoint_;
+    const bool isUnsafe = block.whichCall == kFMXT_Idle && block.parm1 == kFMXT_Unsafe;
+    block.unsafeCalls = static_cast<FMX_Boolean>(isUnsafe ? 1 : 0);
+    block.instanceID = address(this);
+    block.cStartScript = startScript;
+    block.cCurrentEnv = setToCurrentEnvironment;
+    // A message may be sent while another is served, which must find its block as it was.
+    const FMX_ExternCallStruct before = std::exchange(block_, block);
+    const bool isNested = runningPlugIn == this;
+    const Running running(this);
+    try {
+        entryPoint_(&block_);
+    } catch (...) {
+        misdeeds_.push_back(Misdeed::threwFromMessage);
+    }
+    block = block_;
+    if (isNested) block_ = before;
+}
+
+std::int64_t PlugIn::init(std::int16_t hostVersion) {
+    hostVersion_ = hostVersion;
+    FMX_ExternCallStruct block = message(kFMXT_Init);
+    block.parm1 = kFMXT_Mobile;
+    block.parm2 = address(hostVersionText.data());
+    const std::size_t misdeedsBefore = misdeeds_.size();
+    send(block);
+    const auto answer = misdeeds_.size() > misdeedsBefore ? std::int64_t{kDoNotEnable}
+                                                          : static_cast<std::int64_t>(block.result);
+    enabled_ = answer >= kMinExtnVersion && answer <= kMaxExtnVersion;
+    while (!enabled_ && !functions_.empty())
+        withdraw(functions_.size() - 1);
+    return answer;
+}
+
+void PlugIn::shutdown() {
+    if (!enabled_) return;
+    enabled_ = false;
+    FMX_ExternCallStruct block = message(kFMXT_Shutdown);
+    send(block);
+}
+
+void PlugIn::idle(unsigned char level) {
+    FMX_ExternCallStruct block = message(kFMXT_Idle);
+    block.parm1 = level;
+    block.parm2 = session_.id();
+    send(block);
+}
+
+void PlugIn::preferences() {
+    FMX_ExternCallStruct block = message(kFMXT_DoAppPreferences);
+    send(block);
+}
+
+void PlugIn::fileShutdown(std::uint64_t fileId) {
+    FMX_ExternCallStruct block = message(kFMXT_FileShutdown);
+    block.parm2 = session_.id();
+    block.parm3 = fileId;
+    send(block);
+}
+
+void PlugIn::sessionShutdown() {
+    FMX_ExternCallStruct block = message(kFMXT_SessionShutdown);
+    block.parm2 = session_.id();
+    send(block);
+}
+
+PlugIn::StringAnswer PlugIn::readString(int request, std::uint32_t units) {
+    constexpr std::size_t guard = 4096;
+    // The buffer comes cleared, so a text needs no zero of its own behind it. No text looks like the guards.
+    const auto original = [&](std::size_t place) {
+        const bool isInside = place >= guard && place < guard + units;
+        return static_cast<char16_t>(isInside ? 0 : 0xE000 | (place * 31 % 0x1000));
+    };
+    std::u16string zone(guard + units + guard, u'\0');
+    for (std::size_t i = 0; i < zone.size(); ++i)
+        zone[i] = original(i);
+
+    FMX_ExternCallStruct block = message(kFMXT_GetString);
+    block.parm1 = static_cast<FMX_UChar>(request);
+    block.parm2 = englishLanguage;
+    block.parm3 = units;
+    block.result = address(zone.data() + guard);
+    send(block);
+
+    StringAnswer answer;
+    for (std::size_t i = 0; i < zone.size(); ++i) {
+        if (zone[i] == original(i)) continue;
+        const bool isInside = i >= guard && i < guard + units;
+        (isInside ? answer.answered : answer.overrun) = true;
+    }
+    if (!answer.answered) return answer;
+    const auto text = std::u16string_view(zone).substr(guard, units);
+    answer.text = text.substr(0, text.find(u'\0'));
+    return answer;
+}
+
+const std::u16string& PlugIn::name() {
+    if (!name_) name_ = readString(kFMXT_NameStr).text;
+    return *name_;
+}
+
+fmx::errcode PlugIn::callHandler(std::int16_t id, fmx::ExtPluginType handler, const fmx::ExprEnv& environment,
+                                 const fmx::DataVect& arguments, fmx::Data& result) {
+    const Running running(this);
+    try {
+        return handler(id, environment, arguments, result);
+    } catch (...) {
+        misdeeds_.push_back(Misdeed::threwFromHandler);
+        return calc::error::unspecific;
+    }
+}
+
+fmx::errcode PlugIn::call(const RegisteredFunction& function, const fmx::ExprEnv& environment,
+                          const fmx::DataVect& arguments, fmx::Data& result) {
+    return callHandler(function.id, function.handler, environment, arguments, result);
+}
+
+std::int16_t PlugIn::problemWith(const RegisteredFunction& function) const {
+    const auto& bytes = function.creator.bytes;
+    const bool creatorIsGood = std::find(bytes.begin(), bytes.end(), 0) == bytes.end() &&
+                               (functions_.empty() || functions_.front().creator == function.creator);
+    const bool countsAreGood =
+        function.minimum >= 0 && (function.maximum == -1 || function.maximum >= function.minimum);
+    if (!creatorIsGood || !countsAreGood || function.id <= 0 || function.handler == nullptr ||
+        !isFunctionName(function.name) || !beginsWithName(function.prototype, function.name))
+        return calc::error::unspecific;
+    for (const PlugIn* plugIn : session_.plugIns())
+        for (const RegisteredFunction& other : plugIn->functions())
+            if (other.creator == function.creator && other.id == function.id)
+                return calc::error::alreadyRegistered;
+    const bool isTaken = session_.functions()->find(function.name) != nullptr;
+    return static_cast<std::int16_t>(isTaken ? calc::error::alreadyRegistered : calc::error::none);
+}
+
+std::int16_t PlugIn::take(RegisteredFunction function) {
+    if (const std::int16_t problem = problemWith(function); problem != calc::error::none) {
+        refusals_.push_back(function.id);
+        return problem;
+    }
+    auto link = std::make_shared<Link>(Link{this, function.id, function.handler});
+    calc::Function row{.name = function.name,
+                       .minimum = function.minimum,
+                       .maximum = function.maximum,
+                       .eager = {},
+                       .lazy = {}};
+    row.eager = [link](calc::Evaluation& evaluation, std::span<const DataRef> values) -> DataRef {
+        if (link->plugIn == nullptr) throw calc::Error{calc::error::functionNotFound};
+        const DataVect arguments(values.begin(), values.end());
+        auto result = std::make_shared<Data>();
+        // The row may be withdrawn while the handler runs: after the call nothing of it is touched.
+        const fmx::errcode error = link->plugIn->callHandler(
+            link->id, link->handler, bridge::out<fmx::ExprEnv>(evaluation.environment()),
+            bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(*result));
+        if (error != calc::error::none) throw calc::Error{error};
+        return result;
+    };
+    session_.functions()->add(std::move(row));
+    functions_.push_back(std::move(function));
+    links_.push_back(std::move(link));
+    return calc::error::none;
+}
+
+void PlugIn::withdraw(std::size_t index) {
+    const auto place = static_cast<std::ptrdiff_t>(index);
+    links_[index]->plugIn = nullptr;
+    session_.functions()->remove(functions_[index].name);
+    functions_.erase(functions_.begin() + place);
+    links_.erase(links_.begin() + place);
+}
+
+std::int16_t PlugIn::registerFunction(RegisteredFunction function) {
+    if (runningPlugIn != nullptr) return runningPlugIn->take(std::move(function));
+    // A plug-in may also register from a timer of its own, when no message runs.
+    const Session* session = Session::current();
+    if (session == nullptr || session->plugIns().size() != 1) return calc::error::unspecific;
+    return session->plugIns().front()->take(std::move(function));
+}
+
+std::int16_t PlugIn::unregisterFunction(const QuadChar& creator, std::int16_t id) {
+    const Session* session = Session::current();
+    if (session == nullptr) return calc::error::unspecific;
+    for (PlugIn* plugIn : session->plugIns())
+        for (std::size_t i = 0; i < plugIn->functions_.size(); ++i)
+            if (plugIn->functions_[i].creator == creator && plugIn->functions_[i].id == id) {
+                plugIn->withdraw(i);
+                return calc::error::none;
+            }
+    return calc::error::unspecific;
+}
+
+} // namespace host

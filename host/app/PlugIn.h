@@ -1,0 +1,111 @@
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXExtern.h"
+#include "host/values/Binary.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class Session;
+
+/// An external function as a plug-in registered it.
+struct RegisteredFunction {
+    QuadChar creator;
+    std::int16_t id;
+    std::u16string name, prototype;
+    std::int16_t minimum, maximum;
+    std::uint32_t flags;
+    fmx::ExtPluginType handler;
+};
+
+/// A plug-in in this process: loading, messages, what it registered, unloading.
+class PlugIn {
+public:
+    /// What a plug-in did that a host must not be asked to bear.
+    enum class Misdeed : std::uint8_t { threwFromMessage, threwFromHandler };
+
+    /// Loads a library and finds its entry point; throws std::runtime_error with the loader's words. No
+    /// message is sent yet.
+    PlugIn(Session& session, const std::filesystem::path& library);
+    /// Sends the shutdown message if init was accepted, withdraws what is still registered, unloads the
+    /// library.
+    ~PlugIn();
+    PlugIn(const PlugIn&) = delete;
+    PlugIn& operator=(const PlugIn&) = delete;
+
+    /// Sends init with a host version (the newest known one by default) and gives the plug-in's answer: the
+    /// version it implements, or negative when it refuses.
+    std::int64_t init(std::int16_t hostVersion = currentHostVersion);
+    void shutdown();
+    void idle(unsigned char level);
+    void preferences();
+    void fileShutdown(std::uint64_t fileId);
+    void sessionShutdown();
+    /// Sends any message: what it asks is sent as it stands, the host's own fields (entry point, instance,
+    /// callbacks) are filled in, and what the plug-in wrote is given back. An exception that the plug-in lets
+    /// out is recorded as a misdeed.
+    void send(FMX_ExternCallStruct& block);
+
+    /// The answer to a string request. The buffer has `units` units; `overrun` says whether the plug-in wrote
+    /// past them (a guard zone behind the buffer bears it).
+    struct StringAnswer {
+        std::u16string text;
+        bool answered = false; ///< something was written
+        bool overrun = false;
+    };
+    StringAnswer readString(int request, std::uint32_t units = 1024);
+
+    /// The name by which the plug-in goes, asked for once; empty when it gives none.
+    const std::u16string& name();
+
+    [[nodiscard]] bool isEnabled() const { return enabled_; }
+    [[nodiscard]] const std::vector<RegisteredFunction>& functions() const { return functions_; }
+    [[nodiscard]] const std::vector<Misdeed>& misdeeds() const { return misdeeds_; }
+    [[nodiscard]] const std::vector<std::int16_t>& refusedRegistrations() const { return refusals_; }
+
+    /// Calls a registered function directly, without a calculation. Counts are not checked.
+    /// An exception that leaves the handler is recorded as a misdeed and answers 1200.
+    fmx::errcode call(const RegisteredFunction& function, const fmx::ExprEnv& environment,
+                      const fmx::DataVect& arguments, fmx::Data& result);
+
+    static constexpr std::int16_t currentHostVersion = 71;
+
+    /// Registration as the plug-in being messaged asks for it (FM_ExprEnv_RegisterExternalFunction); the
+    /// SDK's codes: 0, 1210 for a name or identifier that is taken, 1200 for a name, prototype or counts that
+    /// make no sense.
+    static std::int16_t registerFunction(RegisteredFunction function);
+    static std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id);
+
+private:
+    struct Link; ///< how a row of the function table reaches its plug-in
+
+    FMX_ExternCallStruct message(FMX_ExternCallSwitch which) const;
+    fmx::errcode callHandler(std::int16_t id, fmx::ExtPluginType handler, const fmx::ExprEnv& environment,
+                             const fmx::DataVect& arguments, fmx::Data& result);
+    std::int16_t take(RegisteredFunction function);
+    [[nodiscard]] std::int16_t problemWith(const RegisteredFunction& function) const;
+    void withdraw(std::size_t index);
+
+    Session& session_;
+    void* library_ = nullptr;
+    FMX_ExternCallProc entryPoint_ = nullptr;
+    /// The block every message is sent in. Plug-ins keep its address and use the callbacks in it between
+    /// messages, so it lives as long as the plug-in does.
+    FMX_ExternCallStruct block_{};
+    std::int16_t hostVersion_ = currentHostVersion;
+    bool enabled_ = false;
+    std::optional<std::u16string> name_;
+    std::vector<RegisteredFunction> functions_;
+    std::vector<std::shared_ptr<Link>> links_; ///< of functions_, in the same order
+    std::vector<std::int16_t> refusals_;
+    std::vector<Misdeed> misdeeds_;
+};
+
+} // namespace host

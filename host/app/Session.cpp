@@ -1,0 +1,125 @@
+#include "host/app/Session.h"
+
+#include "host/app/File.h"
+#include "host/values/Encoding.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+Session* currentSession = nullptr;
+
+/// Identifiers are never used twice in a process, so what outlives a session is not taken for a part of the
+/// next one.
+std::uint64_t nextId() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
+constexpr std::u16string_view fileExtension = u".fmp12";
+
+} // namespace
+
+Session::Session()
+    : id_(nextId()), functions_(std::make_shared<calc::FunctionTable>()),
+      topLevel_(std::make_shared<calc::Variables>()), lastError_(std::make_shared<int>(0)) {
+    if (currentSession != nullptr) throw std::logic_error("a process has one session at a time");
+    currentSession = this;
+}
+
+Session::~Session() {
+    for (const auto& file : files_)
+        file->markClosed();
+    currentSession = nullptr;
+}
+
+Session* Session::current() { return currentSession; }
+
+std::uint64_t Session::open(Solution solution) {
+    if (find(solution.name)) throw std::runtime_error("a file named " + toUtf8(solution.name) + " is open");
+    files_.push_back(std::make_shared<File>(*this, nextId(), std::move(solution)));
+    return files_.back()->id();
+}
+
+bool Session::close(std::uint64_t fileId) {
+    const auto found = std::find_if(files_.begin(), files_.end(),
+                                    [fileId](const auto& file) { return file->id() == fileId; });
+    if (found == files_.end()) return false;
+    (*found)->markClosed();
+    files_.erase(found);
+    if (onFileClosed) onFileClosed(fileId);
+    return true;
+}
+
+std::vector<std::shared_ptr<File>> Session::files() const { return files_; }
+
+std::shared_ptr<File> Session::front() const { return files_.empty() ? nullptr : files_.front(); }
+
+std::shared_ptr<File> Session::find(std::u16string_view name) const {
+    std::u16string wanted = calc::foldName(name);
+    if (wanted.ends_with(fileExtension)) wanted.resize(wanted.size() - fileExtension.size());
+    for (const auto& file : files_)
+        if (calc::foldName(file->name()) == wanted) return file;
+    return nullptr;
+}
+
+calc::Environment Session::environment(const std::shared_ptr<File>& file) const {
+    return {.sessionId = id_,
+            .fileId = file ? file->id() : 0,
+            .file = file,
+            .locals = std::make_shared<calc::Variables>(),
+            .script = nullptr,
+            .lastError = lastError_};
+}
+
+calc::Environment Session::topLevel() const {
+    calc::Environment environment = this->environment(front());
+    environment.locals = topLevel_;
+    return environment;
+}
+
+calc::Result Session::evaluate(std::u16string_view source) {
+    calc::Result result = calc::evaluate(source, topLevel(), functions_);
+    *lastError_ = result.error;
+    return result;
+}
+
+int Session::startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter) {
+    ScriptCall call{.fileId = 0,
+                    .fileName = std::u16string(fileName),
+                    .scriptName = std::u16string(scriptName),
+                    .parameter = parameter ? std::move(parameter) : std::make_shared<const Data>()};
+    const std::shared_ptr<File> file = find(fileName);
+    if (file) call.fileId = file->id();
+    if (!file)
+        call.error = calc::error::missingFile;
+    else if (file->script(scriptName) == nullptr)
+        call.error = calc::error::missingScript;
+    if (call.error == calc::error::none) waiting_.push_back(call);
+    if (onScriptCall) onScriptCall(call);
+    return call.error;
+}
+
+std::size_t Session::runWaitingScripts() {
+    std::size_t count = 0;
+    while (count < mostScriptsPerRun && !waiting_.empty()) {
+        const ScriptCall call = std::move(waiting_.front());
+        waiting_.pop_front();
+        const std::shared_ptr<File> file = find(call.fileName);
+        const Script* script = file && file->id() == call.fileId ? file->script(call.scriptName) : nullptr;
+        if (script == nullptr) continue;
+        ++count;
+        calc::Environment scope = environment(file);
+        scope.script =
+            std::make_shared<const calc::ScriptFrame>(calc::ScriptFrame{script->name, call.parameter});
+        for (const std::u16string& calculation : script->calculations)
+            *lastError_ = calc::evaluate(calculation, scope, functions_).error;
+    }
+    return count;
+}
+
+} // namespace host

@@ -1,0 +1,254 @@
+#include "host/app/SqlValues.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+constexpr QuadChar fileStream{{'F', 'I', 'L', 'E'}};
+constexpr int fractionDigits = 6;
+
+std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
+
+/// The decimal number that a binary one stands for: the shortest that reads back as the same.
+std::optional<Decimal> fromDouble(double value) {
+    std::array<char, 64> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return Decimal::parse(widen({digits.data(), end}));
+}
+
+std::string isoDate(const DateTime& value) {
+    const DateTime::Date date = value.date();
+    std::array<char, 48> text{};
+    const int size =
+        std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date.year, date.month, date.day);
+    return {text.data(), static_cast<std::size_t>(size)};
+}
+
+std::string isoTime(const DateTime& value) {
+    const long long hour = std::llabs(value.hour());
+    const int fraction = std::abs(value.microsecond());
+    std::array<char, 64> text{};
+    int size = std::snprintf(text.data(), text.size(), "%s%02lld:%02d:%02d", value.micros < 0 ? "-" : "",
+                             hour, std::abs(value.minute()), std::abs(value.second()));
+    if (fraction != 0)
+        size += std::snprintf(text.data() + size, text.size() - static_cast<std::size_t>(size), ".%0*d",
+                              fractionDigits, fraction);
+    return {text.data(), static_cast<std::size_t>(size)};
+}
+
+/// Walks an ISO text.
+class IsoReader {
+public:
+    explicit IsoReader(std::u16string_view text) : rest_(text) {}
+
+    [[nodiscard]] bool atEnd() const { return rest_.empty(); }
+
+    bool take(char16_t wanted) {
+        if (rest_.empty() || rest_.front() != wanted) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+
+    std::optional<std::int64_t> digits(std::size_t fewest, std::size_t most) {
+        std::int64_t value = 0;
+        std::size_t count = 0;
+        for (; count < most && !rest_.empty() && rest_.front() >= u'0' && rest_.front() <= u'9'; ++count) {
+            value = value * 10 + (rest_.front() - u'0');
+            rest_.remove_prefix(1);
+        }
+        if (count < fewest) return std::nullopt;
+        return value;
+    }
+
+    std::optional<DateTime> date() {
+        const auto year = digits(4, 4);
+        if (!year || !take(u'-')) return std::nullopt;
+        const auto month = digits(2, 2);
+        if (!month || !take(u'-')) return std::nullopt;
+        const auto day = digits(2, 2);
+        if (!day || *month < 1 || *month > 12 || *day < 1 || *day > 31) return std::nullopt;
+        const auto value = DateTime::fromDate(*year, *month, *day);
+        if (!value || value->date().day != *day) return std::nullopt;
+        return value;
+    }
+
+    std::optional<std::int64_t> micros() {
+        constexpr std::size_t mostHourDigits = 9;
+        const bool negative = take(u'-');
+        const auto hour = digits(1, mostHourDigits);
+        if (!hour || !take(u':')) return std::nullopt;
+        const auto minute = digits(2, 2);
+        if (!minute || *minute > 59) return std::nullopt;
+        std::int64_t second = 0, fraction = 0;
+        if (take(u':')) {
+            const auto read = digits(2, 2);
+            if (!read || *read > 59) return std::nullopt;
+            second = *read;
+            if (take(u'.')) {
+                const std::size_t before = rest_.size();
+                const auto parts = digits(1, fractionDigits);
+                if (!parts) return std::nullopt;
+                fraction = *parts;
+                for (std::size_t place = before - rest_.size(); place < fractionDigits; ++place)
+                    fraction *= 10;
+                while (digits(1, 1)) {
+                }
+            }
+        }
+        const std::int64_t total =
+            ((*hour * 60 + *minute) * 60 + second) * DateTime::microsPerSecond + fraction;
+        return negative ? -total : total;
+    }
+
+private:
+    std::u16string_view rest_;
+};
+
+std::optional<DateTime> readIso(std::u16string_view text, DataType wanted) {
+    IsoReader reader(text);
+    DateTime value;
+    if (wanted != DataType::time) {
+        const auto date = reader.date();
+        if (!date) return std::nullopt;
+        value.days = date->days;
+        if (reader.atEnd()) return value;
+        if (!reader.take(u' ') && !reader.take(u'T')) return std::nullopt;
+    }
+    const auto micros = reader.micros();
+    if (!micros || !reader.atEnd()) return std::nullopt;
+    if (wanted == DataType::time) return DateTime{0, *micros};
+    if (*micros < 0 || *micros >= DateTime::microsPerDay) return std::nullopt;
+    if (wanted == DataType::timestamp) value.micros = *micros;
+    return value;
+}
+
+int bindAscii(sqlite3_stmt* statement, int place, const std::string& text) {
+    return sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+int bindNumber(sqlite3_stmt* statement, int place, const Decimal& number) {
+    const std::int64_t whole = number.toInt64();
+    if (number == Decimal(whole)) return sqlite3_bind_int64(statement, place, whole);
+    const double real = number.toDouble();
+    if (std::isfinite(real) && fromDouble(real) == number) return sqlite3_bind_double(statement, place, real);
+    const std::u16string digits = number.text();
+    return bindAscii(statement, place, {digits.begin(), digits.end()});
+}
+
+int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
+    if (container.streams().empty()) return sqlite3_bind_null(statement, place);
+    const int file = container.indexOf(fileStream);
+    const auto& bytes = container.streams()[static_cast<std::size_t>(std::max(file, 0))].bytes;
+    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, place, 0);
+    return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+}
+
+std::u16string columnText(sqlite3_stmt* statement, int column) {
+    const auto* units = static_cast<const char16_t*>(sqlite3_column_text16(statement, column));
+    const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes16(statement, column));
+    if (units == nullptr) return {};
+    return {units, bytes / sizeof(char16_t)};
+}
+
+Data columnBytes(sqlite3_stmt* statement, int column) {
+    const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(statement, column));
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+    Binary container;
+    container.add(fileStream, {bytes, bytes == nullptr ? 0 : size});
+    return Data(std::move(container));
+}
+
+Data fromText(std::u16string text, DataType declared) {
+    if (declared == DataType::number)
+        if (const auto number = Decimal::parse(text)) return Data(*number);
+    if (declared == DataType::date || declared == DataType::time || declared == DataType::timestamp)
+        if (const auto value = readIso(text, declared)) return {*value, declared};
+    return Data(Text(std::move(text)));
+}
+
+} // namespace
+
+int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
+    switch (value.nativeType()) {
+    case DataType::text: {
+        const std::u16string_view units = value.asText().units();
+        const char16_t* start = units.empty() ? u"" : units.data();
+        return sqlite3_bind_text64(statement, place, reinterpret_cast<const char*>(start),
+                                   units.size() * sizeof(char16_t), SQLITE_TRANSIENT, SQLITE_UTF16);
+    }
+    case DataType::number:
+    case DataType::boolean: {
+        const auto number = value.number();
+        return number ? bindNumber(statement, place, *number) : sqlite3_bind_null(statement, place);
+    }
+    case DataType::date:
+    case DataType::time:
+    case DataType::timestamp: {
+        const auto moment = value.dateTime(value.nativeType());
+        if (!moment) return sqlite3_bind_null(statement, place);
+        if (value.nativeType() == DataType::date) return bindAscii(statement, place, isoDate(*moment));
+        if (value.nativeType() == DataType::time) return bindAscii(statement, place, isoTime(*moment));
+        return bindAscii(statement, place, isoDate(*moment) + " " + isoTime(*moment));
+    }
+    case DataType::binary: return bindContainer(statement, place, value.asBinary());
+    case DataType::invalid: break;
+    }
+    return sqlite3_bind_null(statement, place);
+}
+
+DataType declaredType(const char* declaration) {
+    struct Word {
+        std::string_view part;
+        DataType type;
+    };
+    // The first word that occurs decides, so the longer ones come first.
+    static constexpr std::array<Word, 14> words{{{"TIMESTAMP", DataType::timestamp},
+                                                 {"DATETIME", DataType::timestamp},
+                                                 {"DATE", DataType::date},
+                                                 {"TIME", DataType::time},
+                                                 {"BLOB", DataType::binary},
+                                                 {"CONTAINER", DataType::binary},
+                                                 {"BINARY", DataType::binary},
+                                                 {"INT", DataType::number},
+                                                 {"REAL", DataType::number},
+                                                 {"FLOA", DataType::number},
+                                                 {"DOUB", DataType::number},
+                                                 {"NUM", DataType::number},
+                                                 {"DEC", DataType::number},
+                                                 {"BOOL", DataType::number}}};
+    if (declaration == nullptr) return DataType::invalid;
+    std::string upper(declaration);
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? char(letter - 'a' + 'A') : letter;
+    });
+    for (const Word& word : words)
+        if (upper.find(word.part) != std::string::npos) return word.type;
+    return DataType::invalid;
+}
+
+DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared) {
+    switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_INTEGER:
+        return std::make_shared<const Data>(Decimal(sqlite3_column_int64(statement, column)));
+    case SQLITE_FLOAT:
+        if (const auto number = fromDouble(sqlite3_column_double(statement, column)))
+            return std::make_shared<const Data>(*number);
+        break;
+    case SQLITE_BLOB: return std::make_shared<const Data>(columnBytes(statement, column));
+    case SQLITE_TEXT: return std::make_shared<const Data>(fromText(columnText(statement, column), declared));
+    default: break;
+    }
+    return std::make_shared<const Data>();
+}
+
+} // namespace host
