@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// Contract checks: what a host may expect of any plug-in's binary, in levels of growing severity.
+
+namespace host::check {
+
+/// What a check found: empty when the contract holds, else one sentence that says what is wrong.
+using Finding = std::string;
+
+struct Check {
+    int level;             ///< 1 loading, 2 messages, 3 registration, 4 calls, 5 a failing host
+    std::string_view name; ///< one word, joined by hyphens
+    std::string_view promise;
+    /// Runs against a library that is not loaded yet, in a session of its own.
+    Finding (*run)(const std::filesystem::path& library);
+};
+
+/// The table, in the order of levels.
+std::span<const Check> checks();
+
+/// Runs a check in a process of its own, so that a crash or a hang is a finding and not an end. Whatever the
+/// plug-in prints goes where this process prints. A check that takes longer than `secondsAllowed` is ended
+/// and has failed.
+Finding runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed = 120);
+
+} // namespace host::check

@@ -1,0 +1,89 @@
+#include "host/check/Checks.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace host::check {
+
+namespace {
+
+void writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+[[noreturn]] void runInChild(const Check& check, const std::filesystem::path& library, int answer) {
+    Finding finding;
+    try {
+        finding = check.run(library);
+    } catch (const std::exception& problem) {
+        finding = problem.what();
+    } catch (...) {
+        finding = "something was thrown that is not a std::exception";
+    }
+    // The last byte tells a finding that is empty from a process that ended before it could answer.
+    writeAll(answer, finding + '\n');
+    ::_exit(0);
+}
+
+/// Everything the child writes until it ends or time is up; false when time was up.
+bool readAnswer(int descriptor, int secondsAllowed, std::string& answer) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(secondsAllowed);
+    for (;;) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) return false;
+        pollfd waiting{.fd = descriptor, .events = POLLIN, .revents = 0};
+        const int ready = ::poll(&waiting, 1, static_cast<int>(left.count()));
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) return false;
+        std::array<char, 4096> chunk{};
+        const ssize_t size = ::read(descriptor, chunk.data(), chunk.size());
+        if (size < 0 && errno == EINTR) continue;
+        if (size <= 0) return true;
+        answer.append(chunk.data(), static_cast<std::size_t>(size));
+    }
+}
+
+} // namespace
+
+Finding runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed) {
+    std::array<int, 2> pipe{};
+    if (::pipe(pipe.data()) != 0) return std::string("no pipe could be made: ") + std::strerror(errno);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(pipe[0]);
+        runInChild(check, library, pipe[1]);
+    }
+    ::close(pipe[1]);
+    if (child < 0) {
+        ::close(pipe[0]);
+        return std::string("no process could be started: ") + std::strerror(errno);
+    }
+    std::string answer;
+    const bool inTime = readAnswer(pipe[0], secondsAllowed, answer);
+    ::close(pipe[0]);
+    if (!inTime) ::kill(child, SIGKILL);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!inTime) return "did not end within " + std::to_string(secondsAllowed) + " seconds";
+    if (WIFSIGNALED(status)) return std::string("ended the process: ") + ::strsignal(WTERMSIG(status));
+    if (answer.empty() || answer.back() != '\n')
+        return "ended the process with status " + std::to_string(WEXITSTATUS(status));
+    answer.pop_back();
+    return answer;
+}
+
+} // namespace host::check

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// The commands of the development host. Each gives the process's exit status.
+
+namespace host::cli {
+
+inline constexpr int succeeded = 0, evaluationFailed = 1, wrongUsage = 2;
+
+struct Options {
+    std::filesystem::path plugIn;
+    std::vector<std::filesystem::path> solutions; ///< the first one calculates
+    std::vector<std::string> calculations;        ///< UTF-8
+    bool json = false;
+    std::optional<double> serveSeconds; ///< how long delayed scripts are served; unset: until none is left
+
+    /// Means of testing: one host call in a session that fails, what is left at the end, and the time.
+    std::uint64_t failAt = 0; ///< 0: none
+    int failWith = 2;
+    bool failFromThenOn = false;
+    bool reportObjects = false;
+    std::optional<std::int64_t> clockSeconds; ///< since 1970; held still
+    std::string nativeEncoding;
+};
+
+int evaluate(const Options& options);
+int prompt(const Options& options);
+int listFunctions(const Options& options);
+int check(const Options& options);
+
+/// A session with the options' solutions open and the plug-in enabled; throws std::runtime_error (exit status
+/// 2) when a solution or the plug-in cannot be had.
+class Desk {
+public:
+    explicit Desk(const Options& options);
+
+    [[nodiscard]] Session& session() { return session_; }
+    [[nodiscard]] PlugIn& plugIn() { return *plugIn_; }
+    /// Evaluates and writes the result, or the error to standard error; true when it evaluated.
+    bool evaluateAndPrint(const std::string& calculation);
+    /// One turn of the host's loop: an idle message, then the scripts that wait; gives the number of scripts
+    /// run.
+    std::size_t turn();
+
+private:
+    Session session_;
+    std::unique_ptr<PlugIn> plugIn_;
+    bool json_;
+};
+
+} // namespace host::cli
