@@ -1,0 +1,79 @@
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXText.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
+#include "PlugIn.h"
+#include "fmlib.h"
+
+#include <array>
+#include <cstdio>
+#include <iterator>
+
+/// Which plug-in a solution talks to, and the log's handler.
+
+namespace {
+
+constexpr int kMajor = 3;
+constexpr int kMinor = 1;
+constexpr int kPatch = 0;
+constexpr int kBuild = 4;
+
+void putShort(fmx::Text& text) { text.Assign(kPlugInVersion); }
+
+void putLong(fmx::Text& text) {
+    std::array<unsigned short, kMostIdentityUnits + 1> name{}; // one more: it ends in zero
+    ReadString(name.data(), name.size(), kReadName);
+    text.AssignUnicode(name.data());
+    const fmx::TextUniquePtr piece;
+    for (const char* const s : {" ", kPlugInVersion}) {
+        piece->Assign(s);
+        text.AppendText(*piece);
+    }
+}
+
+void putPlatform(fmx::Text& text) { text.Assign("iOS"); }
+
+void putPacked(fmx::Text& text) {
+    std::array<char, 48> digits{}; // enough for four numbers of any size
+    std::snprintf(digits.data(), digits.size(), "%02d%02d%02d%02d", kMajor, kMinor, kPatch, kBuild);
+    text.Assign(digits.data());
+}
+
+/// The format words, and by the same index what each gives.
+constexpr const char* gVersionTypes[] = {"short", "long", "platform", "autoupdate"};
+constexpr void (*kFormats[])(fmx::Text&) = {putShort, putLong, putPlatform, putPacked};
+static_assert(std::size(gVersionTypes) == std::size(kFormats));
+
+fmx::errcode putText(const fmx::Text& text, fmx::Data& result) {
+    result.SetAsText(text, result.GetLocale());
+    return 0;
+}
+
+} // namespace
+
+/// An unknown format word is no error: it gives what no word gives.
+FMX_PROC(fmx::errcode)
+Kestrel_Version(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        unsigned format = 0;
+        if (parameters.Size() > 0) {
+            const unsigned found =
+                fmlib::FindFMTextInArray(parameters.AtAsText(0), gVersionTypes, std::size(gVersionTypes));
+            if (found < std::size(kFormats)) format = found;
+        }
+        const fmx::TextUniquePtr text;
+        kFormats[format](*text);
+        return putText(*text, result);
+    });
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetLog(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        const fmx::TextUniquePtr text;
+        text->Assign("Kestrel_GetLog");
+        return putText(*text, result);
+    });
+}

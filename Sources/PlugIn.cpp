@@ -1,0 +1,164 @@
+#include "PlugIn.h"
+
+#include "FMWrapper/FMXText.h"
+#include "Registry.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <string_view>
+#include <vector>
+
+FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
+bool gPlugInInitialized = false;
+bool gPrefsOpen = false;
+
+namespace {
+
+constexpr std::uint16_t kOldestHost = 50;
+constexpr std::uint16_t kNewestHost = 255;
+/// The version of the interface that this plug-in speaks. The SDK's own "current version" grows with every
+/// release of the host, whatever the plug-in does.
+constexpr int kImplementedVersion = 60;
+
+constexpr std::string_view kName = "Vex Kestrel Plug-In";
+/// The host shows the backslashes as they are.
+constexpr std::string_view kDescription = R"(Collection of useful and sometimes indispensable functions.\n\n)"
+                                          R"(Copyright Vex. All rights reserved.\n\n)"
+                                          R"(Version 3.1)";
+static_assert(kName.size() <= kMostIdentityUnits && kDescription.size() <= kMostIdentityUnits);
+static_assert(kDescription.ends_with(kPlugInVersion));
+
+/// Creator (4 characters), version of this layout, preferences, -, idle messages, -, -, -.
+constexpr unsigned short kOptions[] = {'K', 'S', 'T', 'R', '1', 'Y', 'n', 'Y', 'Y', 'n', 'n', 0};
+
+/// A host that announces a larger buffer for the description gets this much of it filled: no announced size
+/// may make the plug-in run out of memory.
+constexpr FMX_PtrType kMostBufferUnits = 65536;
+
+void answer(int code) { gFMX_ExternCallPtr->result = static_cast<FMX_PtrType>(code); }
+
+template<typename T>
+T* pointerFrom(FMX_PtrType address) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the call block carries pointers as numbers
+    return reinterpret_cast<T*>(address);
+}
+
+/// True when all functions are registered; otherwise none is.
+bool registerAll() noexcept {
+    try {
+        return RegisterExternalFunctions();
+    } catch (...) {
+        return false;
+    }
+}
+
+/// The answer to an init of a host that suits.
+int start(const unsigned short* hostText) {
+    if (!Startup(hostText)) return kDoNotEnable;
+    if (!registerAll()) {
+        Shutdown();
+        return kDoNotEnable;
+    }
+    gPlugInInitialized = true;
+    return kImplementedVersion;
+}
+
+void init(const FMX_ExternCallStruct& call) {
+    const auto hostVersion = static_cast<std::uint16_t>(call.extnVersion);
+    if (hostVersion < kOldestHost || hostVersion > kNewestHost) {
+        answer(kBadExtnVersion);
+        return;
+    }
+    gPlugInInitialized = false;
+    answer(start(pointerFrom<const unsigned short>(call.parm2)));
+}
+
+void idle(unsigned char level) {
+    if (!gPlugInInitialized) return;
+    switch (level) {
+    case kFMXT_UserIdle: SafeIdle(); break;
+    case kFMXT_Unsafe: UnsafeIdle(); break;
+    default: SemiSafeIdle(level); break;
+    }
+}
+
+void shutdown() {
+    gPlugInInitialized = false;
+    UnRegisterExternalFunctions();
+    Shutdown();
+}
+
+void preferences() {
+    if (gPrefsOpen) return;
+    gPrefsOpen = true;
+    Preferences();
+    gPrefsOpen = false;
+}
+
+/// Exactly `units` units: the description and zeros behind it, or as much of it as there is room for.
+void writeDescription(unsigned short* buffer, FMX_PtrType units) {
+    const auto written = static_cast<std::size_t>(std::min(units, kMostBufferUnits));
+    std::vector<unsigned short> text(std::max<std::size_t>(written, kMostIdentityUnits));
+    ReadString(text.data(), text.size(), kReadDescription);
+    std::memcpy(buffer, text.data(), written * sizeof(unsigned short));
+}
+
+void getString(const FMX_ExternCallStruct& call) {
+    auto* const buffer = pointerFrom<unsigned short>(call.result);
+    if (buffer == nullptr) return;
+    switch (call.parm1) {
+    case kFMXT_NameStr: ReadString(buffer, call.parm3, kReadName); break;
+    case kFMXT_AppConfigStr: writeDescription(buffer, call.parm3); break;
+    case kFMXT_OptionsStr: std::copy(std::begin(kOptions), std::end(kOptions), buffer); break;
+    default: break;
+    }
+}
+
+void dispatch(const FMX_ExternCallStruct& call) {
+    switch (call.whichCall) {
+    case kFMXT_Init: init(call); break;
+    case kFMXT_Idle: idle(call.parm1); break;
+    case kFMXT_Shutdown: shutdown(); break;
+    case kFMXT_DoAppPreferences: preferences(); break;
+    case kFMXT_GetString: getString(call); break;
+    default: break;
+    }
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb) {
+    gFMX_ExternCallPtr = pb;
+    try {
+        dispatch(*pb);
+    } catch (...) {
+        // The host is written in C as far as we can know: an exception would end the app.
+        return;
+    }
+}
+
+void ReadString(unsigned short* buffer, unsigned long /*bufferUnits*/, unsigned long kind) {
+    if (kind != kReadName && kind != kReadDescription) return;
+    const std::string_view literal = kind == kReadName ? kName : kDescription;
+    const fmx::TextUniquePtr text;
+    text->AssignWithLength(literal.data(), static_cast<fmx::uint32>(literal.size()),
+                           fmx::Text::kEncoding_Native);
+    // Callers made room for the literal; the host is not trusted to count it alike.
+    const auto units = std::min<std::size_t>(text->GetSize(), literal.size());
+    text->GetUnicode(buffer, 0, static_cast<fmx::uint32>(units));
+}
+
+bool Startup(const unsigned short* /*hostText*/) { return true; }
+
+void Shutdown() noexcept {}
+
+void Preferences() noexcept {}
+
+void SafeIdle() {}
+
+void SemiSafeIdle(unsigned char /*idleLevel*/) {}
+
+void UnsafeIdle() {}

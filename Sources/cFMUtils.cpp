@@ -1,0 +1,110 @@
+#include "cFMUtils.h"
+
+#include "StringUtils.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+std::vector<char> cFMUtils::CharsFromFMText(const fmx::Text& text) {
+    std::vector<char> bytes(std::size_t{text.GetSize()} + 1);
+    const auto bufferSize = std::min<std::size_t>(
+        bytes.size(), std::numeric_limits<fmx::uint32>::max()); // what the host can be told
+    text.GetBytes(bytes.data(), static_cast<fmx::uint32>(bufferSize), 0, fmx::Text::kSize_End,
+                  fmx::Text::kEncoding_UTF8);
+    return bytes;
+}
+
+std::string cFMUtils::StringFromFmxText(const fmx::Text& text, bool /*unused*/) {
+    const std::vector<char> bytes = CharsFromFMText(text);
+    std::string result(bytes.begin(), bytes.end());
+    std::erase(result, '\0');
+    return result;
+}
+
+std::wstring cFMUtils::WStringFromFMText(const fmx::Text& text) {
+    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    return {units.begin(), units.end()};
+}
+
+fmx::TextUniquePtr cFMUtils::getUTF16data(const std::string& utf8) {
+    const std::vector<fmx::uint16> units = Utf16FromUtf8(utf8);
+    fmx::TextUniquePtr text;
+    if (!units.empty()) text->AssignUnicodeWithLength(units.data(), HostLength(units.size()));
+    return text;
+}
+
+fmx::TextUniquePtr cFMUtils::FMXTextUniquePtrFromString(const std::string& s) {
+    fmx::TextUniquePtr text;
+    text->AssignWithLength(s.data(), HostLength(s.size()), fmx::Text::kEncoding_Native);
+    return text;
+}
+
+void cFMUtils::FMResultFromString(const std::string& s, fmx::Data& result) {
+    result.SetAsText(*getUTF16data(s), result.GetLocale());
+}
+
+void cFMUtils::FMResultFromInt(int number, fmx::Data& result) {
+    FMResultFromString(std::to_string(number), result);
+}
+
+std::vector<std::string> cFMUtils::StringVectorFromDataVect(const fmx::DataVect& values) {
+    std::vector<std::string> strings;
+    const fmx::uint32 count = values.Size();
+    strings.reserve(count);
+    for (fmx::uint32 i = 0; i < count; ++i)
+        strings.push_back(StringFromFmxText(values.AtAsText(i)));
+    return strings;
+}
+
+void cFMUtils::StringVectorToDataVect(fmx::DataVectUniquePtr& values, std::vector<std::string>& strings) {
+    for (const std::string& s : strings) {
+        const fmx::DataUniquePtr value;
+        value->SetAsText(*FMXTextUniquePtrFromString(s), value->GetLocale());
+        values->PushBack(*value);
+    }
+}
+
+std::string cFMUtils::StringCRFromDataVect(const fmx::DataVect& values) {
+    std::string joined;
+    for (const std::string& s : StringVectorFromDataVect(values))
+        joined.append(s).push_back('\r');
+    return joined;
+}
+
+unsigned cFMUtils::FindFMTextInArray(const fmx::Text& text, const char* const table[], unsigned count) {
+    const fmx::TextUniquePtr wanted;
+    wanted->SetText(text);
+    wanted->Lowercase();
+    const fmx::TextUniquePtr entry;
+    for (unsigned i = 0; i < count; ++i) {
+        entry->Assign(table[i]);
+        entry->Lowercase();
+        if (*wanted == *entry) return i;
+    }
+    return kNotFound;
+}
+
+std::string cFMUtils::evaluateCalculation(const std::string& calculation, const fmx::ExprEnv& env) {
+    const fmx::DataUniquePtr value;
+    const fmx::errcode error = env.Evaluate(*FMXTextUniquePtrFromString(calculation), *value);
+    return error == 0 ? StringFromFmxText(value->GetAsText()) : "?";
+}
+
+fmx::errcode cFMUtils::getFromEnvironment(const fmx::ExprEnv& env, const std::string& name, fmx::Data& out) {
+    return env.Evaluate(*FMXTextUniquePtrFromString("Get ( " + name + ")"), out);
+}
+
+std::string cFMUtils::getFromEnvironmentAsString(const fmx::ExprEnv& env, const std::string& name) {
+    const fmx::DataUniquePtr value;
+    if (getFromEnvironment(env, name, *value) != 0) return {};
+    return StringFromFmxText(value->GetAsText());
+}
+
+std::string cFMUtils::getFileID(const fmx::ExprEnv& env) {
+    std::string id = getFromEnvironmentAsString(env, "FilePath");
+    id = id.substr(0, id.rfind('.'));
+    std::replace(id.begin(), id.end(), '/', '-');
+    std::erase(id, ':');
+    return id + getFromEnvironmentAsString(env, "UserName");
+}
