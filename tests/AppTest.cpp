@@ -1,0 +1,372 @@
+#include "host/app/Clock.h"
+#include "host/app/Faults.h"
+#include "host/app/File.h"
+#include "host/app/ObjectCounts.h"
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+#include "host/calc/Evaluation.h"
+#include "host/fmwrapper/Bridge.h"
+#include "host/values/Encoding.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace host;
+using std::chrono::seconds;
+
+DataRef value(const Data& data) { return std::make_shared<const Data>(data); }
+
+std::u16string answerOf(calc::Surroundings& file, std::u16string_view name) {
+    const std::optional<DataRef> answer = file.get(calc::foldName(name));
+    return answer ? std::u16string((*answer)->asText().units()) : u"no answer";
+}
+
+std::string textOf(Session& session, std::u16string_view calculation) {
+    return session.evaluate(calculation).value->asText().utf8();
+}
+
+/// A folder that is gone at the end.
+class Folder {
+public:
+    Folder() {
+        std::string name = testing::TempDir() + "solutionXXXXXX";
+        path = ::mkdtemp(name.data());
+    }
+    ~Folder() { std::filesystem::remove_all(path); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    void write(const char* name, std::string_view content) const { std::ofstream(path / name) << content; }
+    std::filesystem::path path;
+};
+
+/// What loading and opening a folder with this description and schema complains of; empty when it is good.
+std::string complaint(std::string_view description, std::string_view schema = "") {
+    const Folder folder;
+    folder.write("solution.toml", description);
+    folder.write("schema.sql", schema);
+    try {
+        Session().open(Solution::load(folder.path));
+    } catch (const std::runtime_error& problem) {
+        return problem.what();
+    }
+    return {};
+}
+
+TEST(Clock, MovesOnRequestAndStandsStillWhenHeld) {
+    Clock held;
+    held.hold();
+    held.set(seconds(1'000));
+    held.advance(std::chrono::milliseconds(1'500));
+    EXPECT_EQ(held.now(), std::chrono::milliseconds(1'001'500));
+    held.set(Clock::Micros::max());
+    held.advance(Clock::Micros::max());
+    EXPECT_EQ(held.now(), seconds(253'402'300'799));
+    held.set(seconds(0));
+    held.release();
+    EXPECT_LT(held.now(), seconds(3'600));
+    const auto offset = held.localSinceYearOne() - held.now() - seconds(62'135'596'800);
+    EXPECT_LE(std::chrono::abs(offset), std::chrono::hours(15));
+}
+
+TEST(Faults, FailOnceOrFromThenOn) {
+    Faults faults;
+    for (const bool fromThenOn : {false, true}) {
+        faults.arm(2, Faults::Kind::badAlloc, fromThenOn);
+        EXPECT_EQ(faults.next(), 0);
+        EXPECT_EQ(faults.next(), 1);
+        EXPECT_EQ(faults.next(), fromThenOn ? 1 : 0);
+        EXPECT_TRUE(faults.fired());
+        faults.disarm();
+        EXPECT_EQ(faults.next(), 0);
+    }
+}
+
+TEST(Solution, ReadsItsFolder) {
+    const Folder folder;
+    folder.write("solution.toml", "name = \"Contacts\"\nuser = \"Ada\"\nfonts = [\"Helvetica\", \"Times\"]\n"
+                                  "[[script]]\nname = \"Greet\"\ncalculations = ['1', '2']\n");
+    folder.write("schema.sql", "CREATE TABLE a (x INT); -- rows\nINSERT INTO a VALUES (7);\n");
+    Session session;
+    session.open(Solution::load(folder.path));
+    const auto file = session.find(u"CONTACTS.fmp12");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->executeSql(u"SELECT x FROM a", u"", {}).rows.at(0).at(0)->asText(), Text(u"7"));
+    EXPECT_EQ(file->script(u"greet")->calculations.size(), 2U);
+    EXPECT_EQ(file->fontId(u"TIMES"), 1);
+    const struct {
+        const char16_t *name, *answer;
+    } answers[] = {{u"FileName", u"Contacts"}, {u"UserName", u"Ada"}, {u"SystemPlatform", u"3"}};
+    for (const auto& [name, answer] : answers)
+        EXPECT_EQ(answerOf(*file, name), answer);
+    const std::string path = toUtf8(answerOf(*file, u"FilePath"));
+    EXPECT_EQ(path, "file:" + folder.path.string() + "/Contacts.fmp12");
+    EXPECT_EQ(answerOf(*file, u"Nothing"), u"no answer");
+}
+
+TEST(Solution, ComplaintsNameTheLine) {
+    const struct {
+        const char *description, *words;
+        std::string_view schema;
+    } cases[] = {
+        {"name = \"A\"\nfnots = []\n", "line 2: unknown key \"fnots\"", ""},
+        {"[[script]]\nname = \"A\"\ncalculation = []\n", "line 3: unknown key \"calculation\"", ""},
+        {"name = 3\n", "line 1: name must be a text", ""},
+        {"name = \"a\\nb\"\n", "line 1: name has a control character", ""},
+        {"\nscript = [1]\n", "line 2: script must be a table", ""},
+        {"[[script]]\ncalculations = []\n", "a script has no name", ""},
+        {"[[script]]\nname = \"A\"\n[[script]]\nname = \"a\"\n", "line 3: a script of this name", ""},
+        {"name = \"A\n", "line 1", ""},
+        {"", "schema.sql, line 2: no such table: b", "CREATE TABLE a (x);\nINSERT\nINTO b VALUES (1);"},
+        {"", "schema.sql, line 2: ", "SELECT 1;\nATTACH 'x' AS y;"},
+        {"", "a transaction is begun", "BEGIN;"},
+        {"", "line 2: a zero byte", std::string_view("SELECT 1;\n\0SELECT", 17)},
+    };
+    for (const auto& [description, words, schema] : cases)
+        EXPECT_THAT(complaint(description, schema), testing::HasSubstr(words));
+    EXPECT_EQ(complaint("", "SELECT 1;\n;-- end\n"), "");
+    EXPECT_THROW(Solution::load("/nowhere"), std::runtime_error);
+}
+
+class SqlTest : public testing::Test {
+protected:
+    Session session;
+    std::shared_ptr<File> file;
+    void SetUp() override {
+        Solution solution;
+        solution.schema = "CREATE TABLE t (txt TEXT, num NUMERIC, d DATE, h TIME, m TIMESTAMP, c BLOB)";
+        session.open(std::move(solution));
+        file = session.front();
+    }
+    int error(std::u16string_view statement, const DataVect& parameters = {}) {
+        return file->executeSql(statement, u"", parameters).error;
+    }
+};
+
+TEST_F(SqlTest, ValuesComeBackAsTheyWent) {
+    Binary container;
+    container.add(QuadChar{{'F', 'I', 'L', 'E'}}, std::as_bytes(std::span("bytes\0", 6)));
+    const DateTime day = DateTime::fromDate(2026, 11, 21).value_or(DateTime{});
+    const DateTime span{0, -DateTime::microsPerDay * 2 - 5};
+    const DateTime moment{day.days, DateTime::microsPerDay / 3 + 500'000};
+    const DataVect sent{value(Data(Text(std::u16string(u"a\0\xD83D\xDE00", 4)))),
+                        value(Data(Decimal::parse(u"-12.1").value_or(Decimal{}))),
+                        value(Data(day, DataType::date)),
+                        value(Data(span, DataType::time)),
+                        value(Data(moment, DataType::timestamp)),
+                        value(Data(container))};
+    ASSERT_EQ(error(u"INSERT INTO t VALUES (?, ?, ?, ?, ?, ?)", sent), 0);
+    const RowVect rows = file->executeSql(u"SELECT * FROM t;", u"Untitled", {}).rows;
+    ASSERT_EQ(rows.size(), 1U);
+    for (std::size_t i = 0; i < sent.size(); ++i)
+        EXPECT_TRUE(rows[0][i]->isIdenticalTo(*sent[i])) << i << " " << rows[0][i]->asText().utf8();
+}
+
+TEST_F(SqlTest, WhatCannotBeReadAsDeclaredStaysText) {
+    ASSERT_EQ(error(u"INSERT INTO t (num, d, h, m) VALUES ('x', '2026-02-30', '1:99', '2026-01-01 25:00')"),
+              0);
+    const RowVect rows = file->executeSql(u"SELECT num, d, h, m FROM t", u"", {}).rows;
+    for (const DataRef& field : rows.at(0))
+        EXPECT_EQ(field->nativeType(), DataType::text) << field->asText().utf8();
+}
+
+TEST_F(SqlTest, ErrorsTellGrammarFromTheRest) {
+    const struct {
+        const char16_t* statement;
+        int error;
+    } cases[] = {
+        {u"SELECT 1 ; \r\n;", 0},
+        {u"SELECT 1 -- one", 0},
+        {u"SELEC 1", 8310},
+        {u"SELECT (", 8310},
+        {u"SELECT 'a", 8310},
+        {u"", 8310},
+        {u" ; ", 8310},
+        {u"SELECT 1; SELECT 2", 8310},
+        {u"SELECT missing FROM t", 8309},
+        {u"SELECT * FROM nowhere", 8309},
+        {u"SELECT ?", 8309},
+        {u"ATTACH 'a' AS b", 8309},
+        {u"PRAGMA user_version", 8309},
+        {u"SELECT * FROM pragma_database_list", 8309},
+        {u"BEGIN", 8309},
+        {u"VACUUM INTO '/tmp/kestrel-vacuum'", 8309},
+        {u"VACUUM", 8309},
+        {u"SELECT load_extension('x')", 8309},
+        {u"SELECT 9e999", 0},
+        {u"SELECT randomblob(999999999)", 8309},
+    };
+    for (const auto& [statement, expected] : cases)
+        EXPECT_EQ(error(statement), expected) << toUtf8(statement);
+    EXPECT_EQ(error(std::u16string_view(u"SELECT 1\0 x", 11)), 8310);
+    EXPECT_EQ(error(u"SELECT 1", {value(Data())}), 8309);
+    EXPECT_EQ(file->executeSql(u"SELECT 1", u"Elsewhere", {}).error, 100);
+}
+
+TEST_F(SqlTest, AnAnswerIsBounded) {
+    EXPECT_EQ(error(u"WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n"),
+              8309);
+    EXPECT_EQ(error(u"SELECT 1"), 0);
+}
+
+TEST(Session, FilesComeAndGo) {
+    Session session;
+    EXPECT_EQ(session.evaluate(u"1").error, 100);
+    Solution other;
+    other.name = u"Other";
+    const auto first = session.open(Solution{});
+    session.open(other);
+    EXPECT_THROW(session.open(other), std::runtime_error);
+    const calc::Environment kept = session.environment(session.front());
+    EXPECT_EQ(kept.file->databaseNames(), u"Untitled\rOther");
+    std::uint64_t closed = 0;
+    session.onFileClosed = [&](std::uint64_t id) { closed = id; };
+    EXPECT_TRUE(session.close(first));
+    EXPECT_FALSE(session.close(first));
+    EXPECT_EQ(closed, first);
+    EXPECT_EQ(session.front()->name(), u"Other");
+
+    EXPECT_FALSE(kept.file->isOpen());
+    EXPECT_EQ(kept.file->databaseNames(), u"");
+    EXPECT_FALSE(kept.file->scriptNames(u"Other"));
+    EXPECT_EQ(kept.file->executeSql(u"SELECT 1", u"Other", {}).error, 100);
+    EXPECT_EQ(answerOf(*kept.file, u"InstalledFMPlugins"), u"");
+}
+
+TEST(Session, FontsAreBounded) {
+    Session session;
+    session.open(Solution{});
+    const auto file = session.front();
+    for (int i = 0; i < 65'000; ++i)
+        ASSERT_EQ(file->fontId(fromUtf8("Font " + std::to_string(i))), i);
+    EXPECT_EQ(file->fontId(u"one more"), invalidFont);
+    EXPECT_EQ(file->fontId(u"FONT 64999"), 64'999);
+    EXPECT_EQ(file->fontName(64'999), u"Font 64999");
+    EXPECT_FALSE(file->fontName(65'000));
+}
+
+TEST(Session, ScriptsRunInOrderInAScopeOfTheirOwn) {
+    Session session;
+    Solution solution;
+    solution.scripts = {
+        {u"Note", {u"Let ( $a = $a & Get ( ScriptParameter ) ; 1 )", u"Let ( $$log = $$log & $a & $b ; 1 )"}},
+        {u"Again", {u"1 +", u"Start ( \"Again\" )", u"Let ( $$count = $$count + 1 ; 1 )"}}};
+    session.open(std::move(solution));
+    calc::Function start{.name = u"Start", .minimum = 1, .maximum = 1, .eager = {}, .lazy = {}};
+    start.eager = [&](calc::Evaluation&, std::span<const DataRef> names) {
+        session.startScript(u"Untitled", names[0]->asText().units(), nullptr);
+        return value(Data());
+    };
+    session.functions()->add(start);
+    std::vector<int> errors;
+    session.onScriptCall = [&](const ScriptCall& call) { errors.push_back(call.error); };
+
+    ASSERT_EQ(session.evaluate(u"Let ( $b = \"no\" ; 1 )").error, 0);
+    EXPECT_EQ(session.startScript(u"Untitled", u"note", value(Data(Text(u"x")))), 0);
+    EXPECT_EQ(session.startScript(u"untitled.fmp12", u"Note", value(Data(Text(u"y")))), 0);
+    EXPECT_EQ(session.startScript(u"Untitled", u"None", nullptr), 104);
+    EXPECT_EQ(session.startScript(u"None", u"Note", nullptr), 100);
+    EXPECT_EQ(errors, (std::vector{0, 0, 104, 100}));
+    EXPECT_EQ(session.runWaitingScripts(), 2U);
+    EXPECT_EQ(textOf(session, u"$$log"), "xy");
+
+    session.startScript(u"Untitled", u"Again", nullptr);
+    EXPECT_EQ(session.runWaitingScripts(), Session::mostScriptsPerRun);
+    EXPECT_EQ(textOf(session, u"$$count"), "10000");
+}
+
+fmx::errcode countArguments(short id, const fmx::ExprEnv&, const fmx::DataVect& arguments,
+                            fmx::Data& result) {
+    if (id == 99) throw 1;
+    const auto size = static_cast<std::int64_t>(bridge::in<DataVect>(&arguments).size());
+    bridge::in<Data>(&result).setNumber(Decimal(size));
+    return id == 98 ? 14 : 0;
+}
+
+class LoadedSample : public testing::Test {
+protected:
+    Session session;
+    std::uint64_t file = session.open(Solution{});
+    std::unique_ptr<PlugIn> plugIn =
+        std::make_unique<PlugIn>(session, std::filesystem::path(KESTREL_BROKEN_DIR) / "Sound.so");
+    void SetUp() override { ASSERT_EQ(plugIn->init(), 62); }
+    static RegisteredFunction row(std::int16_t id, const std::u16string& name) {
+        return {.creator = QuadChar{{'B', 'R', 'K', 'N'}},
+                .id = id,
+                .name = name,
+                .prototype = name + u"( a )",
+                .minimum = 0,
+                .maximum = -1,
+                .flags = 0,
+                .handler = countArguments};
+    }
+};
+
+TEST_F(LoadedSample, RegistrationsAreChecked) {
+    auto with = [](auto change) {
+        RegisteredFunction function = row(3, u"Sample_Third");
+        change(function);
+        return PlugIn::registerFunction(function);
+    };
+    using F = RegisteredFunction;
+    for (const char16_t* name : {u"", u"3rd", u"a b", u"a+b", u"a(", u"and", u"$a", u"a\xD800"})
+        EXPECT_EQ(PlugIn::registerFunction(row(3, name)), 1200) << toUtf8(name);
+    EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 0; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 'X'; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.id = 0; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.minimum = -1; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.minimum = 2, f.maximum = 1; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.handler = nullptr; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.prototype = u"Sample_ThirdParty"; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.id = 1; }), 1210);
+    EXPECT_EQ(PlugIn::registerFunction(row(3, u"SAMPLE_first")), 1210);
+    EXPECT_EQ(PlugIn::registerFunction(row(3, u"Upper")), 1210);
+    EXPECT_EQ(plugIn->refusedRegistrations().size(), 18U);
+    EXPECT_EQ(with([](F&) {}), 0);
+    EXPECT_EQ(plugIn->functions().size(), 3U);
+}
+
+TEST_F(LoadedSample, RegisteredFunctionsServeCalculationsUntilWithdrawn) {
+    for (const auto& [id, name] : {std::pair{3, u"Count"}, {98, u"Refuse"}, {99, u"Throw"}})
+        ASSERT_EQ(PlugIn::registerFunction(row(static_cast<std::int16_t>(id), std::u16string(u"My") + name)),
+                  0);
+    EXPECT_EQ(textOf(session, u"mycount ( 1 ; 2 ) + Sample_First"), "3");
+    EXPECT_EQ(session.evaluate(u"MyRefuse").error, 14);
+    EXPECT_EQ(session.evaluate(u"MyThrow").error, 1200);
+    EXPECT_EQ(plugIn->misdeeds(), std::vector{PlugIn::Misdeed::threwFromHandler});
+
+    const auto kept = calc::parse(u"Sample_First", session.functions()).expression;
+    const calc::Environment scope = session.environment(session.front());
+    EXPECT_EQ(textOf(session, u"Get ( InstalledFMPlugins )"), "Sample;;Enabled");
+    plugIn.reset();
+    EXPECT_EQ(calc::evaluate(*kept, scope).error, 1208);
+    EXPECT_EQ(session.evaluate(u"MyCount ( 1 )").error, 1208);
+    EXPECT_TRUE(session.plugIns().empty());
+}
+
+TEST_F(LoadedSample, StringsAndCallbacksKeepToWhatTheyAreGiven) {
+    const auto whole = plugIn->readString(kFMXT_NameStr), cut = plugIn->readString(kFMXT_NameStr, 3);
+    EXPECT_EQ(whole.text, u"Sample");
+    EXPECT_FALSE(whole.overrun);
+    EXPECT_TRUE(cut.overrun); // the sample looks at no size
+    EXPECT_EQ(cut.text, u"Sam");
+    EXPECT_FALSE(plugIn->readString(77).answered);
+
+    FMX_ExternCallStruct block{};
+    block.whichCall = kFMXT_Idle;
+    plugIn->send(block);
+    const Text name(u"Untitled");
+    const Data parameter;
+    calc::Environment scope;
+    const auto& asText = bridge::out<FMX_Text>(name);
+    const auto& asData = bridge::out<FMX_Data>(parameter);
+    EXPECT_EQ(block.cStartScript(&asText, &asText, 0, &asData), 104);
+    EXPECT_EQ(block.cStartScript(&asText, nullptr, 0, &asData), 1200);
+    EXPECT_EQ(block.cCurrentEnv(&bridge::out<FMX_ExprEnv>(scope)), 0);
+    EXPECT_EQ(scope.fileId, file);
+}
+
+} // namespace

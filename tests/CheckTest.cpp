@@ -1,0 +1,62 @@
+#include "host/check/Checks.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+/// The contract checks judge binaries: ours passes them all, and each broken plug-in fails the one it breaks.
+
+namespace {
+
+using host::check::Check;
+using host::check::Finding;
+
+Finding findingOf(std::string_view name, const std::filesystem::path& library) {
+    const auto all = host::check::checks();
+    const auto check =
+        std::find_if(all.begin(), all.end(), [&](const Check& row) { return row.name == name; });
+    if (check == all.end()) return "there is no such check";
+    return host::check::runIsolated(*check, library);
+}
+
+std::filesystem::path broken(const std::string& name) {
+    return std::filesystem::path(KESTREL_BROKEN_DIR) / (name + ".so");
+}
+
+TEST(Check, ourPlugInAndASoundOneKeepTheWholeContract) {
+    for (const std::filesystem::path& library : {std::filesystem::path(KESTREL_PLUGIN_PATH), broken("Sound")})
+        for (const Check& check : host::check::checks())
+            EXPECT_EQ(host::check::runIsolated(check, library), "") << library << ' ' << check.name;
+}
+
+TEST(Check, eachBrokenPlugInFailsTheCheckItBreaks) {
+    const struct {
+        const char* plugIn;
+        const char* check;
+        const char* says;
+    } cases[] = {
+        {"NoEntryPoint", "loads", "FMExternCallProc"},
+        {"RefusesVersion", "accepts-host", "refuses the host's version"},
+        {"RegistersDuplicate", "registers-cleanly", "function 1 was refused"},
+        {"LeaksText", "gives-back", "Sample_First keeps host objects at each call: 4 Text"},
+        {"ThrowsFromHandler", "bears-calls", "Sample_First: an exception left a function's handler"},
+        {"CrashesInHandler", "bears-calls", "ended the process: Killed"},
+        {"OverrunsName", "name-string", "past the end of the host's buffer"},
+        {"NoOptions", "options-string", "never answered"},
+    };
+    for (const auto& [plugIn, check, says] : cases) {
+        const Finding finding = findingOf(check, broken(plugIn));
+        EXPECT_NE(finding.find(says), Finding::npos) << plugIn << " fails with: " << finding;
+    }
+}
+
+TEST(Check, aCheckThatHangsIsEnded) {
+    constexpr Check hangs{1, "hangs", "never", [](const std::filesystem::path&) -> Finding {
+                              for (;;)
+                                  ::usleep(1000);
+                          }};
+    EXPECT_EQ(host::check::runIsolated(hangs, "", 1), "did not end within 1 seconds");
+}
+
+} // namespace

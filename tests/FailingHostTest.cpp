@@ -1,0 +1,118 @@
+#include "LoadedPlugIn.h"
+
+#include "host/fmwrapper/Bridge.h"
+
+#include <cstdio>
+#include <functional>
+
+/// Every host call of every function and message is made to fail in turn, once and from then on, with both
+/// errors: nothing escapes, nothing is kept, and the next ordinary call works.
+
+namespace {
+
+using host::Faults;
+
+class FailingHost : public LoadedPlugIn {
+protected:
+    /// Runs an action with its first, second, … host call failing, until it makes no more; gives the points
+    /// tried.
+    std::uint64_t failInTurn(const std::string& what, const std::function<void()>& action) {
+        constexpr std::uint64_t mostPoints = 20'000;
+        std::uint64_t points = 0;
+        for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
+            for (const bool fromThenOn : {false, true})
+                for (std::uint64_t nth = 1;; ++nth) {
+                    const host::ObjectCounts before = host::objectCounts();
+                    host::faults().arm(nth, kind, fromThenOn);
+                    action();
+                    const bool fired = host::faults().fired();
+                    host::faults().disarm();
+                    EXPECT_EQ((host::objectCounts() - before).describe(), "")
+                        << what << ", host call " << nth;
+                    EXPECT_TRUE(plugIn.misdeeds().empty()) << what << ", host call " << nth;
+                    if (!fired || HasFailure() || nth == mostPoints) break;
+                    ++points;
+                }
+        EXPECT_EQ(textOf("Kestrel_Version"), "3.1") << what;
+        return points;
+    }
+
+    void call(const host::RegisteredFunction& function, const host::DataVect& arguments) {
+        const host::calc::Environment environment = session.environment(session.front());
+        host::Data result;
+        plugIn.call(function, host::bridge::out<fmx::ExprEnv>(environment),
+                    host::bridge::out<fmx::DataVect>(arguments), host::bridge::out<fmx::Data>(result));
+    }
+};
+
+host::DataVect argumentsFor(const host::RegisteredFunction& function, const host::Data& value) {
+    constexpr std::int16_t usual = 2;
+    const std::int16_t most = function.maximum < 0 ? std::max(function.minimum, usual) : function.maximum;
+    return host::DataVect(static_cast<std::size_t>(most), std::make_shared<const host::Data>(value));
+}
+
+TEST_F(FailingHost, isBorneByEveryFunction) {
+    std::uint64_t points = 0;
+    for (const host::RegisteredFunction& function : plugIn.functions())
+        for (const host::Data& value :
+             {host::Data(host::Text(u"long")), host::Data(host::Decimal(7)), host::Data(host::Text())})
+            points += failInTurn(host::toUtf8(function.name),
+                                 [&] { call(function, argumentsFor(function, value)); });
+    std::printf("%llu failing host calls borne by %zu functions\n", static_cast<unsigned long long>(points),
+                plugIn.functions().size());
+    EXPECT_GT(points, 1000U);
+}
+
+TEST_F(FailingHost, isReportedAsAnErrorOfTheHostWhenEvenReportingFails) {
+    const host::RegisteredFunction& function = plugIn.functions().front();
+    const host::calc::Environment environment = session.environment(session.front());
+    const host::DataVect arguments = argumentsFor(function, host::Data(host::Text(u"long")));
+    host::Data result;
+    host::faults().arm(1, Faults::Kind::unknown, true);
+    EXPECT_NE(plugIn.call(function, host::bridge::out<fmx::ExprEnv>(environment),
+                          host::bridge::out<fmx::DataVect>(arguments), host::bridge::out<fmx::Data>(result)),
+              0);
+}
+
+TEST_F(FailingHost, isReportedInTheLastErrorWhenItFailsOnce) {
+    const host::RegisteredFunction& function = plugIn.functions().front();
+    host::faults().arm(1, Faults::Kind::badAlloc, false);
+    call(function, argumentsFor(function, host::Data(host::Text(u"long"))));
+    EXPECT_EQ(lastError(), "2400 std::bad_alloc");
+    host::faults().arm(1, Faults::Kind::unknown, false);
+    call(function, argumentsFor(function, host::Data(host::Text(u"long"))));
+    EXPECT_EQ(lastError(), "2400 std::exception");
+}
+
+TEST_F(FailingHost, isBorneByEveryMessage) {
+    failInTurn("strings", [&] {
+        for (const int request : {kFMXT_NameStr, kFMXT_AppConfigStr, kFMXT_OptionsStr})
+            plugIn.readString(request);
+    });
+    failInTurn("idle", [&] { plugIn.idle(kFMXT_UserIdle); });
+    failInTurn("preferences", [&] { plugIn.preferences(); });
+}
+
+TEST(FailingHostAtStart, leavesNothingRegistered) {
+    for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
+        for (std::uint64_t nth = 1;; nth += 7) {
+            host::Session session;
+            session.open(host::Solution{});
+            const host::ObjectCounts before = host::objectCounts();
+            bool fired = false;
+            {
+                host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+                host::faults().arm(nth, kind, false);
+                const std::int64_t answer = plugIn.init();
+                fired = host::faults().fired();
+                host::faults().disarm();
+                EXPECT_EQ(answer, fired ? -2 : 60) << nth;
+                EXPECT_EQ(plugIn.functions().size(), fired ? 0U : 25U) << nth;
+                EXPECT_TRUE(plugIn.misdeeds().empty());
+            }
+            EXPECT_EQ((host::objectCounts() - before).describe(), "") << nth;
+            if (!fired) break;
+        }
+}
+
+} // namespace

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "host/app/Faults.h"
+#include "host/app/File.h"
+#include "host/app/ObjectCounts.h"
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+#include "host/values/Encoding.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+/// A session with an empty file, and our plug-in loaded into it from its shared library.
+class LoadedPlugIn : public testing::Test {
+protected:
+    host::Session session;
+    std::uint64_t file = session.open(host::Solution{});
+    host::PlugIn plugIn{session, KESTREL_PLUGIN_PATH};
+
+    void SetUp() override { ASSERT_EQ(plugIn.init(), 60); }
+    void TearDown() override {
+        host::faults().disarm();
+        EXPECT_TRUE(plugIn.misdeeds().empty());
+    }
+
+    host::calc::Result evaluate(const std::string& calculation) {
+        return session.evaluate(host::fromUtf8(calculation));
+    }
+    /// The result as text, "error N" when there is none.
+    std::string textOf(const std::string& calculation) {
+        const host::calc::Result result = evaluate(calculation);
+        return result.error == 0 ? result.value->asText().utf8() : "error " + std::to_string(result.error);
+    }
+    /// The last error as the solution sees it: "code message".
+    std::string lastError() { return textOf("$$Kestrel_LastError & \" \" & $$Kestrel_LastErrorMessage"); }
+};

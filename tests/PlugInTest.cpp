@@ -1,0 +1,181 @@
+#include "LoadedPlugIn.h"
+
+#include "host/values/Encoding.h"
+
+#include <dlfcn.h>
+#include <set>
+
+/// The plug-in as a host sees it: a shared library, an entry point, messages, functions in calculations.
+
+namespace {
+
+using host::toUtf8;
+
+class UnloadedPlugIn : public testing::Test {
+protected:
+    host::Session session;
+    std::uint64_t file = session.open(host::Solution{});
+    host::PlugIn plugIn{session, KESTREL_PLUGIN_PATH};
+};
+
+TEST_F(UnloadedPlugIn, acceptsHostVersionsFrom50To255) {
+    const struct {
+        std::int16_t version;
+        std::int64_t answer;
+    } cases[] = {{49, -1}, {0, -1}, {-1, -1}, {256, -1}, {32767, -1}, {50, 60}, {71, 60}, {255, 60}};
+    for (const auto& [version, answer] : cases) {
+        host::PlugIn fresh(session, KESTREL_PLUGIN_PATH);
+        EXPECT_EQ(fresh.init(version), answer) << version;
+        EXPECT_EQ(fresh.isEnabled(), answer > 0);
+        EXPECT_EQ(fresh.functions().size(), answer > 0 ? 25U : 0U);
+    }
+}
+
+TEST_F(UnloadedPlugIn, bearsMessagesInAnyOrder) {
+    for (const unsigned char level : {0, 1, 4, 9})
+        plugIn.idle(level);
+    plugIn.shutdown();
+    plugIn.preferences();
+    EXPECT_EQ(plugIn.init(), 60);
+    plugIn.shutdown();
+    plugIn.shutdown();
+    for (const unsigned char level : {0, 1, 4, 9})
+        plugIn.idle(level);
+    EXPECT_TRUE(plugIn.misdeeds().empty());
+}
+
+TEST_F(UnloadedPlugIn, takesBackWhatItRegisteredWhenOneRegistrationFails) {
+    session.functions()->add({.name = u"Kestrel_SetScriptShortcut",
+                              .minimum = 0,
+                              .maximum = 0,
+                              .eager = [](auto&&...) { return std::make_shared<const host::Data>(); },
+                              .lazy = {}});
+    EXPECT_EQ(plugIn.init(), -2);
+    EXPECT_TRUE(plugIn.functions().empty());
+    EXPECT_EQ(plugIn.refusedRegistrations(), std::vector<std::int16_t>{20});
+    EXPECT_EQ(session.functions()->find(u"kestrel_version"), nullptr);
+}
+
+TEST_F(LoadedPlugIn, leavesOneFunctionRegisteredAtShutdown) {
+    plugIn.shutdown();
+    ASSERT_EQ(plugIn.functions().size(), 1U);
+    EXPECT_EQ(toUtf8(plugIn.functions().front().name), "Kestrel_DoBashCmd");
+}
+
+TEST_F(LoadedPlugIn, answersStringRequests) {
+    EXPECT_EQ(toUtf8(plugIn.readString(kFMXT_NameStr).text), "Vex Kestrel Plug-In");
+    EXPECT_EQ(toUtf8(plugIn.readString(kFMXT_OptionsStr).text), "KSTR1YnYYnn");
+    const std::string description = toUtf8(plugIn.readString(kFMXT_AppConfigStr).text);
+    EXPECT_TRUE(description.starts_with("Collection of useful and sometimes indispensable functions.\\n\\n"))
+        << description;
+    EXPECT_TRUE(description.ends_with("\\n\\nVersion 3.1")) << description;
+    for (const int request : {130, 132, 0, 255})
+        EXPECT_FALSE(plugIn.readString(request).answered) << request;
+}
+
+TEST_F(LoadedPlugIn, writesNoMoreOfTheDescriptionThanTheBufferHolds) {
+    const std::u16string whole = plugIn.readString(kFMXT_AppConfigStr).text;
+    for (const std::uint32_t units : {0U, 1U, 20U, static_cast<std::uint32_t>(whole.size()), 4000U}) {
+        const auto answer = plugIn.readString(kFMXT_AppConfigStr, units);
+        EXPECT_FALSE(answer.overrun) << units;
+        EXPECT_EQ(answer.text, whole.substr(0, units)) << units;
+    }
+}
+
+TEST_F(LoadedPlugIn, exportsItsEntryPointAlone) {
+    void* library = ::dlopen(KESTREL_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(library, nullptr);
+    EXPECT_NE(::dlsym(library, "FMExternCallProc"), nullptr);
+    EXPECT_EQ(::dlsym(library, "gFMX_ExternCallPtr"), nullptr);
+    ::dlclose(library);
+}
+
+TEST_F(LoadedPlugIn, registersExactlyTheFunctionsThatSolutionsKnow) {
+    // id | prototype (the name stands before its parenthesis) | counts; flags are 0xFF01 but for the last
+    // one's 1.
+    const struct {
+        int id;
+        const char* prototype;
+        int minimum, maximum;
+    } expected[] = {
+        {1, "Kestrel_Version( { versionFormat } )", 0, -1},
+        {2, "Kestrel_Get( selector { ; moreOptions } )", 0, -1},
+        {3, "Kestrel_Set( selector ; newValue )", 2, -1},
+        {4, "Kestrel_ExecuteSQL( SQLCommand { ; fieldSeparator { ; recordSeparator } } )", 1, -1},
+        {5, "Kestrel_Encode( encoding ; text )", 2, 2},
+        {6, "Kestrel_Decode( encoding ; text )", 2, 2},
+        {7, "Kestrel_MergeText( text )", 1, -1},
+        {8, "Kestrel_DoFileMakerScript( scriptName { ; scriptParameter } { ; delayOrTime } )", 1, -1},
+        {9, "Kestrel_DoSystemScript( scriptText ; scriptInterpreter )", 2, -1},
+        {10, "Kestrel_GetDefaultPrinter", 0, -1},
+        {11, "Kestrel_SetDefaultPrinter( printerName )", 1, -1},
+        {12, "Kestrel_GetPrinterNames", 0, -1},
+        {13, "Kestrel_RegExp_Substitute( text ; searchPattern ; replaceString1 { ; replaceString2 ... } )", 3,
+         -1},
+        {14, "Kestrel_RegExp_PatternCount( text ; searchPattern )", 2, -1},
+        {15, "Kestrel_GetClientPublicIPAddress", 0, -1},
+        {17, "Kestrel_GetNameForIP( hostIP )", 1, -1},
+        {18, "Kestrel_GetIPforName( hostName )", 1, -1},
+        {19, "Kestrel_GetSpecialWindows", 0, -1},
+        {20, "Kestrel_SetScriptShortcut( key ; scriptName { ; scriptParameter } { ; scriptControl } )", 2,
+         -1},
+        {21, "Kestrel_ValueType( value )", 1, 1},
+        {22, "Kestrel_GetTimestamp", 0, 1},
+        {23, "Kestrel_SetGlobal( key ; value { ; moreOptions } )", 0, -1},
+        {24, "Kestrel_GetGlobal( key )", 0, -1},
+        {25, "Kestrel_GetAsHTML( key )", 0, -1},
+        {26, "Kestrel_DoBashCmd", 1, 1},
+    };
+    ASSERT_EQ(plugIn.functions().size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        const host::RegisteredFunction& function = plugIn.functions()[i];
+        const std::string prototype = expected[i].prototype;
+        EXPECT_EQ(function.id, expected[i].id);
+        EXPECT_EQ(toUtf8(function.prototype), prototype);
+        EXPECT_EQ(toUtf8(function.name), prototype.substr(0, prototype.find('(')));
+        EXPECT_EQ(function.minimum, expected[i].minimum) << prototype;
+        EXPECT_EQ(function.maximum, expected[i].maximum) << prototype;
+        EXPECT_EQ(function.flags, function.id == 26 ? 0x0001U : 0xFF01U) << prototype;
+        EXPECT_EQ(std::string(function.creator.bytes.begin(), function.creator.bytes.end()), "KSTR");
+    }
+}
+
+TEST_F(LoadedPlugIn, hasTheHostRefuseWrongArgumentCounts) {
+    EXPECT_EQ(textOf("Kestrel_Encode ( 1 )"), "error 1201");
+    EXPECT_EQ(textOf("Kestrel_Encode ( 1 ; 2 ; 3 )"), "error 1202");
+    EXPECT_EQ(textOf("Kestrel_DoBashCmd"), "error 1201");
+    EXPECT_EQ(textOf("Kestrel_Version ( 1 ; 2 ; 3 )"), "3.1");
+}
+
+TEST_F(LoadedPlugIn, answersWithoutARecordWhereNothingFailed) {
+    evaluate("Kestrel_GetPrinterNames");
+    for (const char* format : {"short", "Long", "PLATFORM", "autoupdate", " long", ""})
+        evaluate("Kestrel_Version ( \"" + std::string(format) + "\" )");
+    EXPECT_EQ(textOf("Kestrel_DoBashCmd ( 1 )"), "");
+    EXPECT_EQ(lastError(), "-4 iOS doesn't support this function.");
+}
+
+TEST_F(LoadedPlugIn, reportsWhatThePlatformLacks) {
+    const std::string shared = "-4 iOS doesn't support this function.";
+    const struct {
+        const char* calculation;
+        std::string record;
+    } cases[] = {
+        {"Kestrel_DoSystemScript ( \"a\" ; \"b\" )", "-4 Not implemented in iOS."},
+        {"Kestrel_GetPrinterNames", shared},
+        {"Kestrel_SetDefaultPrinter ( \"\" )", shared},
+        {"Kestrel_GetDefaultPrinter ( 1 ; 2 )", shared},
+        {"Kestrel_SetScriptShortcut ( \"a\" ; \"b\" ; \"c\" ; 4 ; 5 )", shared},
+        {"Kestrel_GetSpecialWindows", shared},
+    };
+    for (const auto& [calculation, record] : cases) {
+        evaluate("Let ( [ $$Kestrel_LastError = 0 ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
+        const host::calc::Result result = evaluate(calculation);
+        EXPECT_EQ(result.error, 0);
+        EXPECT_EQ(result.value->nativeType(), host::DataType::number) << calculation;
+        EXPECT_EQ(result.value->asText().utf8(), "-4") << calculation;
+        EXPECT_EQ(lastError(), record) << calculation;
+    }
+}
+
+} // namespace

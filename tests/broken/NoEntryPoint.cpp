@@ -1,0 +1,2 @@
+// Has no entry point under the name that hosts look for.
+extern "C" void FMExternCall() {}
