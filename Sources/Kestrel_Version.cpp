@@ -5,6 +5,7 @@
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "PlugIn.h"
+#include "cFMUtils.h"
 #include "fmlib.h"
 
 #include <array>
@@ -46,11 +47,6 @@ constexpr const char* gVersionTypes[] = {"short", "long", "platform", "autoupdat
 constexpr void (*kFormats[])(fmx::Text&) = {putShort, putLong, putPlatform, putPacked};
 static_assert(std::size(gVersionTypes) == std::size(kFormats));
 
-fmx::errcode putText(const fmx::Text& text, fmx::Data& result) {
-    result.SetAsText(text, result.GetLocale());
-    return 0;
-}
-
 } // namespace
 
 /// An unknown format word is no error: it gives what no word gives.
@@ -65,7 +61,8 @@ Kestrel_Version(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters,
         }
         const fmx::TextUniquePtr text;
         kFormats[format](*text);
-        return putText(*text, result);
+        cFMUtils::FMResultFromText(*text, result);
+        return fmx::errcode{0};
     });
 }
 
@@ -74,6 +71,7 @@ Kestrel_GetLog(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& 
     return kst::RunHandler(env, result, [&] {
         const fmx::TextUniquePtr text;
         text->Assign("Kestrel_GetLog");
-        return putText(*text, result);
+        cFMUtils::FMResultFromText(*text, result);
+        return fmx::errcode{0};
     });
 }

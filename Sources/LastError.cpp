@@ -49,8 +49,7 @@ fmx::DataUniquePtr valueOf(const std::string& variable, const fmx::ExprEnv& env)
 }
 
 void putVariableAsText(const std::string& variable, fmx::Data& result, const fmx::ExprEnv& env) {
-    const fmx::DataUniquePtr value = valueOf(variable, env);
-    result.SetAsText(value->GetAsText(), result.GetLocale());
+    cFMUtils::FMResultFromText(valueOf(variable, env)->GetAsText(), result);
 }
 
 } // namespace

@@ -132,6 +132,7 @@ void dispatch(const FMX_ExternCallStruct& call) {
 
 extern "C" __attribute__((visibility("default"))) void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb) {
     gFMX_ExternCallPtr = pb;
+    if (pb == nullptr) return;
     try {
         dispatch(*pb);
     } catch (...) {

@@ -40,8 +40,12 @@ fmx::TextUniquePtr cFMUtils::FMXTextUniquePtrFromString(const std::string& s) {
     return text;
 }
 
+void cFMUtils::FMResultFromText(const fmx::Text& text, fmx::Data& result) {
+    result.SetAsText(text, result.GetLocale());
+}
+
 void cFMUtils::FMResultFromString(const std::string& s, fmx::Data& result) {
-    result.SetAsText(*getUTF16data(s), result.GetLocale());
+    FMResultFromText(*getUTF16data(s), result);
 }
 
 void cFMUtils::FMResultFromInt(int number, fmx::Data& result) {

@@ -1,5 +1,6 @@
 #include "fmlib.h"
 
+#include "FMWrapper/FMXBinaryData.h"
 #include "FMWrapper/FMXExtern.h"
 #include "FMWrapper/FMXFixPt.h"
 #include "StringUtils.h"
@@ -48,10 +49,12 @@ void FMErrCode2FMData(short code, fmx::Data& result) {
 void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     if (&from == &to) return;
     const fmx::Data::DataType type = from.GetNativeType();
-    if (type == fmx::Data::kDTInvalid || from.IsEmpty()) {
+    if (type == fmx::Data::kDTInvalid) {
         to.Clear(type);
         return;
     }
+    // Texts alone are set with a locale; setting another type leaves it as it is.
+    to.SetAsText(from.GetAsText(), from.GetLocale(), type);
     switch (type) {
     case fmx::Data::kDTNumber:
     case fmx::Data::kDTBoolean: to.SetAsNumber(from.GetAsNumber(), type); break;
@@ -59,8 +62,12 @@ void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     case fmx::Data::kDTTime: to.SetAsTime(from.GetAsTime(), type); break;
     case fmx::Data::kDTTimeStamp: to.SetAsTimeStamp(from.GetAsTimeStamp(), type); break;
     case fmx::Data::kDTBinary: to.SetBinaryData(from.GetBinaryData()); break;
-    default: to.SetAsText(from.GetAsText(), from.GetLocale(), type); break;
+    default: return;
     }
+    // A field may hold what its type cannot express: nothing, or letters in a number.
+    const bool hasStreams = type == fmx::Data::kDTBinary && from.GetBinaryData().GetCount() > 0;
+    if (!hasStreams && to.GetAsText() != from.GetAsText())
+        to.SetAsText(from.GetAsText(), from.GetLocale(), type);
 }
 
 void SetDateTimeToNow(fmx::DateTime& dateTime) {

@@ -24,7 +24,7 @@ void copyToFMText(std::string& s, fmx::Text& text);
 
 /// Stores the code as a number.
 void FMErrCode2FMData(short code, fmx::Data& result);
-/// Copies a value with its type.
+/// Copies a value unchanged: type, content and locale, also an empty one and what its type cannot express.
 void FMData2FMData(const fmx::Data& from, fmx::Data& to);
 
 /// Local date and time, to the microsecond as far as a double holds it.

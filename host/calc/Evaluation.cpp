@@ -59,6 +59,7 @@ DataRef Evaluation::run(const Expression& expression) {
 ExpressionRef Evaluation::parseHere(std::u16string_view source) const {
     Work::charge(source.size() + bindings_.size());
     std::vector<std::u16string_view> names;
+    names.reserve(bindings_.size());
     for (const Binding& binding : bindings_)
         names.push_back(binding.name);
     return Parser(source, functions_, names).parse();

@@ -25,6 +25,14 @@ DataType typeOf(fmx::int32 number) {
                                                                              : static_cast<DataType>(number);
 }
 
+/// A date has no time of day and a time no day, whatever else the plug-in's value holds.
+void setDateTime(void* self, const fmx::DateTime& given, DataType type, fmx::int32 nativeType) {
+    DateTime value = in<DateTime>(&given);
+    if (type == DataType::date) value.micros = 0;
+    if (type == DataType::time) value.days = 0;
+    in<Data>(self).setDateTime(value, type, typeOf(nativeType));
+}
+
 /// The file of an environment knows the fonts; without a file there are none.
 host::calc::Surroundings* fileOf(const fmx::ExprEnv& env) {
     return in<host::calc::Environment>(&env).file.get();
@@ -150,24 +158,18 @@ void FM_Data_SetAsNumber(void* _self, const fmx::FixPt& number, fmx::int32 nativ
     gate::call(_x, [&] { in<Data>(_self).setNumber(in<Decimal>(&number), typeOf(nativeType)); });
 }
 void FM_Data_SetAsDate(void* _self, const fmx::DateTime& date, fmx::int32 nativeType, fmx::_fmxcpt& _x) {
-    gate::call(_x,
-               [&] { in<Data>(_self).setDateTime(in<DateTime>(&date), DataType::date, typeOf(nativeType)); });
+    gate::call(_x, [&] { setDateTime(_self, date, DataType::date, nativeType); });
 }
 void FM_Data_SetAsTime(void* _self, const fmx::DateTime& time, fmx::int32 nativeType, fmx::_fmxcpt& _x) {
-    gate::call(_x,
-               [&] { in<Data>(_self).setDateTime(in<DateTime>(&time), DataType::time, typeOf(nativeType)); });
+    gate::call(_x, [&] { setDateTime(_self, time, DataType::time, nativeType); });
 }
 void FM_Data_SetAsTimeStamp(void* _self, const fmx::DateTime& timeStamp, fmx::int32 nativeType,
                             fmx::_fmxcpt& _x) {
-    gate::call(_x, [&] {
-        in<Data>(_self).setDateTime(in<DateTime>(&timeStamp), DataType::timestamp, typeOf(nativeType));
-    });
+    gate::call(_x, [&] { setDateTime(_self, timeStamp, DataType::timestamp, nativeType); });
 }
 void FM_Data_SetDateTime(void* _self, const fmx::DateTime& value, fmx::int32 dateTimeType,
                          fmx::int32 nativeType, fmx::_fmxcpt& _x) {
-    gate::call(_x, [&] {
-        in<Data>(_self).setDateTime(in<DateTime>(&value), typeOf(dateTimeType), typeOf(nativeType));
-    });
+    gate::call(_x, [&] { setDateTime(_self, value, typeOf(dateTimeType), nativeType); });
 }
 void FM_Data_SetBinaryData(void* _self, const fmx::BinaryData& value, bool forceBinaryNativeType,
                            fmx::_fmxcpt& _x) {

@@ -77,8 +77,7 @@ void FM_FixPt_Negate(void* _self, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<Decimal>(_self) = in<Decimal>(_self).negated(); });
 }
 int FM_FixPt_GetPrecision(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<int>(0),
-                      [&] { return static_cast<int>(in<Decimal>(_self).precision()); });
+    return gate::call(_x, 0, [&] { return in<Decimal>(_self).precision(); });
 }
 void FM_FixPt_SetPrecision(void* _self, int precision, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<Decimal>(_self).setPrecision(precision); });
@@ -112,8 +111,7 @@ fmx::int64 FM_FixPt_AsLong64(const void* _self, fmx::_fmxcpt& _x) {
                       [&] { return static_cast<fmx::int64>(in<Decimal>(_self).toInt64()); });
 }
 double FM_FixPt_AsFloat(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<double>(0),
-                      [&] { return static_cast<double>(in<Decimal>(_self).toDouble()); });
+    return gate::call(_x, 0.0, [&] { return in<Decimal>(_self).toDouble(); });
 }
 
 } // extern "C"

@@ -12,29 +12,29 @@ namespace host {
 
 namespace {
 
-using boost::multiprecision::cpp_int;
+using Integer = Decimal::Integer;
 
-cpp_int powerOfTen(int exponent) {
-    return boost::multiprecision::pow(cpp_int(10), static_cast<unsigned>(exponent));
+Integer powerOfTen(int exponent) {
+    return boost::multiprecision::pow(Integer(10), static_cast<unsigned>(exponent));
 }
 
 /// Quotient of integers, rounded half away from zero, or cut towards zero.
-cpp_int divided(const cpp_int& number, const cpp_int& divisor, bool cut) {
-    cpp_int quotient, remainder;
+Integer divided(const Integer& number, const Integer& divisor, bool cut) {
+    Integer quotient, remainder;
     boost::multiprecision::divide_qr(number, divisor, quotient, remainder);
     if (!cut && 2 * abs(remainder) >= abs(divisor)) quotient += number.sign() * divisor.sign();
     return quotient;
 }
 
 /// 10^400 times 10^400: no mantissa of a number in range reaches it.
-const cpp_int& magnitudeLimit() {
-    static const cpp_int limit = powerOfTen(Decimal::maximumIntegerDigits);
+const Integer& magnitudeLimit() {
+    static const Integer limit = powerOfTen(Decimal::maximumIntegerDigits);
     return limit;
 }
 
 } // namespace
 
-Decimal Decimal::of(cpp_int mantissa, int scale, int precision) {
+Decimal Decimal::of(Integer mantissa, int scale, int precision) {
     Decimal result;
     result.mantissa_ = std::move(mantissa);
     result.scale_ = scale;
@@ -85,7 +85,10 @@ std::optional<Decimal> Decimal::parse(std::u16string_view text) {
     if (at < text.size()) {
         if (text[at] != u'e' && text[at] != u'E') return std::nullopt;
         bool down = false;
-        if (++at < text.size() && (text[at] == u'-' || text[at] == u'+')) down = text[at++] == u'-';
+        ++at;
+        const char16_t sign = at < text.size() ? text[at] : u'0';
+        down = sign == u'-';
+        if (down || sign == u'+') ++at;
         if (at == text.size() || text.size() - at > 5) return std::nullopt;
         for (; at < text.size(); ++at) {
             if (text[at] < u'0' || text[at] > u'9') return std::nullopt;
@@ -95,7 +98,7 @@ std::optional<Decimal> Decimal::parse(std::u16string_view text) {
     }
     digits.erase(0,
                  std::min(digits.find_first_not_of('0'), digits.size() - 1)); // a leading 0 would mean octal
-    cpp_int mantissa(digits);
+    Integer mantissa(digits);
     if (negative) mantissa = -mantissa;
     int scale = places - exponent;
     if (mantissa == 0) return Decimal();
@@ -133,7 +136,7 @@ Decimal Decimal::minus(const Decimal& other) const { return plus(other.negated()
 
 Decimal Decimal::times(const Decimal& other) const {
     const int precision = std::max(precision_, other.precision_);
-    cpp_int product = mantissa_ * other.mantissa_;
+    Integer product = mantissa_ * other.mantissa_;
     int scale = scale_ + other.scale_;
     if (scale > precision) {
         product = divided(product, powerOfTen(scale - precision), false);
@@ -147,8 +150,8 @@ std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
     const int precision = std::max(precision_, other.precision_);
     // (m1 / 10^s1) / (m2 / 10^s2), with `precision` places kept.
     const int shift = precision - scale_ + other.scale_;
-    const cpp_int number = shift >= 0 ? cpp_int(mantissa_ * powerOfTen(shift)) : mantissa_;
-    const cpp_int divisor = shift >= 0 ? other.mantissa_ : cpp_int(other.mantissa_ * powerOfTen(-shift));
+    const Integer number = shift >= 0 ? Integer(mantissa_ * powerOfTen(shift)) : mantissa_;
+    const Integer divisor = shift >= 0 ? other.mantissa_ : Integer(other.mantissa_ * powerOfTen(-shift));
     return of(divided(number, divisor, false), precision, precision);
 }
 
@@ -183,8 +186,8 @@ std::optional<Decimal> Decimal::squareRoot() const {
     if (sign() < 0) return std::nullopt;
     // One digit more than is kept, so that the last one can be rounded.
     const int places = precision_ + 1;
-    const cpp_int scaled = mantissa_ * powerOfTen(2 * places - scale_);
-    return of(cpp_int(sqrt(scaled)), places, maximumPrecision).rounded(precision_).withPrecision(precision_);
+    const Integer scaled = mantissa_ * powerOfTen(2 * places - scale_);
+    return of(Integer(sqrt(scaled)), places, maximumPrecision).rounded(precision_).withPrecision(precision_);
 }
 
 Decimal Decimal::withPrecision(int precision) const {
@@ -196,7 +199,7 @@ Decimal Decimal::withPrecision(int precision) const {
 Decimal Decimal::toPlaces(int places, bool cut) const {
     if (places >= scale_) return *this;
     const int dropped = scale_ - std::max(places, -maximumIntegerDigits - 1);
-    cpp_int kept = divided(mantissa_, powerOfTen(dropped), cut);
+    Integer kept = divided(mantissa_, powerOfTen(dropped), cut);
     if (places >= 0) return of(std::move(kept), places, precision_);
     return of(kept * powerOfTen(dropped - scale_), 0, precision_);
 }
@@ -216,13 +219,13 @@ Decimal Decimal::ceiling() const {
 
 std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
     const int scale = std::max(scale_, other.scale_);
-    const cpp_int left = mantissa_ * powerOfTen(scale - scale_);
-    const cpp_int right = other.mantissa_ * powerOfTen(scale - other.scale_);
+    const Integer left = mantissa_ * powerOfTen(scale - scale_);
+    const Integer right = other.mantissa_ * powerOfTen(scale - other.scale_);
     return left.compare(right) <=> 0;
 }
 
 std::int64_t Decimal::toInt64() const {
-    const cpp_int whole = divided(mantissa_, powerOfTen(scale_), true);
+    const Integer whole = divided(mantissa_, powerOfTen(scale_), true);
     using Limits = std::numeric_limits<std::int64_t>;
     if (whole > Limits::max()) return Limits::max();
     if (whole < Limits::min()) return Limits::min();
@@ -240,7 +243,7 @@ double Decimal::toDouble() const {
 }
 
 std::u16string Decimal::text() const {
-    std::string digits = cpp_int(abs(mantissa_)).str();
+    std::string digits = Integer(abs(mantissa_)).str();
     const auto places = static_cast<std::size_t>(scale_);
     if (digits.size() < places) digits.insert(0, places - digits.size(), '0');
     std::string whole = digits.substr(0, digits.size() - places);

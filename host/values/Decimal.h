@@ -17,6 +17,10 @@ class Decimal {
 public:
     static constexpr int minimumPrecision = 16, maximumPrecision = 400, maximumIntegerDigits = 400;
 
+    /// Without expression templates: their temporaries are beyond what static analysis can follow.
+    using Integer = boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>,
+                                                  boost::multiprecision::et_off>;
+
     Decimal() = default;
     Decimal(std::int64_t value, int precision = minimumPrecision); // NOLINT(google-explicit-constructor)
     /// Seventeen significant digits of a finite value; not-a-number and infinities throw std::range_error.
@@ -60,12 +64,12 @@ public:
     [[nodiscard]] std::u16string text() const;
 
 private:
-    static Decimal of(boost::multiprecision::cpp_int mantissa, int scale, int precision);
+    static Decimal of(Integer mantissa, int scale, int precision);
     [[nodiscard]] Decimal withPrecision(int precision) const;
     [[nodiscard]] Decimal toPlaces(int places, bool cut) const;
 
-    boost::multiprecision::cpp_int mantissa_ = 0; ///< value times 10^scale_
-    int scale_ = 0;                               ///< 0…400
+    Integer mantissa_ = 0; ///< value times 10^scale_
+    int scale_ = 0;        ///< 0…400
     int precision_ = minimumPrecision;
 };
 

@@ -71,11 +71,10 @@ void Text::append(std::u16string_view units, const RunStyle& look) {
 
 void Text::insert(const Text& source, std::uint32_t position) {
     if (position >= size()) return append(source);
-    const Text inserted(source);
-    const Text tail = substring(position);
-    erase(position);
-    append(inserted);
-    append(tail);
+    Text whole = substring(0, position);
+    whole.append(source);
+    whole.append(*this, position);
+    *this = std::move(whole);
 }
 
 void Text::erase(std::uint32_t position, std::uint32_t size) {

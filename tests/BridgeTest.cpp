@@ -1,0 +1,300 @@
+#include "host/fmwrapper/Bridge.h"
+#include "FMWrapper/FMXBinaryData.h"
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXDateTime.h"
+#include "LastError.h"
+#include "Registry.h"
+#include "StringUtils.h"
+#include "cFMUtils.h"
+#include "fmlib.h"
+#include "host/app/File.h"
+#include "host/app/ObjectCounts.h"
+#include "host/app/Session.h"
+#include "host/values/Data.h"
+#include "host/values/Encoding.h"
+#include "host/values/Style.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What every function of the plug-in stands on: conversions, calculations on its behalf and the record of
+/// the last error.
+
+namespace {
+
+using Pieces = std::vector<std::string>;
+
+class Bridge : public testing::Test {
+protected:
+    Bridge() {
+        host::Solution solution;
+        solution.name = u"Caf\u00E9";
+        session.open(solution);
+        place = session.topLevel();
+    }
+    ~Bridge() override { EXPECT_EQ((host::objectCounts() - before).describe(), ""); }
+
+    const fmx::ExprEnv& environment() const { return host::bridge::out<fmx::ExprEnv>(place); }
+    std::string valueOf(const std::string& calculation) {
+        const host::calc::Result result = session.evaluate(host::fromUtf8(calculation));
+        return result.error == 0 ? result.value->asText().utf8() : "error " + std::to_string(result.error);
+    }
+    std::string lastError() { return valueOf("$$Kestrel_LastError & \" \" & $$Kestrel_LastErrorMessage"); }
+
+    host::ObjectCounts before = host::objectCounts();
+    host::Session session;
+    host::calc::Environment place;
+};
+
+fmx::TextUniquePtr text(const std::string& utf8) { return cFMUtils::getUTF16data(utf8); }
+
+std::string utf8(const fmx::Text& text) { return host::bridge::in<host::Text>(&text).utf8(); }
+
+TEST_F(Bridge, cutsTextAtBuffersSizedByItsUnits) {
+    // units + 1 bytes and 2 × units bytes, the host's terminating zero among them; the cut is by bytes, also
+    // within a character.
+    const struct {
+        const char *whole, *byUtils, *byLib;
+    } cases[] = {
+        {"", "", ""},
+        {"a", "a", "a"},
+        {"plain", "plain", "plain"},
+        {"\u00E9", "\xC3", "\xC3"},
+        {"a\u00E9b", "a\u00E9", "a\u00E9b"},
+        {"\u20AC\u20AC", "\xE2\x82", "\u20AC"},
+    };
+    for (const auto& [whole, byUtils, byLib] : cases) {
+        const fmx::TextUniquePtr source = text(whole);
+        EXPECT_EQ(cFMUtils::StringFromFmxText(*source), byUtils) << whole;
+        EXPECT_EQ(fmlib::StringFromFmText(*source), byLib) << whole;
+        EXPECT_EQ(StringFromFmText(source), byLib) << whole;
+        EXPECT_EQ(cFMUtils::CharsFromFMText(*source).size(), source->GetSize() + 1U) << whole;
+    }
+}
+
+TEST_F(Bridge, carriesAllOfUnicodeIntoTexts) {
+    EXPECT_EQ(utf8(*text("a\u00E9\u20AC\U0001F600")), "a\u00E9\u20AC\U0001F600");
+    EXPECT_EQ(fmlib::WStringFromFMText(*text("x\U0001F600")), (std::wstring{L'x', 0xD83D, 0xDE00}));
+    EXPECT_EQ(fmlib::WStringFromFMText(*text("")), L"");
+    // Overlong, a surrogate, beyond the last character, cut off, a stray byte: never thrown at, never lost.
+    for (const char* malformed : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80"})
+        EXPECT_TRUE(utf8(*text("a" + std::string(malformed) + "b")).starts_with("a\uFFFD")) << malformed;
+    EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
+}
+
+TEST_F(Bridge, findsSelectorsWhole) {
+    const char* const table[] = {"lastError", "timestamp"};
+    const struct {
+        const char* text;
+        unsigned index;
+    } cases[] = {{"LASTERROR", 0},          {"lastError", 0},
+                 {"TimeStamp", 1},          {" lastError", cFMUtils::kNotFound},
+                 {"", cFMUtils::kNotFound}, {"lastErrorMessage", cFMUtils::kNotFound}};
+    for (const auto& [selector, index] : cases)
+        EXPECT_EQ(fmlib::FindFMTextInArray(*text(selector), table, std::size(table)), index) << selector;
+    EXPECT_EQ(cFMUtils::FindFMTextInArray(*text("a"), table, 0), 0xFFFFFFFFU);
+}
+
+TEST_F(Bridge, knowsFewWords) {
+    EXPECT_TRUE(isEmpty(*text("")));
+    EXPECT_TRUE(isAll(*text("all")));
+    EXPECT_FALSE(isAll(*text("All")));
+    EXPECT_TRUE(isSpace(*text(" ")));
+    for (const char* other : {"", "  ", "\t", "\u00A0"})
+        EXPECT_FALSE(isSpace(*text(other))) << other;
+    EXPECT_TRUE(is_number("007"));
+    for (const char* other : {"", "-1", "1.0", " 1", "\u0661"})
+        EXPECT_FALSE(is_number(other)) << other;
+    EXPECT_EQ(toLower("AbC\xC3\x89"), "abc\xC3\x89");
+}
+
+TEST_F(Bridge, cutsStringsIntoPieces) {
+    const struct {
+        std::string string, delimiter;
+        Pieces pieces;
+    } cases[] = {
+        {"a,,b,", ",", {"a", "", "b"}}, {",a", ",", {"", "a"}},   {"", ",", {}},
+        {"a<>b<c", "<>", {"a", "b<c"}}, {"whole", "", {"whole"}}, {"", "", {}},
+        {"aaa", "aa", {"", "a"}},       {",", ",", {""}},
+    };
+    for (const auto& [string, delimiter, pieces] : cases) {
+        EXPECT_EQ(split(string, delimiter), pieces) << string;
+        if (delimiter.size() == 1) EXPECT_EQ(explode(string, delimiter[0]), pieces) << string;
+    }
+    EXPECT_EQ(indexOfStringInVector("b", {"a", "b", "b"}), 1);
+    EXPECT_EQ(indexOfStringInVector("B", {"a", "b"}), -1);
+}
+
+TEST_F(Bridge, copiesValuesUnchanged) {
+    host::Text bold(u"loud");
+    bold.applyStyle(host::CharacterStyle(1, host::face::bold, 12));
+    host::Data lettersInANumber;
+    lettersInANumber.setText(host::Text(u"abc12"), host::DataType::number);
+    host::Data emptyNumber;
+    emptyNumber.setText(host::Text(), host::DataType::number);
+    host::Data wordInAContainer;
+    wordInAContainer.setText(host::Text(u"movie:clip.mov"), host::DataType::binary);
+    host::Binary picture;
+    picture.setFileName(u"p.png");
+    const host::Data values[] = {
+        host::Data(),
+        host::Data::invalid(),
+        host::Data(bold),
+        host::Data(host::Decimal(-7)),
+        lettersInANumber,
+        emptyNumber,
+        wordInAContainer,
+        host::Data(picture),
+        host::Data({.days = 738'000, .micros = 0}, host::DataType::date),
+        host::Data({.days = 0, .micros = 1'500'000}, host::DataType::time),
+        host::Data({.days = 738'000, .micros = 1}, host::DataType::timestamp),
+    };
+    for (host::Data value : values) {
+        value.setLocale({fmx::Locale::kType_ENG});
+        if (!value.isValid()) value.setLocale({});
+        host::Data copy(host::Decimal(99));
+        fmlib::FMData2FMData(host::bridge::out<fmx::Data>(std::as_const(value)),
+                             host::bridge::out<fmx::Data>(copy));
+        EXPECT_TRUE(copy.isIdenticalTo(value))
+            << host::typeWord(value.nativeType()) << " " << value.asText().utf8();
+    }
+}
+
+TEST_F(Bridge, writesResults) {
+    fmx::DataUniquePtr result;
+    fmlib::FMErrCode2FMData(-50, *result);
+    EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTNumber);
+    EXPECT_EQ(result->GetAsNumber().AsLong(), -50);
+    cFMUtils::FMResultFromInt(-12, *result);
+    EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTText);
+    EXPECT_EQ(utf8(result->GetAsText()), "-12");
+
+    fmx::DataVectUniquePtr values;
+    Pieces strings{"a", "", "c"};
+    cFMUtils::StringVectorToDataVect(values, strings);
+    EXPECT_EQ(cFMUtils::StringVectorFromDataVect(*values), strings);
+    EXPECT_EQ(cFMUtils::StringCRFromDataVect(*values), "a\r\rc\r");
+}
+
+TEST_F(Bridge, tellsLocalTimeInSummerToo) {
+    // Zones that are the same on every day of the year; the second one always has summer time.
+    const char* const former = std::getenv("TZ");
+    const std::string kept = former == nullptr ? "" : former;
+    const struct {
+        const char* zone;
+        int aheadOfUtc;
+    } cases[] = {{"XST3:30", -12'600}, {"XST5XDT,0/0,J365/25", -14'400}, {"XST-14", 50'400}, {"UTC0", 0}};
+    for (const auto& [zone, aheadOfUtc] : cases) {
+        ::setenv("TZ", zone, 1);
+        const fmx::DateTimeUniquePtr moment;
+        fmlib::SetDateTimeToNow(*moment);
+        const fmx::FixPtUniquePtr seconds;
+        moment->GetSecondsSinceEpoch(*seconds);
+        const double expected = static_cast<double>(std::time(nullptr)) + aheadOfUtc + 62'135'596'800.0;
+        EXPECT_LT(std::abs(seconds->AsFloat() - expected), 2) << zone;
+    }
+    former == nullptr ? ::unsetenv("TZ") : ::setenv("TZ", kept.c_str(), 1);
+}
+
+TEST_F(Bridge, evaluatesInTheCallersFile) {
+    EXPECT_EQ(cFMUtils::evaluateCalculation("1 + 1", environment()), "2");
+    EXPECT_EQ(cFMUtils::evaluateCalculation("1 +", environment()), "?");
+    EXPECT_EQ(cFMUtils::getFromEnvironmentAsString(environment(), "UserName"), valueOf("Get ( UserName )"));
+    const std::string id = cFMUtils::getFileID(environment());
+    EXPECT_EQ(id.find_first_of("/:"), std::string::npos) << id;
+    EXPECT_TRUE(id.ends_with(valueOf("Get ( UserName )"))) << id;
+
+    const fmx::TextUniquePtr name = text("before");
+    fmlib::FillFMTextWithCurrentDatabaseFileName(*name, environment());
+    EXPECT_EQ(utf8(*name), "Caf\u00E9");
+}
+
+TEST_F(Bridge, reportsAFileThatIsGoneInsteadOfEndingTheApp) {
+    session.close(session.front()->id());
+    const fmx::TextUniquePtr name;
+    EXPECT_THROW(fmlib::FillFMTextWithCurrentDatabaseFileName(*name, environment()), std::logic_error);
+}
+
+TEST_F(Bridge, keepsTheLastErrorInTheSolution) {
+    fmx::DataUniquePtr result;
+    kst::GetLastErrorMessage(*result, environment());
+    EXPECT_EQ(utf8(result->GetAsText()), "No Error Message");
+
+    EXPECT_EQ(kst::SetLastError(-50, "Wrong Parameter", environment()), 0);
+    EXPECT_EQ(lastError(), "-50 Wrong Parameter");
+    // A quotation mark ends the calculation's text constant.
+    EXPECT_NE(kst::SetLastError(-4, "say \"no\"", environment()), 0);
+    EXPECT_EQ(lastError(), "-50 Wrong Parameter");
+
+    kst::GetLastErrorCode(*result, environment());
+    EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTNumber);
+    EXPECT_EQ(result->GetAsNumber().AsLong(), -50);
+}
+
+TEST_F(Bridge, answersAndRecordsAtOnce) {
+    const struct {
+        short code;
+        bool recordSuccess, useDefault;
+        const char *message, *result, *record, *sessionsCode, *sessionsMessage;
+    } cases[] = {
+        {-50, true, true, "", "?", "-50 Wrong Parameter", "-50", "Wrong Parameter"},
+        {0, false, false, "abc", "abc", "-50 Wrong Parameter", "-50", "Wrong Parameter"},
+        {-4, false, true, "mine", "?", "-4 mine", "-4", "mine"},
+        {2400, false, false, "", "?", "2400 ", "2400", ""},
+        {0, true, true, "", "0", "0 No error", "0", "No error"},
+        {77, false, true, "", "?", "77 Error code has no Error Message", "77",
+         "Error code has no Error Message"},
+    };
+    fmx::DataUniquePtr result;
+    getLastErrorMessage(environment(), *result);
+    EXPECT_EQ(utf8(result->GetAsText()), "No error");
+    for (const auto& row : cases) {
+        setLastError(row.code, row.message, *result, environment(), row.recordSuccess, row.useDefault);
+        EXPECT_EQ(utf8(result->GetAsText()), row.result);
+        EXPECT_EQ(lastError(), row.record);
+        getLastErrorCode(environment(), *result);
+        EXPECT_EQ(utf8(result->GetAsText()), row.sessionsCode);
+        getLastErrorMessage(environment(), *result);
+        EXPECT_EQ(utf8(result->GetAsText()), row.sessionsMessage);
+    }
+}
+
+TEST_F(Bridge, letsFewCodesThrough) {
+    constexpr short passed[] = {0, -4, -50};
+    for (const short code : passed)
+        EXPECT_EQ(kst::FilterErrCode(code), code);
+    constexpr short others[] = {-80, 100, 2400, 1};
+    for (const short code : others)
+        EXPECT_EQ(kst::FilterErrCode(code), 2400);
+}
+
+TEST_F(Bridge, hasTheStringsOfFunctions) {
+    const struct {
+        unsigned long id;
+        const char *prototype, *name;
+    } cases[] = {
+        {100, "ERROR", "ERROR"},
+        {116, "ERROR", "ERROR"},
+        {127, "ERROR", "ERROR"},
+        {~0UL, "ERROR", "ERROR"},
+        {101, "Kestrel_Version( { versionFormat } )", "Kestrel_Version"},
+        {110, "Kestrel_GetDefaultPrinter", "Kestrel_GetDefaultPrinter"},
+    };
+    for (const auto& [id, prototype, name] : cases) {
+        fmx::TextUniquePtr string = text("before");
+        Do_GetString(id, string, false);
+        EXPECT_EQ(utf8(*string), prototype) << id;
+        Do_GetString(id, string, true);
+        EXPECT_EQ(utf8(*string), name) << id;
+    }
+}
+
+} // namespace
