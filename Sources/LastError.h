@@ -14,7 +14,7 @@
 #include <exception>
 #include <string>
 
-/// The codes that the plug-in itself gives; those of failed host calls are passed through.
+/// The codes that the plug-in itself gives.
 namespace kst {
 
 constexpr short kNoError = 0;

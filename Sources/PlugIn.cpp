@@ -42,7 +42,6 @@ void answer(int code) { gFMX_ExternCallPtr->result = static_cast<FMX_PtrType>(co
 
 template<typename T>
 T* pointerFrom(FMX_PtrType address) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the call block carries pointers as numbers
     return reinterpret_cast<T*>(address);
 }
 

@@ -83,6 +83,15 @@ std::vector<fmx::uint16> Utf16FromUtf8(std::string_view utf8) {
     std::vector<fmx::uint16> units;
     units.reserve(utf8.size());
     for (std::size_t position = 0; position < utf8.size();) {
+        // Most text is ASCII for long stretches, which go over as a whole.
+        const char* const start = utf8.data() + position;
+        const char* const end = std::find_if(start, utf8.data() + utf8.size(), [](char byte) {
+            return (static_cast<unsigned char>(byte) & 0x80U) != 0;
+        });
+        units.insert(units.end(), start, end);
+        position += static_cast<std::size_t>(end - start);
+        if (position == utf8.size()) break;
+
         const char32_t character = nextCharacter(utf8, position);
         if (character < 0x10000U) {
             units.push_back(static_cast<fmx::uint16>(character));

@@ -3,7 +3,10 @@
 #include "FMWrapper/FMXCalcEngine.h"
 #include "FMWrapper/FMXData.h"
 #include "FMWrapper/FMXDateTime.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
 #include "LastError.h"
+#include "PlugIn.h"
 #include "Registry.h"
 #include "StringUtils.h"
 #include "cFMUtils.h"
@@ -37,6 +40,7 @@ protected:
     Bridge() {
         host::Solution solution;
         solution.name = u"Caf\u00E9";
+        solution.path = u"/data/a:b";
         session.open(solution);
         place = session.topLevel();
     }
@@ -55,6 +59,18 @@ protected:
 };
 
 fmx::TextUniquePtr text(const std::string& utf8) { return cFMUtils::getUTF16data(utf8); }
+
+/// Another native encoding for a while.
+class NativeEncoding {
+public:
+    explicit NativeEncoding(host::Encoding encoding) { host::setNativeEncoding(encoding); }
+    ~NativeEncoding() { host::setNativeEncoding(former_); }
+    NativeEncoding(const NativeEncoding&) = delete;
+    NativeEncoding& operator=(const NativeEncoding&) = delete;
+
+private:
+    host::Encoding former_ = host::nativeEncoding();
+};
 
 std::string utf8(const fmx::Text& text) { return host::bridge::in<host::Text>(&text).utf8(); }
 
@@ -101,6 +117,41 @@ TEST_F(Bridge, findsSelectorsWhole) {
     for (const auto& [selector, index] : cases)
         EXPECT_EQ(fmlib::FindFMTextInArray(*text(selector), table, std::size(table)), index) << selector;
     EXPECT_EQ(cFMUtils::FindFMTextInArray(*text("a"), table, 0), 0xFFFFFFFFU);
+}
+
+TEST_F(Bridge, lowersSelectorsAsTheHostDoes) {
+    const NativeEncoding native(host::Encoding::utf8);
+    const char* const table[] = {"key", "\u03BF\u03B4\u03CC\u03C2", "in"};
+    const struct {
+        const char* text;
+        unsigned index;
+    } cases[] = {{"\u212AEY", 0},                   // the Kelvin sign is a K
+                 {"\u039F\u0394\u038C\u03A3", 1},   // a sigma at the end is another small letter
+                 {"IN", 2},                         // in no locale but a Turkish one
+                 {"\u0130N", cFMUtils::kNotFound}}; // keeps its dot
+    for (const auto& [selector, index] : cases)
+        EXPECT_EQ(fmlib::FindFMTextInArray(*text(selector), table, std::size(table)), index) << selector;
+}
+
+TEST_F(Bridge, readsPlainStringsInTheHostsNativeEncoding) {
+    const struct {
+        host::Encoding native;
+        const char *bytes, *utf8;
+    } cases[] = {{host::Encoding::asciiMac, "\x8E", "\u00E9"},
+                 {host::Encoding::iso8859_1, "\xE9", "\u00E9"},
+                 {host::Encoding::utf8, "\u00E9", "\u00E9"},
+                 {host::Encoding::shiftJisMac, "\x83\x41", "\u30A2"}};
+    for (const auto& [encoding, bytes, expected] : cases) {
+        const NativeEncoding native(encoding);
+        EXPECT_EQ(utf8(*cFMUtils::FMXTextUniquePtrFromString(bytes)), expected);
+        std::string string = bytes;
+        const fmx::TextUniquePtr copy = text("before");
+        fmlib::copyToFMText(string, *copy);
+        EXPECT_EQ(utf8(*copy), expected);
+        EXPECT_EQ(utf8(*text("\u00E9\u30A2")), "\u00E9\u30A2");
+        EXPECT_EQ(kst::SetLastError(1, bytes, environment()), 0);
+        EXPECT_EQ(lastError(), "1 " + std::string(expected));
+    }
 }
 
 TEST_F(Bridge, knowsFewWords) {
@@ -208,9 +259,8 @@ TEST_F(Bridge, evaluatesInTheCallersFile) {
     EXPECT_EQ(cFMUtils::evaluateCalculation("1 + 1", environment()), "2");
     EXPECT_EQ(cFMUtils::evaluateCalculation("1 +", environment()), "?");
     EXPECT_EQ(cFMUtils::getFromEnvironmentAsString(environment(), "UserName"), valueOf("Get ( UserName )"));
-    const std::string id = cFMUtils::getFileID(environment());
-    EXPECT_EQ(id.find_first_of("/:"), std::string::npos) << id;
-    EXPECT_TRUE(id.ends_with(valueOf("Get ( UserName )"))) << id;
+    EXPECT_EQ(valueOf("Get ( FilePath )"), "file:/data/a:b/Caf\u00E9.fmp12");
+    EXPECT_EQ(cFMUtils::getFileID(environment()), "file-data-ab-Caf\u00E9User");
 
     const fmx::TextUniquePtr name = text("before");
     fmlib::FillFMTextWithCurrentDatabaseFileName(*name, environment());
@@ -227,6 +277,9 @@ TEST_F(Bridge, keepsTheLastErrorInTheSolution) {
     fmx::DataUniquePtr result;
     kst::GetLastErrorMessage(*result, environment());
     EXPECT_EQ(utf8(result->GetAsText()), "No Error Message");
+    kst::GetLastErrorCode(*result, environment());
+    EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTNumber);
+    EXPECT_EQ(result->GetAsNumber().AsLong(), 0);
 
     EXPECT_EQ(kst::SetLastError(-50, "Wrong Parameter", environment()), 0);
     EXPECT_EQ(lastError(), "-50 Wrong Parameter");
@@ -237,6 +290,58 @@ TEST_F(Bridge, keepsTheLastErrorInTheSolution) {
     kst::GetLastErrorCode(*result, environment());
     EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTNumber);
     EXPECT_EQ(result->GetAsNumber().AsLong(), -50);
+}
+
+TEST_F(Bridge, readsWhatAScriptWroteToItsErrorOutput) {
+    const fmx::DataUniquePtr result;
+    kst::GetLastScriptStderr(*result, environment());
+    EXPECT_EQ(utf8(result->GetAsText()), "No Error Message");
+    valueOf("Let ( $$Kestrel_LastScriptStderr = \"no such file\" ; \"\" )");
+    kst::GetLastScriptStderr(*result, environment());
+    EXPECT_EQ(utf8(result->GetAsText()), "no such file");
+}
+
+TEST_F(Bridge, framesWhatAHandlerThrows) {
+    const struct {
+        void (*fails)();
+        int answer;
+        const char* record;
+    } cases[] = {
+        {[] { throw std::runtime_error("out of luck"); }, 0, "2400 out of luck"},
+        {[] { throw 7; }, 0, "2400 Unknown fatal error occured"},
+        {[] { throw std::bad_alloc(); }, 0, "2400 std::bad_alloc"},
+        // The record cannot be written, so the one before stays and the host hears of it.
+        {[] { throw std::runtime_error("a \" inside"); }, 1212, "2400 std::bad_alloc"},
+    };
+    for (const auto& [fails, answer, record] : cases) {
+        const fmx::DataUniquePtr result;
+        EXPECT_EQ(kst::RunHandler(environment(), *result,
+                                  [&, failing = fails]() -> fmx::errcode {
+                                      failing();
+                                      return 0;
+                                  }),
+                  answer);
+        EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTNumber);
+        EXPECT_EQ(result->GetAsNumber().AsLong(), 2400);
+        EXPECT_EQ(lastError(), record);
+    }
+}
+
+TEST_F(Bridge, hasAMessageForEachCode) {
+    const struct {
+        short code;
+        const char* message;
+    } cases[] = {{0, "0"},
+                 {-4, "Not Implemented"},
+                 {-50, "Wrong Parameter"},
+                 {-80, "Timeout Error"},
+                 {100, "Could not send push notification"},
+                 {101, "OneSignal API error"},
+                 {102, "Notifications are not allowed"},
+                 {2400, "Uknown Error"},
+                 {1, "Error code has no Error Message"}};
+    for (const auto& [code, message] : cases)
+        EXPECT_EQ(getErrorMessage(code), message);
 }
 
 TEST_F(Bridge, answersAndRecordsAtOnce) {
@@ -294,6 +399,29 @@ TEST_F(Bridge, hasTheStringsOfFunctions) {
         EXPECT_EQ(utf8(*string), prototype) << id;
         Do_GetString(id, string, true);
         EXPECT_EQ(utf8(*string), name) << id;
+    }
+}
+
+TEST_F(Bridge, writesTheIdentityAndNothingElse) {
+    std::vector<unsigned short> buffer(kMostIdentityUnits, 7);
+    ReadString(buffer.data(), buffer.size(), kReadName + kReadDescription);
+    EXPECT_EQ(buffer, std::vector<unsigned short>(kMostIdentityUnits, 7));
+    ReadString(buffer.data(), buffer.size(), kReadName);
+    EXPECT_EQ(buffer[18], 'n');
+    EXPECT_EQ(buffer[19], 7);
+}
+
+TEST_F(Bridge, keepsTheResultsLocale) {
+    host::DataVect none;
+    const auto& parameters = host::bridge::out<fmx::DataVect>(std::as_const(none));
+    for (const auto& [handler, expected] :
+         {std::pair(&Kestrel_GetLog, "Kestrel_GetLog"), {&Kestrel_Version, "3.1"}}) {
+        host::Data result;
+        result.setLocale({fmx::Locale::kType_ENG});
+        EXPECT_EQ(handler(0, environment(), parameters, host::bridge::out<fmx::Data>(result)), 0);
+        EXPECT_EQ(result.asText().utf8(), expected);
+        EXPECT_EQ(result.locale().type, fmx::Locale::kType_ENG);
+        EXPECT_EQ(lastError(), " ");
     }
 }
 

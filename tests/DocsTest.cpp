@@ -88,7 +88,8 @@ int runCalculations(const Block& block, const fs::path& document) {
 std::string outputOf(std::string command) {
     const std::string door = "./kestrel ";
     if (command.starts_with(door)) command.replace(0, door.size(), "'" KESTREL_HOST_PATH "' ");
-    command = "cd '" KESTREL_SOURCE_DIR "' && KESTREL_PLUGIN='" KESTREL_PLUGIN_PATH "' " + command + " 2>&1";
+    command = "{ cd '" KESTREL_SOURCE_DIR "' && export KESTREL_PLUGIN='" KESTREL_PLUGIN_PATH "' && " +
+              command + "; } 2>&1";
     std::string output;
     FILE* pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the documents' own commands
     if (pipe == nullptr) return "cannot be run";
@@ -126,16 +127,26 @@ TEST(Documents, everyExampleGivesWhatItShows) {
 }
 
 TEST(Documents, everyFunctionPageIsInTheOnePattern) {
+    host::Session session;
+    session.open(host::Solution{});
+    host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+    plugIn.init();
     for (const auto& entry : fs::directory_iterator(fs::path(KESTREL_SOURCE_DIR) / "docs/functions")) {
-        const fs::path page = entry.path();
+        const fs::path& page = entry.path();
         if (page.filename() == "README.md") continue;
         std::ifstream in(page);
         std::stringstream whole;
         whole << in.rdbuf();
+        const std::u16string name = host::fromUtf8(page.stem().string());
+        const auto& functions = plugIn.functions();
+        const auto function = std::find_if(functions.begin(), functions.end(),
+                                           [&](const auto& row) { return row.name == name; });
+        ASSERT_NE(function, functions.end()) << page;
         std::size_t at = 0;
         for (const std::string& heading :
-             {"# " + page.stem().string(), std::string("## Parameters"), std::string("## Result"),
-              std::string("## Errors"), std::string("## Examples")}) {
+             {"# " + page.stem().string(), "\n    " + host::toUtf8(function->prototype),
+              std::string("## Parameters"), std::string("## Result"), std::string("## Errors"),
+              std::string("## Examples")}) {
             const std::size_t found = whole.str().find(heading + "\n", at);
             ASSERT_NE(found, std::string::npos) << page << " lacks " << heading;
             at = found;

@@ -85,12 +85,23 @@ TEST_F(FailingHost, isReportedInTheLastErrorWhenItFailsOnce) {
 }
 
 TEST_F(FailingHost, isBorneByEveryMessage) {
-    failInTurn("strings", [&] {
+    const auto points = failInTurn("strings", [&] {
         for (const int request : {kFMXT_NameStr, kFMXT_AppConfigStr, kFMXT_OptionsStr})
             plugIn.readString(request);
     });
+    EXPECT_GT(points, 0U);
     failInTurn("idle", [&] { plugIn.idle(kFMXT_UserIdle); });
     failInTurn("preferences", [&] { plugIn.preferences(); });
+}
+
+TEST_F(FailingHost, isBorneByShutdownAndTheNextStart) {
+    const auto points = failInTurn("shutdown and init", [&] {
+        plugIn.shutdown();
+        host::faults().disarm();
+        EXPECT_EQ(plugIn.init(), 60);
+        EXPECT_EQ(plugIn.functions().size(), 25U);
+    });
+    EXPECT_GT(points, 100U);
 }
 
 TEST(FailingHostAtStart, leavesNothingRegistered) {

@@ -44,6 +44,15 @@ TEST_F(UnloadedPlugIn, bearsMessagesInAnyOrder) {
     EXPECT_TRUE(plugIn.misdeeds().empty());
 }
 
+TEST_F(UnloadedPlugIn, startsAgainWithEveryFunction) {
+    for (const bool withShutdown : {false, true, true}) {
+        EXPECT_EQ(plugIn.init(), 60);
+        EXPECT_EQ(plugIn.functions().size(), 25U);
+        EXPECT_TRUE(plugIn.refusedRegistrations().empty());
+        if (withShutdown) plugIn.shutdown();
+    }
+}
+
 TEST_F(UnloadedPlugIn, takesBackWhatItRegisteredWhenOneRegistrationFails) {
     session.functions()->add({.name = u"Kestrel_SetScriptShortcut",
                               .minimum = 0,

@@ -198,11 +198,11 @@ Finding callsUnderFaults(Running& running, const RegisteredFunction& function, c
         callOnce(running, function, arguments);
         const bool fired = faults().fired();
         faults().disarm();
-        const std::string where =
-            toUtf8(function.name) + ", when host call " + std::to_string(nth) + " fails";
-        if (const Finding finding = running.misdeed(); !finding.empty()) return where + ": " + finding;
-        if (const ObjectCounts kept = objectCounts() - before; kept.total() > 0)
-            return where + ", keeps " + kept.describe();
+        Finding finding = running.misdeed();
+        if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
+            finding = "it keeps " + kept.describe();
+        if (!finding.empty())
+            return toUtf8(function.name) + ", when host call " + std::to_string(nth) + " fails: " + finding;
         if (!fired) return {};
     }
     return {};

@@ -88,7 +88,7 @@ void FM_CharacterStyle_SetFontInformation(void* _self, fmx::CharacterStyle::Font
         style.setSize(size);
     });
 }
-void FM_CharacterStyle_GetFontInformation(const void* _self, fmx::CharacterStyle::FontID& font,
+void FM_CharacterStyle_GetFontInformation(void* _self, fmx::CharacterStyle::FontID& font,
                                           fmx::CharacterStyle::Face& face,
                                           fmx::CharacterStyle::FontSize& size, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] {

@@ -17,7 +17,7 @@ namespace host::gate {
 template<class Answer, class Body>
 Answer call(fmx::_fmxcpt& slot, Answer fallback, Body&& body) {
     slot.m_code = faults().next();
-    if (slot.m_code != fmx::_fmxcpt::kNoError) return fallback;
+    if (slot.m_code != 0) return fallback;
     try {
         return std::forward<Body>(body)();
     } catch (const std::bad_alloc&) {
@@ -70,7 +70,7 @@ Opaque* construct(fmx::_fmxcpt& slot, Body&& body) {
 /// Takes an object back. This never fails, and null is nothing.
 template<class Value, ObjectClass which>
 void destroy(void* object, fmx::_fmxcpt& slot) {
-    slot.m_code = fmx::_fmxcpt::kNoError;
+    slot.m_code = 0;
     if (object == nullptr) return;
     objectCounts().remove(which);
     delete static_cast<Value*>(object);

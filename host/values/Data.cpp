@@ -10,8 +10,8 @@ namespace {
 constexpr std::array<std::string_view, 8> typeWords{"",     "Text",      "Number",    "Date",
                                                     "Time", "Timestamp", "Container", "Boolean"};
 
-/// The digits, the first point and a minus before them; anything else is passed over. A number has at most
-/// 800 digits; further ones are passed over too.
+/// The digits, the first point and a minus anywhere before both; anything else is passed over. A number has
+/// at most 800 digits; further ones are passed over too.
 std::optional<Decimal> numberIn(std::u16string_view text) {
     constexpr std::size_t mostDigits = 800;
     std::u16string digits;
@@ -192,6 +192,11 @@ void Data::setNumber(Decimal number, DataType nativeType) {
 void Data::setDateTime(DateTime value, DataType type, DataType nativeType) {
     if (type == DataType::date) value.micros = 0;
     if (type == DataType::time) value.days = 0;
+    // A time past midnight belongs to another day, as far as the calendar goes.
+    if (value.hasValidDate() && (!isDateTime(type) || type == DataType::timestamp))
+        if (const auto moment = DateTime::fromMicrosSinceEpoch(value.microsSinceEpoch());
+            moment.hasValidDate())
+            value = moment;
     hold(value, isDateTime(type) ? type : DataType::timestamp, nativeType);
 }
 
@@ -202,6 +207,7 @@ void Data::setBinary(Binary value, bool forceBinaryType) {
 void Data::clear(DataType type) { hold(Text(), DataType::text, type); }
 
 bool Data::convert(DataType type) {
+    if (type != DataType::invalid && typeWord(type).empty()) return false;
     if (type == DataType::text) {
         setText(Text(asText()));
     } else if (isDateTime(type)) {

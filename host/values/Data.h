@@ -33,7 +33,7 @@ public:
     explicit Data(Text text) : value_(std::move(text)), type_(DataType::text) {}
     explicit Data(Decimal number)
         : value_(std::move(number)), type_(DataType::number), held_(DataType::number) {}
-    Data(DateTime value, DataType type) : value_(value), type_(type), held_(type) {}
+    Data(DateTime value, DataType type) { setDateTime(value, type, type); }
     explicit Data(Binary value)
         : value_(std::move(value)), type_(DataType::binary), held_(DataType::binary) {}
     static Data boolean(bool value) { return Data(Decimal(value ? 1 : 0)); } ///< calculations answer 1 and 0
@@ -45,8 +45,9 @@ public:
     [[nodiscard]] bool isEmpty() const;
 
     [[nodiscard]] const Text& asText() const;
-    /// A text's digits, first point and leading minus, the rest ignored; empty (and asNumber 0) when it has
-    /// none.
+    /// A text's digits, first point and leading minus (anywhere before the first digit or point: "a-5" and
+    /// "-a5" are -5, "5-" is 5), the rest ignored; no number (and asNumber 0) when it has no digit or would
+    /// reach 10^400. A date is its day count, a time its seconds, a timestamp its seconds since the epoch.
     [[nodiscard]] const Decimal& asNumber() const;
     [[nodiscard]] std::optional<Decimal> number() const; ///< the same, nothing when there is no number
     [[nodiscard]] const DateTime& asDate() const;
@@ -62,10 +63,12 @@ public:
     /// Each changes value and type, not the locale. `nativeType` is what the value then says it is.
     void setText(Text text, DataType nativeType = DataType::text);
     void setNumber(Decimal number, DataType nativeType = DataType::number);
+    /// A date loses its time and a time its date; a timestamp's time past midnight moves its date.
     void setDateTime(DateTime value, DataType type, DataType nativeType);
     void setBinary(Binary value, bool forceBinaryType = true);
     void clear(DataType type = DataType::invalid);
-    /// Converts in place; false (and unchanged) when there is no such reading.
+    /// Converts in place; false (and unchanged) when there is no such reading. A text without a number
+    /// becomes an empty number: one that is held as empty text.
     bool convert(DataType type);
 
     /// Type, content, looks and locale alike.

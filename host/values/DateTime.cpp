@@ -46,7 +46,7 @@ std::u16string_view trimmed(std::u16string_view text) {
 }
 
 Fields fieldsOf(std::u16string_view text) {
-    constexpr std::size_t widest = 12;
+    constexpr std::size_t widest = 12, mostFields = 4;
     Fields fields;
     text = trimmed(text);
     if (!text.empty() && text.front() == u'-') {
@@ -55,7 +55,7 @@ Fields fieldsOf(std::u16string_view text) {
     }
     while (fields.good) {
         const std::size_t size = std::min(text.find_first_not_of(u"0123456789"), text.size());
-        if (size == 0 || size > widest) {
+        if (size == 0 || size > widest || fields.numbers.size() == mostFields) {
             fields.good = false;
             break;
         }
@@ -102,7 +102,7 @@ DateTime::Date DateTime::date() const {
 bool DateTime::isLeapYear() const { return std::chrono::year(date().year).is_leap(); }
 
 // Day 0 was a Monday.
-int DateTime::dayOfWeek() const { return static_cast<int>(((days + 1) % 7 + 7) % 7) + 1; }
+int DateTime::dayOfWeek() const { return static_cast<int>((days % 7 + 8) % 7) + 1; }
 
 int DateTime::dayOfYear() const {
     const auto january1 = dayNumber(std::chrono::year(date().year) / 1 / 1);
@@ -122,8 +122,12 @@ int DateTime::microsecond() const { return static_cast<int>(std::abs(micros % mi
 
 DateTime DateTime::fromMicrosSinceEpoch(std::int64_t micros) {
     std::int64_t days = micros / microsPerDay;
-    if (micros % microsPerDay < 0) --days;
-    return {.days = days, .micros = micros - days * microsPerDay};
+    std::int64_t rest = micros % microsPerDay;
+    if (rest < 0) {
+        --days;
+        rest += microsPerDay;
+    }
+    return {.days = days, .micros = rest};
 }
 
 std::optional<DateTime> DateTime::fromDate(std::int64_t year, std::int64_t month, std::int64_t day) {
@@ -184,7 +188,7 @@ std::optional<DateTime> DateTime::parseTime(std::u16string_view text) {
     const std::int64_t minutes = fields.numbers[1], seconds = count > 2 ? fields.numbers[2] : 0;
     if (hours > mostHours || minutes > 59 || seconds > 59) return std::nullopt;
     if (half != 0) {
-        if (hours < 1 || hours > 12) return std::nullopt;
+        if (hours < 1 || hours > 12 || fields.negative) return std::nullopt;
         hours = hours % 12 + (half == 'p' ? 12 : 0);
     }
     std::int64_t micros = ((hours * 60 + minutes) * 60 + seconds) * microsPerSecond;

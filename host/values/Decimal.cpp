@@ -1,5 +1,7 @@
 #include "host/values/Decimal.h"
 
+#include <boost/multiprecision/cpp_dec_float.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -13,6 +15,9 @@ namespace host {
 namespace {
 
 using Integer = Decimal::Integer;
+/// Its exponents reach far past a double's, as a Decimal's magnitudes do.
+using Float =
+    boost::multiprecision::number<boost::multiprecision::cpp_dec_float<100>, boost::multiprecision::et_off>;
 
 Integer powerOfTen(int exponent) {
     return boost::multiprecision::pow(Integer(10), static_cast<unsigned>(exponent));
@@ -26,7 +31,7 @@ Integer divided(const Integer& number, const Integer& divisor, bool cut) {
     return quotient;
 }
 
-/// 10^400 times 10^400: no mantissa of a number in range reaches it.
+/// 10^400, which no magnitude reaches.
 const Integer& magnitudeLimit() {
     static const Integer limit = powerOfTen(Decimal::maximumIntegerDigits);
     return limit;
@@ -119,11 +124,10 @@ std::optional<Decimal> Decimal::parse(std::u16string_view text) {
 }
 
 void Decimal::setPrecision(int precision) {
-    precision_ = std::clamp(precision, minimumPrecision, maximumPrecision);
-    if (scale_ > precision_) {
-        mantissa_ = divided(mantissa_, powerOfTen(scale_ - precision_), false);
-        scale_ = precision_;
-    }
+    const int kept = std::clamp(precision, minimumPrecision, maximumPrecision);
+    // Rounding up may carry a number over the limit.
+    *this = scale_ > kept ? of(divided(mantissa_, powerOfTen(scale_ - kept), false), kept, kept)
+                          : of(std::move(mantissa_), scale_, kept);
 }
 
 Decimal Decimal::plus(const Decimal& other) const {
@@ -162,24 +166,43 @@ Decimal Decimal::negated() const {
 }
 
 std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
-    if (exponent.isZero()) return Decimal(1, precision_);
-    if (isZero()) return exponent.sign() > 0 ? std::optional(Decimal(0, precision_)) : std::nullopt;
-    const std::int64_t whole = exponent.toInt64();
-    if (exponent == Decimal(whole)) {
-        const Decimal one(1, precision_);
-        // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and
-        // 1 and -1 never grow.
-        Decimal result = one, square = *this;
-        for (std::uint64_t left = static_cast<std::uint64_t>(std::abs(whole)); left > 0; left /= 2) {
-            if (left % 2 == 1) result = result.times(square);
-            if (left > 1) square = square.times(square);
-        }
-        return whole < 0 ? one.dividedBy(result) : result;
-    }
+    const int precision = std::max(precision_, exponent.precision_);
+    if (exponent.isZero()) return Decimal(1, precision);
+    if (isZero()) return exponent.sign() > 0 ? std::optional(Decimal(0, precision)) : std::nullopt;
+    if (exponent.truncated(0) == exponent) return wholePower(exponent).withPrecision(precision);
     if (sign() < 0) return std::nullopt;
-    const double approximate = std::pow(toDouble(), exponent.toDouble());
-    if (!std::isfinite(approximate)) throw std::overflow_error("a power would reach 10^400");
-    return fromDouble(approximate, precision_);
+    return fractionalPower(exponent).withPrecision(precision);
+}
+
+/// Every step keeps all places that there are: rounding to fewer would grow with the exponent, and a small
+/// base would vanish before its reciprocal is taken.
+Decimal Decimal::wholePower(const Decimal& exponent) const {
+    Decimal square = withPrecision(maximumPrecision), result(1, maximumPrecision);
+    if (exponent.sign() < 0) square = result.dividedBy(square).value_or(Decimal());
+    // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and 1
+    // and -1 never grow.
+    for (Integer left = abs(exponent.truncated(0).mantissa_); left > 0; left /= 2) {
+        if (bit_test(left, 0)) result = result.times(square);
+        if (left > 1) square = square.times(square);
+    }
+    return result;
+}
+
+Decimal Decimal::fractionalPower(const Decimal& exponent) const {
+    const auto wide = [](const Decimal& number) {
+        return Float(number.mantissa_.str() + "e-" + std::to_string(number.scale_));
+    };
+    const Float logarithm = wide(exponent) * log(wide(*this));
+    const Float limit = maximumIntegerDigits * log(Float(10));
+    if (logarithm >= limit) throw std::overflow_error("a power would reach 10^400");
+    if (logarithm < -limit - 1) return {};
+    // The last ten digits are rounding errors: logarithm and exponential lose as many as 921, the largest
+    // logarithm, has, and some.
+    constexpr int goodDigits = 90;
+    const std::string digits = Float(exp(logarithm)).str(goodDigits - 1, std::ios_base::scientific);
+    const auto result = parse(std::u16string(digits.begin(), digits.end()));
+    if (!result) throw std::overflow_error("a power would reach 10^400");
+    return *result;
 }
 
 std::optional<Decimal> Decimal::squareRoot() const {

@@ -26,11 +26,11 @@ public:
     /// Seventeen significant digits of a finite value; not-a-number and infinities throw std::range_error.
     static Decimal fromDouble(double value, int precision = minimumPrecision);
     /// An optional minus, digits, at most one point, an optional exponent ("1e5", "-.5"), nothing else;
-    /// digits behind the 400th place are rounded. Nothing for any other text. The precision grows to the
-    /// places read.
+    /// digits behind the 400th place are rounded. Nothing for any other text, one longer than 2,000 units or
+    /// a magnitude out of range. The precision grows to the places read.
     static std::optional<Decimal> parse(std::u16string_view text);
 
-    /// Clamped to 16…400. A smaller precision rounds the value.
+    /// Clamped to 16…400. A smaller precision rounds the value half away from zero.
     void setPrecision(int precision);
     [[nodiscard]] int precision() const { return precision_; }
 
@@ -41,7 +41,9 @@ public:
     /// Nothing when the divisor is zero.
     [[nodiscard]] std::optional<Decimal> dividedBy(const Decimal& other) const;
     [[nodiscard]] Decimal negated() const;
-    /// Nothing where no real result exists (0 to a negative power, a root of a negative number).
+    /// Nothing where no real result exists (0 to a negative power, a root of a negative number). Whole
+    /// exponents of any size are exact but for the rounding of places past the 400th; others give ninety
+    /// significant digits (fewer for a base closer to 1 than 10^-10).
     [[nodiscard]] std::optional<Decimal> power(const Decimal& exponent) const;
     [[nodiscard]] std::optional<Decimal> squareRoot() const;
     /// Rounded half away from zero, or cut, to `places` behind the point (negative: before it).
@@ -67,6 +69,8 @@ private:
     static Decimal of(Integer mantissa, int scale, int precision);
     [[nodiscard]] Decimal withPrecision(int precision) const;
     [[nodiscard]] Decimal toPlaces(int places, bool cut) const;
+    [[nodiscard]] Decimal wholePower(const Decimal& exponent) const;
+    [[nodiscard]] Decimal fractionalPower(const Decimal& exponent) const;
 
     Integer mantissa_ = 0; ///< value times 10^scale_
     int scale_ = 0;        ///< 0…400

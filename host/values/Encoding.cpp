@@ -2,16 +2,18 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <memory>
-#include <new>
+#include <span>
 #include <stdexcept>
 #include <unicode/ucnv.h>
+#include <utility>
 
 namespace host {
 
 namespace {
 
-Encoding nativeChoice = Encoding::asciiMac;
+std::atomic<Encoding> nativeChoice = Encoding::asciiMac;
 
 /// ICU's names, in the order of the interface's numbers.
 constexpr std::array<const char*, 8> converterNames{"macintosh", "UTF-8",      "IBM437",    "windows-1252",
@@ -25,16 +27,65 @@ using Converter = std::unique_ptr<UConverter, CloseConverter>;
 /// One converter an encoding and thread; opening one costs far more than converting a short text.
 UConverter* converterFor(Encoding encoding) {
     thread_local std::array<Converter, converterNames.size()> converters;
-    if (encoding == Encoding::native) encoding = nativeChoice;
     const auto index = static_cast<std::size_t>(encoding);
     if (!converters[index]) {
         UErrorCode status = U_ZERO_ERROR;
-        converters[index].reset(ucnv_open(converterNames[index], &status));
-        if (encoding != Encoding::utf8) ucnv_setSubstString(converters[index].get(), u"?", 1, &status);
+        Converter opened(ucnv_open(converterNames[index], &status));
+        if (encoding != Encoding::utf8) ucnv_setSubstString(opened.get(), u"?", 1, &status);
         if (U_FAILURE(status)) throw std::runtime_error("ICU has no converter of that name");
+        converters[index] = std::move(opened);
     }
     ucnv_reset(converters[index].get());
     return converters[index].get();
+}
+
+Encoding meantBy(Encoding encoding) { return encoding == Encoding::native ? nativeEncoding() : encoding; }
+
+/// ICU's tables of some encodings are IBM's, where three control characters have changed places.
+struct MovedControl {
+    char16_t unit, unitInTable;
+};
+constexpr std::array<MovedControl, 3> movedControls{{{0x1A, 0x1C}, {0x1C, 0x7F}, {0x7F, 0x1A}}};
+
+bool hasMovedControls(Encoding encoding) {
+    return encoding == Encoding::asciiDos || encoding == Encoding::shiftJisMac ||
+           encoding == Encoding::shiftJisWin;
+}
+
+void exchange(std::span<char16_t> units, char16_t MovedControl::* from, char16_t MovedControl::* to) {
+    for (char16_t& unit : units) {
+        const auto moved = std::find_if(movedControls.begin(), movedControls.end(),
+                                        [&](const MovedControl& row) { return row.*from == unit; });
+        if (moved != movedControls.end()) unit = (*moved).*to;
+    }
+}
+
+/// Converters are fed in pieces, as they refuse sources and buffers of a gigabyte.
+constexpr std::size_t pieceSize = 1024;
+
+/// Hands the encoded bytes to `take` in pieces, as long as it answers that it wants more.
+template<class Take>
+void encodePieces(std::u16string_view units, Encoding encoding, const Take& take) {
+    encoding = meantBy(encoding);
+    UConverter* converter = converterFor(encoding);
+    std::array<char16_t, pieceSize> piece{};
+    std::array<char, pieceSize * 4> bytes{};
+    while (!units.empty()) {
+        const std::size_t size = units.copy(piece.data(), piece.size());
+        units.remove_prefix(size);
+        if (hasMovedControls(encoding))
+            exchange({piece.data(), size}, &MovedControl::unit, &MovedControl::unitInTable);
+        const char16_t* source = piece.data();
+        UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
+        while (status == U_BUFFER_OVERFLOW_ERROR) {
+            status = U_ZERO_ERROR;
+            char* target = bytes.data();
+            ucnv_fromUnicode(converter, &target, bytes.data() + bytes.size(), &source, piece.data() + size,
+                             nullptr, static_cast<UBool>(units.empty()), &status);
+            if (!take(std::string_view(bytes.data(), static_cast<std::size_t>(target - bytes.data()))))
+                return;
+        }
+    }
 }
 
 } // namespace
@@ -52,47 +103,45 @@ void setNativeEncoding(Encoding encoding) {
 Encoding nativeEncoding() { return nativeChoice; }
 
 std::u16string decode(std::string_view bytes, Encoding encoding) {
+    encoding = meantBy(encoding);
     UConverter* converter = converterFor(encoding);
-    std::u16string units(bytes.size() + 1, u'\0');
-    const char* source = bytes.data();
-    std::size_t written = 0;
-    for (;;) {
-        UErrorCode status = U_ZERO_ERROR;
-        char16_t* target = units.data() + written;
-        ucnv_toUnicode(converter, &target, units.data() + units.size(), &source, bytes.data() + bytes.size(),
-                       nullptr, 1, &status);
-        written = static_cast<std::size_t>(target - units.data());
-        if (status != U_BUFFER_OVERFLOW_ERROR) break;
-        units.resize(units.size() * 2);
+    std::u16string units;
+    units.reserve(bytes.size());
+    std::array<char16_t, pieceSize> piece{};
+    while (!bytes.empty()) {
+        const char* source = bytes.data();
+        const char* sourceEnd = source + std::min(bytes.size(), pieceSize);
+        bytes.remove_prefix(static_cast<std::size_t>(sourceEnd - source));
+        UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
+        while (status == U_BUFFER_OVERFLOW_ERROR) {
+            status = U_ZERO_ERROR;
+            char16_t* target = piece.data();
+            ucnv_toUnicode(converter, &target, piece.data() + piece.size(), &source, sourceEnd, nullptr,
+                           static_cast<UBool>(bytes.empty()), &status);
+            units.append(piece.data(), target);
+        }
     }
-    units.resize(written);
+    if (hasMovedControls(encoding)) exchange(units, &MovedControl::unitInTable, &MovedControl::unit);
     return units;
 }
 
 std::size_t encodeInto(std::u16string_view units, Encoding encoding, char* out, std::size_t capacity) {
-    UConverter* converter = converterFor(encoding);
-    const char16_t* source = units.data();
     std::size_t written = 0;
-    // A converter stops before a character that does not fit whole, or keeps its rest back; by way of a small
-    // buffer the cut falls at a byte.
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        UErrorCode status = U_ZERO_ERROR;
-        char* target = buffer.data();
-        ucnv_fromUnicode(converter, &target, buffer.data() + buffer.size(), &source,
-                         units.data() + units.size(), nullptr, 1, &status);
-        const auto size = std::min(static_cast<std::size_t>(target - buffer.data()), capacity - written);
-        std::copy_n(buffer.data(), size, out + written);
-        written += size;
-        if (status != U_BUFFER_OVERFLOW_ERROR || written == capacity) return written;
-    }
+    encodePieces(units, encoding, [&](std::string_view bytes) {
+        written += bytes.copy(out + written, capacity - written);
+        return written < capacity;
+    });
+    return written;
 }
 
 std::string encode(std::u16string_view units, Encoding encoding) {
-    constexpr std::size_t mostBytesPerUnit = 4;
-    std::string bytes(units.size() * mostBytesPerUnit, '\0');
-    bytes.resize(encodeInto(units, encoding, bytes.data(), bytes.size()));
-    return bytes;
+    std::string result;
+    result.reserve(units.size());
+    encodePieces(units, encoding, [&](std::string_view bytes) {
+        result += bytes;
+        return true;
+    });
+    return result;
 }
 
 } // namespace host

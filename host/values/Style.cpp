@@ -27,6 +27,7 @@ void CharacterStyle::disableFont() {
 }
 
 void CharacterStyle::disableFace(std::uint16_t faces) {
+    faces = wholeTraits(faces);
     enabledFaces_ &= static_cast<std::uint16_t>(~faces);
     faces_ &= static_cast<std::uint16_t>(~faces);
 }
@@ -65,7 +66,7 @@ void CharacterStyle::apply(const CharacterStyle& other) {
     if (other.fontEnabled_) setFont(other.font_);
     if (other.sizeEnabled_) setSize(other.size_);
     if (other.colorEnabled_) setColor(other.color_);
-    disableFace(wholeTraits(other.enabledFaces_));
+    disableFace(other.enabledFaces_);
     enabledFaces_ |= other.faces_;
     faces_ |= other.faces_;
 }
@@ -74,7 +75,7 @@ void CharacterStyle::remove(const CharacterStyle& other) {
     if (other.fontEnabled_) disableFont();
     if (other.sizeEnabled_) disableSize();
     if (other.colorEnabled_) disableColor();
-    disableFace(wholeTraits(other.enabledFaces_));
+    disableFace(other.enabledFaces_);
 }
 
 } // namespace host

@@ -21,6 +21,27 @@ auto runAt(Runs& runs, std::uint32_t position) {
                                       [](std::uint32_t at, const Text::Run& run) { return at < run.start; }));
 }
 
+/// Adds a run unless it continues the last one.
+void addRun(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& look) {
+    if (runs.empty() || runs.back().look != look) runs.push_back({start, look});
+}
+
+/// Puts `with`, which covers the same units, in the place of the runs from `first` up to `last`, and joins
+/// what is alike at both seams. Runs elsewhere are only moved, so that styling a text piece by piece stays
+/// cheap.
+void replaceRuns(std::vector<Text::Run>& runs, std::ptrdiff_t first, std::ptrdiff_t last,
+                 std::vector<Text::Run> with) {
+    const auto begin = runs.begin();
+    if (last < std::ssize(runs) && begin[last].look == with.back().look) ++last;
+    if (first > 0 && begin[first - 1].look == with.front().look) with.erase(with.begin());
+    const std::ptrdiff_t kept = std::min(std::ssize(with), last - first);
+    const auto at = std::copy_n(with.begin(), kept, begin + first);
+    if (kept < last - first)
+        runs.erase(at, begin + last);
+    else
+        runs.insert(at, with.begin() + kept, with.end());
+}
+
 void checkSize(std::size_t units) {
     if (units > mostUnits) throw std::length_error("a text would outgrow 2^31 units");
 }
@@ -58,23 +79,33 @@ void Text::append(const Text& source, std::uint32_t position, std::uint32_t size
     units_.append(source.units_, position, size);
     for (auto run = runAt(source.runs_, position); run != source.runs_.end() && run->start < position + size;
          ++run)
-        if (runs_.empty() || runs_.back().look != run->look)
-            runs_.push_back({base + std::max(run->start, position) - position, run->look});
+        addRun(runs_, base + std::max(run->start, position) - position, run->look);
 }
 
 void Text::append(std::u16string_view units, const RunStyle& look) {
     if (units.empty()) return;
     checkSize(units_.size() + units.size());
-    if (runs_.empty() || runs_.back().look != look) runs_.push_back({size(), look});
+    const std::uint32_t base = size();
     units_.append(units);
+    addRun(runs_, base, look);
 }
 
 void Text::insert(const Text& source, std::uint32_t position) {
     if (position >= size()) return append(source);
-    Text whole = substring(0, position);
-    whole.append(source);
-    whole.append(*this, position);
-    *this = std::move(whole);
+    if (source.empty()) return;
+    if (&source == this) return insert(Text(source), position);
+    checkSize(units_.size() + source.units_.size());
+    const auto split = runAt(runs_, position);
+    std::vector<Run> around;
+    around.reserve(source.runs_.size() + 2);
+    if (split->start < position) around.push_back(*split);
+    for (const Run& run : source.runs_)
+        addRun(around, position + run.start, run.look);
+    addRun(around, position + source.size(), split->look);
+    units_.insert(position, source.units_);
+    std::for_each(std::next(split), runs_.end(), [&](Run& run) { run.start += source.size(); });
+    const std::ptrdiff_t index = split - runs_.begin();
+    replaceRuns(runs_, index, index + 1, std::move(around));
 }
 
 void Text::erase(std::uint32_t position, std::uint32_t size) {
@@ -92,23 +123,18 @@ void Text::changeRange(std::uint32_t position, std::uint32_t size, const Change&
     if (position >= this->size() || size == 0) return;
     size = std::min(size, this->size() - position);
     const std::uint32_t stop = position + size;
+    const auto first = runAt(runs_, position);
+    const auto last = std::next(runAt(runs_, stop - 1));
     std::vector<Run> changed;
-    changed.reserve(runs_.size() + 2);
-    const auto add = [&](std::uint32_t start, const RunStyle& look) {
-        if (changed.empty() || changed.back().look != look) changed.push_back({start, look});
-    };
-    for (std::size_t i = 0; i < runs_.size(); ++i) {
-        const std::uint32_t start = runs_[i].start;
-        const std::uint32_t runEnd = i + 1 < runs_.size() ? runs_[i + 1].start : this->size();
-        if (start < position) add(start, runs_[i].look);
-        if (runEnd > position && start < stop) {
-            RunStyle look = runs_[i].look;
-            change(look);
-            add(std::max(start, position), look);
-        }
-        if (runEnd > stop) add(std::max(start, stop), runs_[i].look);
+    if (first->start < position) changed.push_back(*first);
+    for (auto run = first; run != last; ++run) {
+        RunStyle look = run->look;
+        change(look);
+        addRun(changed, std::max(run->start, position), look);
     }
-    runs_ = std::move(changed);
+    const std::uint32_t lastEnd = last == runs_.end() ? this->size() : last->start;
+    if (stop < lastEnd) addRun(changed, stop, std::prev(last)->look);
+    replaceRuns(runs_, first - runs_.begin(), last - runs_.begin(), std::move(changed));
 }
 
 void Text::applyStyle(const CharacterStyle& style, std::uint32_t position, std::uint32_t size) {

@@ -19,21 +19,28 @@ public:
     bool operator==(const BinaryData& that) const;
     bool operator!=(const BinaryData& that) const;
     int32 GetCount() const;
+    /// -1 when there is no stream of that kind.
     int32 GetIndex(const QuadChar& dataType) const;
+    /// Sizes are in bytes.
     uint32 GetTotalSize() const;
+    /// Here and in GetSize an index out of range raises error 2.
     void GetType(int32 index, QuadChar& dataType) const;
     uint32 GetSize(int32 index) const;
     /// Not 0 where the range does not lie within the stream.
     errcode GetData(int32 index, uint32 offset, uint32 amount, void* buffer) const;
+    /// Copies `amount` bytes; replaces a stream of the same kind.
     errcode Add(const QuadChar& dataType, uint32 amount, void* buffer);
+    /// False when there was no stream of that kind.
     bool Remove(const QuadChar& dataType);
     void RemoveAll();
+    /// The file name, kept beside the streams.
     errcode GetFNAMData(Text& filename) const;
     errcode AddFNAMData(const Text& filename);
 
     static void operator delete(void* _self);
 
 private:
+    friend class BinaryDataUniquePtr;
     BinaryData();
     BinaryData(const BinaryData&);
 };

@@ -27,8 +27,9 @@ public:
     bool IsEmpty() const;
     /// Adds a copy.
     void PushBack(const Data& value);
-    /// The caller owns it.
+    /// Takes the last value out; the caller owns it and deletes it.
     Data* PopBack();
+    /// References stay valid as long as neither the vector nor the value is changed.
     const Data& At(uint32 position) const;
     const Text& AtAsText(uint32 position) const;
     const FixPt& AtAsNumber(uint32 position) const;
@@ -41,21 +42,24 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class DataVectUniquePtr;
     DataVect();
     DataVect(const DataVect&);
     DataVect& operator=(const DataVect&);
 };
 
-/// The rows of an SQL answer.
+/// The rows of an SQL answer, from 0. A position out of range raises error 2.
 class RowVect {
 public:
     uint32 Size() const;
     bool IsEmpty() const;
+    /// Valid as long as the rows are.
     const DataVect& At(uint32 position) const;
 
     static void operator delete(void* _self);
 
 private:
+    friend class RowVectUniquePtr;
     RowVect();
     RowVect(const RowVect&);
     RowVect& operator=(const RowVect&);
@@ -85,6 +89,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class ExprEnvUniquePtr;
     ExprEnv();
     ExprEnv(const ExprEnv&);
     ExprEnv& operator=(const ExprEnv&);
@@ -102,7 +107,7 @@ public:
     RowVectUniquePtr();
 };
 
-/// Owns a ExprEnv and gives it back to the host.
+/// Owns an ExprEnv and gives it back to the host.
 class ExprEnvUniquePtr : public std::unique_ptr<ExprEnv> {
 public:
     ExprEnvUniquePtr();

@@ -10,10 +10,10 @@ namespace fmx {
 /// The error slot, the last argument of every host call. Host functions throw nothing: they put a code here,
 /// and the inline classes turn it into an exception.
 struct _fmxcpt {
-    enum { kNoError = 0, kBadAlloc = 1, kUnknown = 2 };
+    enum { kBadAlloc = 1, kUnknown = 2 };
 
     int32 m_vers = 1;
-    int32 m_code = kNoError;
+    int32 m_code = 0;
 
     /// Throws std::bad_alloc for code 1 and std::exception for code 2.
     void Check() const {

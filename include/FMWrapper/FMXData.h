@@ -37,13 +37,16 @@ public:
     bool IsFindRequest() const;
     void Clear(DataType newType = kDTInvalid);
     void ConvertData(DataType dataType);
+    /// Fonts are those of the environment's file; kInvalidFont when it knows no such font.
     CharacterStyle::FontID GetFontID(const Text& displayName, CharacterStyle::FontScript script,
                                      const ExprEnv& env) const;
     CharacterStyle::FontID GetFontID(const Text& postscriptName, const ExprEnv& env) const;
-    /// False when the file knows no such font.
+    /// False when the file knows no such font, and then the name is as it was. Current hosts mark the form
+    /// with the script as deprecated; it is still there.
     bool GetFontInfo(CharacterStyle::FontID font, Text& displayName, CharacterStyle::FontScript& script,
                      const ExprEnv& env) const;
     bool GetFontInfo(CharacterStyle::FontID font, Text& postscriptName, const ExprEnv& env) const;
+    /// A value without a reading of the wanted type reads as that type's empty value.
     const Text& GetAsText() const;
     const FixPt& GetAsNumber() const;
     const DateTime& GetAsDate() const;
@@ -53,6 +56,7 @@ public:
     const BinaryData& GetBinaryData() const;
     const Locale& GetLocale() const;
     DataType GetNativeType() const;
+    /// The value is copied. `nativeType` is what this value then says it is.
     errcode SetAsText(const Text& text, const Locale& locale, DataType nativeType = kDTText);
     void SetAsNumber(const FixPt& number, DataType nativeType = kDTNumber);
     void SetAsDate(const DateTime& date, DataType nativeType = kDTDate);
@@ -64,6 +68,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class DataUniquePtr;
     Data();
     Data(const Data&);
     Data& operator=(const Data&);

@@ -17,11 +17,17 @@ class DateTime {
 public:
     bool operator==(const DateTime& that) const;
     bool operator!=(const DateTime& that) const;
+    /// The present moment, local time.
     void Now();
+    /// 1 or 0.
     int16 IsLeapYear() const;
+    /// From 1, Sunday.
     int16 DayOfWeek() const;
+    /// From 1, January 1.
     int16 DayOfYear() const;
+    /// From 1, the week of January 1; weeks begin on Sunday.
     int16 WeekOfYear() const;
+    /// Takes over the date alone, the time alone.
     void SetDate(const DateTime& that);
     void SetTime(const DateTime& that);
     void SetDaysSinceEpoch(int64 days);
@@ -31,6 +37,7 @@ public:
     /// calendar.
     errcode SetNormalizedDate(int16 month, int16 day, int16 year);
     errcode SetNormalizedDate(const FixPt& year, const FixPt& month, const FixPt& day);
+    /// Minutes and seconds past 59 carry over; hours may pass 23, for a span of time.
     errcode SetNormalizedTime(int64 hour, int16 minute, int16 second, int32 usec = 0);
     errcode SetNormalizedTime(const FixPt& hour, const FixPt& minute, const FixPt& second);
     int16 GetYear() const;
@@ -40,7 +47,10 @@ public:
     int16 GetSec() const;
     int32 GetDaysSinceEpoch() const;
     int32 GetHour() const;
+    /// Microseconds within the second.
     int32 GetUSec() const;
+    /// These three read into a number of the caller's: seconds of the minute with their fraction, since
+    /// midnight, and since the epoch.
     void GetSeconds(FixPt& seconds) const;
     void GetSecsSinceMidnight(FixPt& seconds) const;
     void GetSecondsSinceEpoch(FixPt& seconds) const;
@@ -48,6 +58,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class DateTimeUniquePtr;
     DateTime();
     DateTime(const DateTime&);
     DateTime& operator=(const DateTime&);

@@ -70,7 +70,7 @@ FMX_PROCPTR(void, FMX_ExternCallProc)(FMX_ExternCallPtr);
 /// script).
 FMX_PROCPTR(FMX_ErrorCode, FMX_StartScriptCall)
 (const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl control, const FMX_Data* parameter);
-/// Makes an environment of the plug-in's that of the file in front.
+/// Makes an environment of the plug-in's that of the file in front; 100 when no file is open.
 FMX_PROCPTR(FMX_ErrorCode, FMX_CurrentEnvCall)(FMX_ExprEnv* env);
 
 /// The call block. The host's; valid while the message is handled.
@@ -151,6 +151,7 @@ void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb);
 
 } // extern "C"
 
+/// The callbacks, through the call block at hand: on the host's thread, and not while its unsafeCalls is set.
 #define FMX_StartScript(file, script, control, parameter)                                                    \
     gFMX_ExternCallPtr->cStartScript((file), (script), (control), (parameter))
 #define FMX_SetToCurrentEnv(env) gFMX_ExternCallPtr->cCurrentEnv((env))

@@ -12,11 +12,13 @@
 
 namespace fmx {
 
-/// Precision is in decimal digits, 16 to 400.
+/// Precision counts the decimal digits behind the point; it is held within 16 to 400. A result too large to
+/// be represented raises error 2.
 class FixPt {
 public:
     void AssignInt(int32 value);
     void AssignInt64(int64 value);
+    /// Not-a-number and the infinities raise error 2.
     void AssignDouble(double value);
     void AssignFixPt(const FixPt& that);
     bool operator==(const FixPt& that) const;
@@ -31,13 +33,17 @@ public:
     void Decrement64(int64 value);
     void Negate();
     int GetPrecision() const;
+    /// A smaller precision rounds the value.
     void SetPrecision(int precision);
+    /// `result` may be either operand; it takes the larger of their precisions.
     void Add(const FixPt& arg, FixPt& result) const;
     void Subtract(const FixPt& arg, FixPt& result) const;
     void Multiply(const FixPt& arg, FixPt& result) const;
-    /// Not 0 for a divisor of zero.
+    /// Not 0 for a divisor of zero, and then `result` is as it was.
     errcode Divide(const FixPt& arg, FixPt& result) const;
+    /// True for anything but zero.
     bool AsBool() const;
+    /// Cut towards zero, and held at the limits of the type.
     int32 AsLong() const;
     int64 AsLong64() const;
     double AsFloat() const;
@@ -45,6 +51,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class FixPtUniquePtr;
     FixPt();
     FixPt(const FixPt&);
     FixPt& operator=(const FixPt&);

@@ -16,15 +16,16 @@ namespace fmx {
 class Text {
 public:
     enum Encoding {
-        kEncoding_Native = 0,
+        kEncoding_Native = 0, ///< the platform's default, which need not be UTF-8
         kEncoding_UTF8,
         kEncoding_ASCII_DOS,
         kEncoding_ASCII_Windows,
-        kEncoding_ASCII_Mac,
+        kEncoding_ASCII_Mac, ///< Mac Roman
         kEncoding_ISO_8859_1,
         kEncoding_ShiftJIS_Mac,
         kEncoding_ShiftJIS_Win
     };
+    /// As a size, all that follows; as a position that is returned, not found.
     enum : uint32 { kSize_Invalid = 0xFFFFFFFF, kSize_End = 0xFFFFFFFF };
 
     uint32 GetSize() const;
@@ -45,22 +46,29 @@ public:
                       Encoding encoding = kEncoding_UTF8) const;
     /// Writes no terminating zero; `s` has room for `size` units.
     void GetUnicode(uint16* s, uint32 position, uint32 size) const;
-    /// Styles travel with the characters.
+    /// In these four, styles travel with the characters. `position` and `size` are of the text that is read
+    /// in SetText and AppendText, of this text in InsertText and DeleteText.
     void SetText(const Text& other, uint32 position = 0, uint32 size = kSize_End);
     void AppendText(const Text& other, uint32 position = 0, uint32 size = kSize_End);
     void InsertText(const Text& other, uint32 position);
     void DeleteText(uint32 position, uint32 size = kSize_End);
-    /// The position of a match, kSize_Invalid when there is none.
+    /// The first match at or after `position`, or, for the two Prev functions, the last at or before it;
+    /// kSize_Invalid when there is none.
     uint32 Find(const Text& other, uint32 position) const;
     uint32 FindPrev(const Text& other, uint32 position) const;
     uint32 FindIgnoringCase(const Text& other, uint32 position) const;
     uint32 FindPrevIgnoringCase(const Text& other, uint32 position) const;
+    /// In place; a character that becomes several keeps its style on all of them.
     void Uppercase();
     void Lowercase();
+    /// Reads into a style of the caller's; at or past the end, the default style.
     void GetStyle(CharacterStyle& style, uint32 position) const;
     void GetDefaultStyle(CharacterStyle& style) const;
+    /// Lays the enabled traits over a range; traits that are disabled stay as they are.
     void SetStyle(const CharacterStyle& style, uint32 position = 0, uint32 size = kSize_End);
+    /// Takes the enabled traits away from all of the text.
     void RemoveStyle(const CharacterStyle& style);
+    /// Takes every style away.
     void ResetAllStyleBuffers();
     /// Comparisons are of raw code units.
     bool operator==(const Text& that) const;
@@ -73,6 +81,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class TextUniquePtr;
     Text();
     Text(const Text&);
     Text& operator=(const Text&);

@@ -45,6 +45,7 @@ public:
         kFace_AllStyles = 0x7FFF
     };
 
+    /// Enabling a trait sets no value for it.
     void EnableFont();
     void EnableFace(Face face);
     void EnableSize();
@@ -55,6 +56,7 @@ public:
     void DisableSize();
     void DisableColor();
     void DisableAll();
+    /// A face that is several bits is enabled when all of them are.
     bool IsAllDisabled() const;
     bool IsFontEnabled() const;
     bool IsFaceEnabled(Face face) const;
@@ -62,11 +64,12 @@ public:
     bool IsSizeEnabled() const;
     bool IsColorEnabled() const;
     void SetFontInformation(FontID font, Face face, FontSize size);
-    void GetFontInformation(FontID& font, Face& face, FontSize& size) const;
+    void GetFontInformation(FontID& font, Face& face, FontSize& size);
     void SetFont(FontID font);
     void SetFace(Face face);
     void SetSize(FontSize size);
     void SetColor(const Color& color);
+    /// Font numbers are those of a file (see Data::GetFontID); kInvalidFont while the font is disabled.
     FontID GetFont() const;
     Face GetFace() const;
     FontSize GetSize() const;
@@ -79,6 +82,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class CharacterStyleUniquePtr;
     CharacterStyle();
     CharacterStyle(const CharacterStyle&);
 };
@@ -103,6 +107,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class ColorUniquePtr;
     Color();
     Color(const Color&);
 };
@@ -156,7 +161,7 @@ bool FM_CharacterStyle_IsColorEnabled(const void* _self, fmx::_fmxcpt& _x);
 void FM_CharacterStyle_SetFontInformation(void* _self, fmx::CharacterStyle::FontID font,
                                           fmx::CharacterStyle::Face face, fmx::CharacterStyle::FontSize size,
                                           fmx::_fmxcpt& _x);
-void FM_CharacterStyle_GetFontInformation(const void* _self, fmx::CharacterStyle::FontID& font,
+void FM_CharacterStyle_GetFontInformation(void* _self, fmx::CharacterStyle::FontID& font,
                                           fmx::CharacterStyle::Face& face,
                                           fmx::CharacterStyle::FontSize& size, fmx::_fmxcpt& _x);
 void FM_CharacterStyle_SetFont(void* _self, fmx::CharacterStyle::FontID font, fmx::_fmxcpt& _x);
@@ -286,7 +291,7 @@ inline void CharacterStyle::SetFontInformation(FontID font, Face face, FontSize 
     FM_CharacterStyle_SetFontInformation(this, font, face, size, _x);
     _x.Check();
 }
-inline void CharacterStyle::GetFontInformation(FontID& font, Face& face, FontSize& size) const {
+inline void CharacterStyle::GetFontInformation(FontID& font, Face& face, FontSize& size) {
     _fmxcpt _x;
     FM_CharacterStyle_GetFontInformation(this, font, face, size, _x);
     _x.Check();

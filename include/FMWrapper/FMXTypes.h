@@ -15,9 +15,10 @@ namespace fmx {
 /// Four bytes that name a plug-in's creator or a stream's kind.
 class QuadChar {
 public:
-    /// The byte at 0 to 3.
+    /// The byte at 0 to 3; any other place raises error 2.
     uchar operator[](int i);
     uchar operator[](int i) const;
+    /// Comparisons are of the bytes, the first one first.
     bool operator==(const QuadChar& that) const;
     bool operator!=(const QuadChar& that) const;
     bool operator<(const QuadChar& that) const;
@@ -32,6 +33,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class QuadCharUniquePtr;
     QuadChar();
     QuadChar(const QuadChar&);
 };
@@ -53,6 +55,7 @@ public:
     static void operator delete(void* _self);
 
 private:
+    friend class LocaleUniquePtr;
     Locale();
     Locale(const Locale&);
 };

@@ -3,7 +3,7 @@
 
 namespace {
 FMX_PROC(fmx::errcode) leak(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) try {
-    fmx::TextUniquePtr().release();
+    static_cast<void>(fmx::TextUniquePtr().release());
     return 0;
 } catch (const std::exception&) {
     return 1200;

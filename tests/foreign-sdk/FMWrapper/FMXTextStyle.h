@@ -53,7 +53,7 @@ public:
     bool IsSizeEnabled() const;
     bool IsColorEnabled() const;
     void SetFontInformation(FontID, Face, FontSize);
-    void GetFontInformation(FontID&, Face&, FontSize&) const;
+    void GetFontInformation(FontID&, Face&, FontSize&);
     void SetFont(FontID);
     void SetFace(Face);
     void SetSize(FontSize);

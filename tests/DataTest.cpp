@@ -1,0 +1,135 @@
+#include "host/values/Data.h"
+#include "host/values/Encoding.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+/// Conversions between the types of values, and what a value says of itself after them.
+
+namespace {
+
+using host::Binary;
+using host::Data;
+using host::DataType;
+using host::DateTime;
+using host::Decimal;
+using host::Text;
+
+Binary container() {
+    Binary binary;
+    binary.setFileName(Text(u"a7.txt"));
+    binary.add({{'F', 'I', 'L', 'E'}}, std::array{std::byte{1}, std::byte{2}});
+    return binary;
+}
+
+TEST(DataConversions, followOneTable) {
+    const DateTime moment{.days = 739'940, .micros = 58'000 * DateTime::microsPerSecond};
+    constexpr const char* none = "none";
+    const struct {
+        const char* name;
+        Data value;
+        const char *text, *number, *date, *time, *timestamp; ///< as converted, in the text's form
+        bool boolean;
+    } rows[] = {
+        {"text", Data(Text(u"abc")), "abc", none, none, none, none, false},
+        {"text of a number", Data(Text(u"x0.5")), "x0.5", ".5", none, none, none, true},
+        {"text of a date", Data(Text(u"11/21/2026")), "11/21/2026", "11212026", "11/21/2026", "0:00:00",
+         "11/21/2026 0:00:00", true},
+        {"text of both", Data(Text(u"11/21/2026 4:06:40 PM")), "11/21/2026 4:06:40 PM", "1121202640640",
+         "11/21/2026", "16:06:40", "11/21/2026 16:06:40", true},
+        {"number", Data(Decimal(739'940)), "739940", "739940", "11/21/2026", "205:32:20", "1/9/1 13:32:20",
+         true},
+        {"negative", Data(*Decimal::parse(u"-1.5")), "-1.5", "-1.5", none, "-0:00:01.5", none, true},
+        {"too large", Data(*Decimal::parse(u"1e399")), nullptr, nullptr, none, none, none, true},
+        {"date", Data(moment, DataType::date), "11/21/2026", "739940", "11/21/2026", none,
+         "11/21/2026 0:00:00", true},
+        {"time", Data(moment, DataType::time), "16:06:40", "58000", none, "16:06:40", none, true},
+        {"timestamp", Data(moment, DataType::timestamp), "11/21/2026 16:06:40", "63930874000", "11/21/2026",
+         "16:06:40", "11/21/2026 16:06:40", true},
+        {"container", Data(container()), "a7.txt", none, none, none, none, false},
+    };
+    for (const auto& row : rows) {
+        const std::array<std::pair<DataType, const char*>, 5> columns{{{DataType::text, row.text},
+                                                                       {DataType::number, row.number},
+                                                                       {DataType::date, row.date},
+                                                                       {DataType::time, row.time},
+                                                                       {DataType::timestamp, row.timestamp}}};
+        EXPECT_EQ(row.value.asBoolean(), row.boolean) << row.name;
+        for (const auto& [type, expected] : columns) {
+            if (expected == nullptr) continue;
+            SCOPED_TRACE(std::string(row.name) + " as " + std::string(host::typeWord(type)));
+            Data converted = row.value;
+            const bool done = converted.convert(type);
+            // Anything can be an empty number, but a date or a time needs a reading.
+            ASSERT_EQ(done, expected != none || type == DataType::number);
+            if (!done) {
+                EXPECT_TRUE(converted.isIdenticalTo(row.value));
+                continue;
+            }
+            EXPECT_EQ(converted.nativeType(), type);
+            EXPECT_EQ(converted.asText().utf8(), expected == none ? "" : expected);
+            EXPECT_EQ(converted.isEmpty(), expected == none);
+        }
+    }
+}
+
+TEST(DataTypes, areOnlyThoseThatExist) {
+    Data value{Decimal(3)};
+    for (const std::int32_t type : {-5, 8, 99})
+        EXPECT_FALSE(value.convert(static_cast<DataType>(type))) << type;
+    EXPECT_TRUE(value.isIdenticalTo(Data(Decimal(3))));
+    EXPECT_TRUE(value.convert(DataType::boolean));
+    EXPECT_EQ(value.asText().utf8(), "1");
+    EXPECT_EQ(value.nativeType(), DataType::boolean);
+    EXPECT_FALSE(value.convert(DataType::binary));
+}
+
+TEST(DataTypes, keepOnlyTheirOwnPartOfAMoment) {
+    const DateTime late{.days = 5, .micros = 90'000 * DateTime::microsPerSecond};
+    EXPECT_EQ(Data(late, DataType::date).asTimestamp(), (DateTime{.days = 5, .micros = 0}));
+    EXPECT_EQ(Data(late, DataType::time).asTime(), (DateTime{.days = 0, .micros = late.micros}));
+    const Data moment(late, DataType::timestamp);
+    EXPECT_EQ(moment.asText().utf8(), "1/7/1 1:00:00");
+    EXPECT_EQ(DateTime::parseTimestamp(moment.asText().units()), moment.asTimestamp());
+    EXPECT_EQ(moment.asDate().days, 6);
+}
+
+TEST(DataReadings, stayWithTheirOwnValue) {
+    Data first{Decimal(5)};
+    const Text& reading = first.asText();
+    Data second = first;
+    second.setNumber(Decimal(6));
+    EXPECT_EQ(second.asText().utf8(), "6");
+    EXPECT_EQ(reading.utf8(), "5");
+    first.setText(first.asText()); // of itself
+    EXPECT_EQ(first.asText().utf8(), "5");
+    first.setText(Text(u"7"));
+    EXPECT_EQ(first.asNumber(), Decimal(7));
+}
+
+TEST(DataNumbers, inLongTextsAreBounded) {
+    EXPECT_EQ(Data(Text(std::u16string(1'000'000, u'x') + u"-x.5")).number()->text(), u"-.5");
+    EXPECT_FALSE(Data(Text(std::u16string(100'000, u'9'))).number());
+    EXPECT_EQ(Data(Text(u"1." + std::u16string(100'000, u'3'))).number()->text().size(), 402U);
+}
+
+TEST(BinaryStreams, areOneForAKind) {
+    Binary binary = container();
+    const host::QuadChar file{{'F', 'I', 'L', 'E'}}, other{{'P', 'N', 'G', 'f'}};
+    binary.add(other, {});
+    binary.add(file, std::array{std::byte{9}, std::byte{8}, std::byte{7}});
+    EXPECT_EQ(binary.streams().size(), 2U);
+    EXPECT_EQ(binary.totalSize(), 3U);
+    EXPECT_FALSE(binary == container());
+    EXPECT_TRUE(binary.remove(file));
+    EXPECT_FALSE(binary.remove(file));
+    EXPECT_EQ(binary.indexOf(other), 0);
+    EXPECT_EQ(binary.indexOf(file), -1);
+    // A name alone is a value, nothing at all is none.
+    binary.clear();
+    EXPECT_FALSE(Data(binary).isEmpty());
+    EXPECT_TRUE(Data(Binary()).isEmpty());
+}
+
+} // namespace

@@ -1,0 +1,211 @@
+#include "host/values/Text.h"
+#include "host/values/Encoding.h"
+
+#include <algorithm>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+/// Texts where looks, case rules and encodings meet, and the cost of going through a text step by step.
+
+namespace {
+
+using host::CharacterStyle;
+using host::Encoding;
+using host::RunStyle;
+using host::Text;
+
+const RunStyle bold = [] {
+    RunStyle look;
+    look.style.setFaces(host::face::bold);
+    return look;
+}();
+
+TEST(TextSeams, staySmallestWhateverIsChanged) {
+    using Model = std::vector<std::pair<char16_t, RunStyle>>;
+    for (unsigned seed = 0; seed < 1000; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        Text text;
+        Model model;
+        for (int step = 0; step < 25 && model.size() < 400; ++step) {
+            const auto position = static_cast<std::uint32_t>(random() % (model.size() + 2));
+            const auto size = static_cast<std::uint32_t>(random() % 5);
+            const auto first = model.begin() + std::min<std::ptrdiff_t>(position, std::ssize(model));
+            const auto last = first + std::min<std::ptrdiff_t>(size, model.end() - first);
+            switch (random() % 4) {
+            case 0: {
+                Text source(std::u16string(1, static_cast<char16_t>(u'a' + random() % 26)));
+                if (random() % 2 == 0) source.append(std::u16string_view(u"-"), bold);
+                text.insert(source, position);
+                Model added;
+                for (std::uint32_t i = 0; i < source.size(); ++i)
+                    added.emplace_back(source.units()[i], source.lookAt(i));
+                model.insert(first, added.begin(), added.end());
+                break;
+            }
+            case 1: {
+                text.insert(text, position); // of itself
+                const Model copy = model;
+                model.insert(model.begin() + (first - model.begin()), copy.begin(), copy.end());
+                break;
+            }
+            case 2:
+                text.applyStyle(bold.style, position, size);
+                std::for_each(first, last, [](auto& unit) { unit.second.style.apply(bold.style); });
+                break;
+            default: {
+                const auto alignment = static_cast<host::Alignment>(random() % 2);
+                text.setAlignment(alignment, position, size);
+                std::for_each(first, last, [&](auto& unit) { unit.second.alignment = alignment; });
+            }
+            }
+            std::u16string units;
+            std::vector<Text::Run> runs;
+            for (const auto& [unit, look] : model) {
+                if (runs.empty() || runs.back().look != look)
+                    runs.push_back({static_cast<std::uint32_t>(units.size()), look});
+                units += unit;
+            }
+            ASSERT_EQ(text.units(), units) << "step " << step;
+            ASSERT_TRUE(text.runs() == runs) << "step " << step;
+        }
+    }
+}
+
+TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
+    const struct {
+        Text::Case wanted;
+        const char16_t *plain, *bold; ///< one after the other
+        const char16_t *plainAfter, *boldAfter;
+    } cases[] = {
+        {Text::Case::title, u"he", u"LLO \u00DF", u"He", u"llo Ss"},
+        {Text::Case::title, u"\u00DF", u"\u00DF", u"Ss", u"\u00DF"},
+        {Text::Case::title, u"\u0149\u0149", u"x \u0130\u0130", u"\u02BCN\u0149", u"x \u0130i\u0307"},
+        {Text::Case::title, u"stra\u00DFe can'", u"t", u"Stra\u00DFe Can'", u"t"},
+        {Text::Case::lower, u"\u039F\u03A3", u"\u039F\u03A3 \u0130", u"\u03BF\u03C3",
+         u"\u03BF\u03C2 i\u0307"},
+        {Text::Case::upper, u"\uFB03", u"\u0390z", u"FFI", u"\u0399\u0308\u0301Z"},
+        {Text::Case::upper, u"\xD801", u"\xDC28\u00DF", u"\xD801", u"\xDC00SS"}, // a look inside a pair
+    };
+    for (const auto& row : cases) {
+        Text text(row.plain);
+        text.append(std::u16string_view(row.bold), bold);
+        Text expected(row.plainAfter);
+        expected.append(std::u16string_view(row.boldAfter), bold);
+        EXPECT_TRUE(text.withCase(row.wanted).isIdenticalTo(expected)) << text.utf8();
+    }
+}
+
+TEST(TextFind, agreesWithTryingEveryPlace) {
+    static constexpr std::u16string_view letters[] = {
+        u"a", u"A", u"s", u"\u00DF", u"\u1E9E", u"\uFB03", u"f", u"\xD801\xDC28", u"\xD801\xDC00", u"\xDC00"};
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        std::mt19937 random(seed);
+        const auto write = [&](std::size_t characters) {
+            std::u16string units;
+            while (characters-- > 0)
+                units += letters[random() % std::size(letters)];
+            return units;
+        };
+        // Long stretches without a match, so that a search has to look further than at first.
+        const std::u16string units = write(4) + std::u16string(random() % 900, u'.') + write(30) +
+                                     std::u16string(random() % 900, u'.') + write(4);
+        const std::u16string wanted = write(1 + random() % 3);
+        const auto isBoundary = [&](std::size_t at) {
+            return at == 0 || at == units.size() || (units[at] & 0xFC00) != 0xDC00 ||
+                   (units[at - 1] & 0xFC00) != 0xD800;
+        };
+        std::vector<std::uint32_t> matches;
+        for (std::size_t at = 0; at < units.size(); ++at)
+            for (std::size_t size = 1; size <= 9 && at + size <= units.size() && isBoundary(at); ++size)
+                if (isBoundary(at + size) &&
+                    host::compareIgnoringCase(std::u16string_view(units).substr(at, size), wanted) == 0)
+                    matches.push_back(static_cast<std::uint32_t>(at));
+        const Text text(units);
+        for (std::uint32_t at = 0; at < units.size() + 2; at += 1 + random() % 40) {
+            if (!isBoundary(std::min<std::size_t>(at, units.size()))) continue;
+            const auto next = std::lower_bound(matches.begin(), matches.end(), at);
+            const auto behind = std::upper_bound(matches.begin(), matches.end(), at);
+            EXPECT_EQ(text.findIgnoringCase(Text(wanted), at), next == matches.end() ? Text::end : *next)
+                << "seed " << seed << " at " << at;
+            EXPECT_EQ(text.findBackwardIgnoringCase(Text(wanted), at),
+                      behind == matches.begin() ? Text::end : *std::prev(behind))
+                << "seed " << seed << " at " << at;
+        }
+    }
+}
+
+TEST(TextCompare, takesEmptyViews) {
+    EXPECT_EQ(host::compareIgnoringCase({}, {}), 0);
+    EXPECT_LT(host::compareIgnoringCase({}, u"a"), 0);
+    EXPECT_GT(host::compareIgnoringCase(u"a", {}), 0);
+    EXPECT_EQ(host::compareIgnoringCase(u"STRASSE", u"stra\u00DFe"), 0);
+    EXPECT_LT(host::compareIgnoringCase(u"\uFFEE", u"\U0001F600"), 0); // by code points, not by units
+}
+
+TEST(Style, clearsTheCaseBitsTogether) {
+    CharacterStyle style;
+    style.setFaces(host::face::titlecase | host::face::bold);
+    style.disableFace(host::face::uppercase);
+    EXPECT_EQ(style, bold.style);
+}
+
+/// A text is gone through a step at a time; a step that cost the whole text would take minutes here.
+TEST(TextCost, ofAStepDoesNotGrowWithTheText) {
+    constexpr std::size_t steps = 150'000;
+    const auto begun = std::chrono::steady_clock::now();
+    Text text(std::u16string(2 * steps, u'a'));
+    for (std::uint32_t i = 0; i < 2 * steps; i += 2)
+        text.applyStyle(bold.style, i, 1);
+    EXPECT_EQ(text.runs().size(), 2 * steps);
+    for (std::size_t i = 0; i < steps; ++i)
+        text.insert(Text(u"b"), text.size() - 1);
+    Text copy;
+    for (std::uint32_t i = 0; i < text.size(); ++i)
+        copy.append(text.substring(i, 1));
+    EXPECT_TRUE(copy.isIdenticalTo(text));
+    std::size_t found = 0;
+    for (std::uint32_t at = 0; (at = text.findIgnoringCase(Text(u"B"), at)) != Text::end; ++at)
+        ++found;
+    EXPECT_EQ(found, steps);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(60));
+}
+
+TEST(Encoding, keepsAsciiAndReplacesWhatMeansNothing) {
+    for (std::int32_t number = 1; number <= 7; ++number) {
+        const Encoding encoding = host::encodingFromNumber(number);
+        SCOPED_TRACE(number);
+        for (int byte = 0; byte < 0x80; ++byte) {
+            const std::string bytes(1, static_cast<char>(byte));
+            EXPECT_EQ(host::decode(bytes, encoding), std::u16string(1, static_cast<char16_t>(byte)));
+            EXPECT_EQ(host::encode(std::u16string(1, static_cast<char16_t>(byte)), encoding), bytes);
+        }
+        EXPECT_EQ(host::encode(u"\xD800", encoding), encoding == Encoding::utf8 ? "\xEF\xBF\xBD" : "?");
+        EXPECT_EQ(host::decode({}, encoding), u"");
+        EXPECT_EQ(host::encode({}, encoding), "");
+    }
+    EXPECT_EQ(host::decode("\xFF", Encoding::utf8), u"\uFFFD");
+    EXPECT_EQ(host::decode("a\xF0\x9F", Encoding::utf8), u"a\uFFFD"); // cut inside a character
+    EXPECT_EQ(host::decode("\x81", Encoding::shiftJisWin), u"\uFFFD");
+    EXPECT_EQ(host::decode("\x93\xFA\x96{", Encoding::shiftJisMac), u"\u65E5\u672C");
+    for (const std::int32_t unknown : {-1, 8, 1000})
+        EXPECT_EQ(host::encodingFromNumber(unknown), Encoding::native);
+}
+
+/// Texts are converted in pieces; characters that lie across two of them must come through.
+TEST(Encoding, convertsLongTextsWhole) {
+    for (std::size_t shift = 0; shift < 4; ++shift) {
+        std::u16string units(shift, u'x'), kanji(shift, u'x');
+        for (int i = 0; i < 5000; ++i) {
+            units += u"\U0001F600\u20AC";
+            kanji += u"\u65E5\x1A";
+        }
+        EXPECT_EQ(host::decode(host::encode(units, Encoding::utf8), Encoding::utf8), units);
+        EXPECT_EQ(host::decode(host::encode(kanji, Encoding::shiftJisWin), Encoding::shiftJisWin), kanji);
+        EXPECT_EQ(host::encode(units, Encoding::utf8).size(), shift + 35'000);
+    }
+}
+
+} // namespace
