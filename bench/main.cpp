@@ -64,6 +64,7 @@ void benchConversions() {
     bytes.resize(size);
     const host::Text text = host::Text::fromUtf8(bytes);
     const auto& opaque = out<fmx::Text>(text);
+    const std::u16string source(text.units());
     std::vector<char> narrow(2 * size + 1);
     std::vector<char16_t> units(size + 1);
     const double characters = size;
@@ -71,7 +72,7 @@ void benchConversions() {
     const auto icuToUtf8 = [&] {
         UErrorCode status = U_ZERO_ERROR;
         int32_t written = 0;
-        u_strToUTF8(narrow.data(), static_cast<int32_t>(narrow.size()), &written, text.units().data(),
+        u_strToUTF8(narrow.data(), static_cast<int32_t>(narrow.size()), &written, source.data(),
                     static_cast<int32_t>(text.size()), &status);
         bench::keep(written);
     };
@@ -94,7 +95,7 @@ void benchConversions() {
         [&] {
             UErrorCode status = U_ZERO_ERROR;
             int32_t written = 0;
-            u_strToWCS(wide.data(), static_cast<int32_t>(wide.size()), &written, text.units().data(),
+            u_strToWCS(wide.data(), static_cast<int32_t>(wide.size()), &written, source.data(),
                        static_cast<int32_t>(text.size()), &status);
             bench::keep(written);
         },
