@@ -3,7 +3,8 @@
 
 namespace {
 FMX_PROC(fmx::errcode) leak(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) try {
-    static_cast<void>(fmx::TextUniquePtr().release());
+    const fmx::Text* const kept = fmx::TextUniquePtr().release();
+    static_cast<void>(kept);
     return 0;
 } catch (const std::exception&) {
     return 1200;
