@@ -38,6 +38,7 @@ struct EagerRow {
     std::u16string_view name;
     int minimum, maximum; ///< -1: no upper limit
     DataRef (*implementation)(std::span<const DataRef>);
+    bool takesPairs = false; ///< as in Function
 };
 /// A function that also needs the evaluation.
 struct EvaluationRow {

@@ -18,6 +18,7 @@ struct Message {
 constexpr std::array messages{
     Message{error::none, "no error"},
     Message{error::outOfRange, "value out of range"},
+    Message{error::unavailable, "command is unavailable"},
     Message{error::missingFile, "file is missing"},
     Message{error::missingField, "field is missing"},
     Message{error::missingScript, "script is missing"},
@@ -94,6 +95,7 @@ void addRow(FunctionTable& table, const EagerRow& row) {
     added.eager = [implementation = row.implementation](Evaluation&, std::span<const DataRef> arguments) {
         return implementation(arguments);
     };
+    added.takesPairs = row.takesPairs;
     table.add(std::move(added));
 }
 

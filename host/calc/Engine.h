@@ -17,8 +17,8 @@ namespace host::calc {
 
 /// Codes an evaluation answers. Calculation code throws `Error`; nothing else leaves `parse` and `evaluate`.
 namespace error {
-inline constexpr int none = 0, missingFile = 100, missingField = 102, missingScript = 104, outOfRange = 14,
-                     unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
+inline constexpr int none = 0, unavailable = 3, missingFile = 100, missingField = 102, missingScript = 104,
+                     outOfRange = 14, unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
                      unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
                      unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
                      nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
@@ -48,6 +48,8 @@ struct Function {
     Lazy lazy;
     /// The argument (from 0) that holds bare words joined by "+" instead of a value; -1: none has.
     int wordArgument = -1;
+    /// Whether two arguments may stand in brackets as a pair, `[ a ; b ]`; they count and come as two.
+    bool takesPairs = false;
     /// Set by the table that has withdrawn the row.
     mutable bool withdrawn = false;
 };

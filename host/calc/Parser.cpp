@@ -211,12 +211,24 @@ const Node* Parser::call(const std::shared_ptr<const Function>& function, std::u
     node.function = function;
     if (!at(Token::Kind::rightParenthesis)) {
         do {
+            if (function->takesPairs && take(Token::Kind::leftBracket)) {
+                pair(node);
+                continue;
+            }
             const bool wantsWords = std::cmp_equal(node.children.size(), function->wordArgument);
             node.children.push_back(wantsWords ? words() : expression());
         } while (take(Token::Kind::semicolon));
     }
     closeCall(node, node.children.size(), start);
     return &node;
+}
+
+/// The rest of a pair of arguments, [ a ; b ].
+void Parser::pair(Node& call) {
+    call.children.push_back(expression());
+    if (!take(Token::Kind::semicolon)) fail(error::tooFewParameters);
+    call.children.push_back(expression());
+    if (!take(Token::Kind::rightBracket)) fail(error::operatorExpected);
 }
 
 /// The end of a call, and whether it has the arguments it should.
