@@ -11,6 +11,10 @@
 #include <stdexcept>
 #include <string_view>
 
+// The parser asserts of some wrong descriptions what it should complain of; a complaint it becomes.
+#define TOML_ASSERT(expression)                                                                              \
+    static_cast<void>((expression) ? 0 : throw std::logic_error("this is not TOML"))
+#define TOML_ASSERT_ASSUME TOML_ASSERT
 #define TOML_HEADER_ONLY 1
 #include <toml++/toml.h>
 
@@ -123,6 +127,8 @@ Solution Solution::load(const fs::path& folder) {
         solution = reader.solution(toml::parse(readFile(description)));
     } catch (const toml::parse_error& problem) {
         reader.fail(problem.source(), std::string(problem.description()));
+    } catch (const std::logic_error& problem) {
+        throw std::runtime_error(description.string() + ": " + problem.what());
     }
     std::string path = fs::absolute(folder).lexically_normal().string();
     while (path.ends_with('/'))
