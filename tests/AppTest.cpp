@@ -120,6 +120,9 @@ TEST(Solution, ComplaintsNameTheLine) {
         {"[[script]]\ncalculations = []\n", "a script has no name", ""},
         {"[[script]]\nname = \"A\"\n[[script]]\nname = \"a\"\n", "line 3: a script of this name", ""},
         {"name = \"A\n", "line 1", ""},
+        {"[\u00E9]\n", "solution.toml", ""},
+        {"[[[", "solution.toml", ""},
+        {"[{", "solution.toml", ""},
         {"", "schema.sql, line 2: no such table: b", "CREATE TABLE a (x);\nINSERT\nINTO b VALUES (1);"},
         {"", "schema.sql, line 2: ", "SELECT 1;\nATTACH 'x' AS y;"},
         {"", "a transaction is begun", "BEGIN;"},
@@ -274,8 +277,14 @@ TEST(Session, ScriptsRunInOrderInAScopeOfTheirOwn) {
     EXPECT_EQ(textOf(session, u"$$log"), "xy");
 
     session.startScript(u"Untitled", u"Again", nullptr);
+    EXPECT_EQ(session.runWaitingScripts(), Session::mostScriptDepth);
+    EXPECT_EQ(textOf(session, u"$$count"), "1000");
+    EXPECT_EQ(errors.back(), calc::error::unavailable);
+    for (std::size_t i = 0; i < Session::mostWaitingScripts; ++i)
+        session.startScript(u"Untitled", u"Note", nullptr);
+    EXPECT_EQ(errors.back(), 0);
+    EXPECT_EQ(session.startScript(u"Untitled", u"Note", nullptr), calc::error::unavailable);
     EXPECT_EQ(session.runWaitingScripts(), Session::mostScriptsPerRun);
-    EXPECT_EQ(textOf(session, u"$$count"), "10000");
 }
 
 fmx::errcode countArguments(short id, const fmx::ExprEnv&, const fmx::DataVect& arguments,

@@ -20,13 +20,17 @@ Clock::Micros machineTime() {
 seconds offsetFromUtc(Clock::Micros sinceUnixEpoch) {
     const std::time_t moment = std::chrono::floor<seconds>(sinceUnixEpoch).count();
     std::tm local{};
+    ::tzset(); // localtime_r alone need not see that the zone has changed
     if (::localtime_r(&moment, &local) == nullptr) return seconds{0};
     return seconds{local.tm_gmtoff};
 }
 
 } // namespace
 
-Clock::Micros Clock::now() const { return held_ ? *held_ : machineTime() + offset_; }
+Clock::Micros Clock::now() const {
+    const std::int64_t held = held_;
+    return held != notHeld ? Micros(held) : machineTime() + Micros(offset_);
+}
 
 Clock::Micros Clock::localSinceYearOne() const {
     const Micros moment = now();
@@ -40,19 +44,23 @@ void Clock::advance(Micros by) {
 
 void Clock::set(Micros sinceUnixEpoch) {
     const Micros moment = std::clamp(sinceUnixEpoch, earliest, latest);
-    if (held_)
-        held_ = moment;
+    if (isHeld())
+        held_ = moment.count();
     else
-        offset_ = moment - machineTime();
+        offset_ = (moment - machineTime()).count();
 }
 
-void Clock::hold() { held_ = now(); }
+void Clock::hold() { held_ = now().count(); }
 
 void Clock::release() {
-    if (!held_) return;
-    const Micros moment = *held_;
-    held_.reset();
-    set(moment);
+    if (!isHeld()) return;
+    offset_ = held_ - machineTime().count();
+    held_ = notHeld;
+}
+
+void Clock::reset() {
+    offset_ = 0;
+    held_ = notHeld;
 }
 
 Clock& clock() {

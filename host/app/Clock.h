@@ -1,12 +1,14 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <optional>
+#include <limits>
 
 namespace host {
 
-/// The time as the host tells it: the machine's, moved forwards or backwards, or held still.
+/// The time as the host tells it: the machine's, moved forwards or backwards, or held still. It may be read
+/// on any thread while one moves it.
 class Clock {
 public:
     using Micros = std::chrono::microseconds;
@@ -22,10 +24,15 @@ public:
     void hold();
     /// Goes on from the moment that was held.
     void release();
+    /// Back to the machine's time.
+    void reset();
+    [[nodiscard]] bool isHeld() const { return held_ != notHeld; }
+    /// Whether this has been the machine's own time all along, or is it again.
+    [[nodiscard]] bool isMachineTime() const { return !isHeld() && offset_ == 0; }
 
 private:
-    Micros offset_{0};
-    std::optional<Micros> held_;
+    static constexpr std::int64_t notHeld = std::numeric_limits<std::int64_t>::min();
+    std::atomic<std::int64_t> offset_ = 0, held_ = notHeld; ///< microseconds
 };
 
 /// The process's one.

@@ -3,6 +3,7 @@
 #include "host/app/Session.h"
 #include "host/calc/Engine.h"
 #include "host/calc/Evaluation.h"
+#include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/Bridge.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ constexpr std::u16string_view hostVersionText = u"Kestrel Host 1.0"; // a litera
 constexpr FMX_PtrType englishLanguage = 0;
 
 /// The plug-in whose code runs: it is the one that registers.
-PlugIn* runningPlugIn = nullptr;
+thread_local PlugIn* runningPlugIn = nullptr;
 
 class Running {
 public:
@@ -113,6 +114,7 @@ PlugIn::~PlugIn() {
     shutdown();
     while (!functions_.empty())
         withdraw(functions_.size() - 1);
+    mainQueue().drop(*this); // neither run nor released without the library's code
     session_.leave(*this);
     ::dlclose(library_);
 }
@@ -189,6 +191,19 @@ void PlugIn::sessionShutdown() {
     FMX_ExternCallStruct block = message(kFMXT_SessionShutdown);
     block.parm2 = session_.id();
     send(block);
+}
+
+PlugIn* PlugIn::running() { return runningPlugIn; }
+
+bool PlugIn::runFor(PlugIn* owner, const std::function<void()>& work) {
+    const Running running(owner);
+    try {
+        work();
+        return true;
+    } catch (...) {
+        if (owner != nullptr) owner->misdeeds_.push_back(Misdeed::threwFromBlock);
+        return false;
+    }
 }
 
 PlugIn::StringAnswer PlugIn::readString(int request, std::uint32_t units) {

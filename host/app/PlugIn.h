@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,13 +30,13 @@ struct RegisteredFunction {
 class PlugIn {
 public:
     /// What a plug-in did that a host must not be asked to bear.
-    enum class Misdeed : std::uint8_t { threwFromMessage, threwFromHandler };
+    enum class Misdeed : std::uint8_t { threwFromMessage, threwFromHandler, threwFromBlock };
 
     /// Loads a library and finds its entry point; throws std::runtime_error with the loader's words. No
     /// message is sent yet.
     PlugIn(Session& session, const std::filesystem::path& library);
-    /// Sends the shutdown message if init was accepted, withdraws what is still registered, unloads the
-    /// library.
+    /// Sends the shutdown message if init was accepted, withdraws what is still registered and what it left
+    /// for later on the main queue, unloads the library.
     ~PlugIn();
     PlugIn(const PlugIn&) = delete;
     PlugIn& operator=(const PlugIn&) = delete;
@@ -74,6 +75,12 @@ public:
     /// An exception that leaves the handler is recorded as a misdeed and answers 1200.
     fmx::errcode call(const RegisteredFunction& function, const fmx::ExprEnv& environment,
                       const fmx::DataVect& arguments, fmx::Data& result);
+
+    /// The plug-in whose code runs on this thread; null when none does.
+    static PlugIn* running();
+    /// Runs work that a plug-in left for later, or nobody in particular; false when it threw, which is then
+    /// recorded as a misdeed.
+    static bool runFor(PlugIn* owner, const std::function<void()>& work);
 
     static constexpr std::int16_t currentHostVersion = 71;
 

@@ -1,9 +1,13 @@
 #include "host/app/Session.h"
 
+#include "FMWrapper/FMXExtern.h"
 #include "host/app/File.h"
+#include "host/app/PlugIn.h"
+#include "host/dispatch/MainQueue.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -32,9 +36,20 @@ Session::Session()
 }
 
 Session::~Session() {
-    for (const auto& file : files_)
-        file->markClosed();
+    onScriptCall = nullptr; // those who listen may be gone
+    onFileClosed = nullptr;
+    end();
     currentSession = nullptr;
+}
+
+void Session::end() {
+    while (!files_.empty())
+        close(files_.back()->id());
+    waiting_.clear();
+    if (!std::exchange(hasEnded_, true))
+        for (PlugIn* plugIn : enabledPlugIns())
+            plugIn->sessionShutdown();
+    mainQueue().clear();
 }
 
 Session* Session::current() { return currentSession; }
@@ -49,6 +64,8 @@ bool Session::close(std::uint64_t fileId) {
     const auto found = std::find_if(files_.begin(), files_.end(),
                                     [fileId](const auto& file) { return file->id() == fileId; });
     if (found == files_.end()) return false;
+    for (PlugIn* plugIn : enabledPlugIns())
+        plugIn->fileShutdown(fileId);
     (*found)->markClosed();
     files_.erase(found);
     if (onFileClosed) onFileClosed(fileId);
@@ -92,19 +109,34 @@ int Session::startScript(std::u16string_view fileName, std::u16string_view scrip
     ScriptCall call{.fileId = 0,
                     .fileName = std::u16string(fileName),
                     .scriptName = std::u16string(scriptName),
-                    .parameter = parameter ? std::move(parameter) : std::make_shared<const Data>()};
+                    .parameter = parameter ? std::move(parameter) : std::make_shared<const Data>(),
+                    .depth = runningDepth_ + 1};
     const std::shared_ptr<File> file = find(fileName);
     if (file) call.fileId = file->id();
     if (!file)
         call.error = calc::error::missingFile;
     else if (file->script(scriptName) == nullptr)
         call.error = calc::error::missingScript;
+    else if (call.depth > mostScriptDepth || waiting_.size() >= mostWaitingScripts)
+        call.error = calc::error::unavailable;
     if (call.error == calc::error::none) waiting_.push_back(call);
+    ++scriptCalls_;
     if (onScriptCall) onScriptCall(call);
     return call.error;
 }
 
+void Session::run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file) {
+    calc::Environment scope = environment(file);
+    scope.script = std::make_shared<const calc::ScriptFrame>(calc::ScriptFrame{script.name, call.parameter});
+    bool isFirst = true;
+    for (const std::u16string& calculation : script.calculations) {
+        if (!std::exchange(isFirst, false)) idle(kFMXT_ScriptRunning);
+        *lastError_ = calc::evaluate(calculation, scope, functions_).error;
+    }
+}
+
 std::size_t Session::runWaitingScripts() {
+    if (runningDepth_ > 0) return 0;
     std::size_t count = 0;
     while (count < mostScriptsPerRun && !waiting_.empty()) {
         const ScriptCall call = std::move(waiting_.front());
@@ -113,13 +145,38 @@ std::size_t Session::runWaitingScripts() {
         const Script* script = file && file->id() == call.fileId ? file->script(call.scriptName) : nullptr;
         if (script == nullptr) continue;
         ++count;
-        calc::Environment scope = environment(file);
-        scope.script =
-            std::make_shared<const calc::ScriptFrame>(calc::ScriptFrame{script->name, call.parameter});
-        for (const std::u16string& calculation : script->calculations)
-            *lastError_ = calc::evaluate(calculation, scope, functions_).error;
+        runningDepth_ = call.depth;
+        try {
+            run(*script, call, file);
+        } catch (...) {
+            runningDepth_ = 0;
+            throw;
+        }
+        runningDepth_ = 0;
     }
     return count;
+}
+
+std::vector<PlugIn*> Session::enabledPlugIns() const {
+    std::vector<PlugIn*> enabled;
+    std::copy_if(plugIns_.begin(), plugIns_.end(), std::back_inserter(enabled),
+                 [](const PlugIn* plugIn) { return plugIn->isEnabled(); });
+    return enabled;
+}
+
+void Session::idle(unsigned char level) {
+    for (PlugIn* plugIn : enabledPlugIns())
+        plugIn->idle(level);
+}
+
+Session::Turn Session::turn() {
+    Turn turn;
+    const std::size_t callsBefore = scriptCalls_;
+    turn.blocks = mainQueue().drain();
+    idle(kFMXT_UserIdle);
+    turn.scripts = runWaitingScripts();
+    turn.scriptCalls = scriptCalls_ - callsBefore;
+    return turn;
 }
 
 } // namespace host
