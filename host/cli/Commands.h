@@ -3,6 +3,7 @@
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -30,6 +31,7 @@ struct Options {
     bool failFromThenOn = false;
     bool reportObjects = false;
     std::optional<std::int64_t> clockSeconds; ///< since 1970; held still
+    double idleAfterSeconds = 0;              ///< how long the user stays busy after the last calculation
     std::string nativeEncoding;
 };
 
@@ -43,19 +45,28 @@ int check(const Options& options);
 class Desk {
 public:
     explicit Desk(const Options& options);
+    ~Desk();
+    Desk(const Desk&) = delete;
+    Desk& operator=(const Desk&) = delete;
 
     [[nodiscard]] Session& session() { return session_; }
     [[nodiscard]] PlugIn& plugIn() { return *plugIn_; }
     /// Evaluates and writes the result, or the error to standard error; true when it evaluated.
     bool evaluateAndPrint(const std::string& calculation);
-    /// One turn of the host's loop: an idle message, then the scripts that wait; gives the number of scripts
-    /// run.
-    std::size_t turn();
+    /// One turn of the host's loop (Session::turn); true when the next one has work to do at once.
+    bool turn();
+    /// How long the loop may rest before its next turn: not at all when it has work to do, otherwise until
+    /// the next delay ends, a quarter of a second at most.
+    [[nodiscard]] std::chrono::milliseconds rest() const;
+    /// Turns of the loop until nothing more can come of what has been started, or time is up. Before the
+    /// first idle message the user stays busy for `idleAfter`, in which delays end all the same.
+    void serve(std::chrono::duration<double> most, std::chrono::duration<double> idleAfter);
 
 private:
     Session session_;
     std::unique_ptr<PlugIn> plugIn_;
-    bool json_;
+    std::size_t idleMessagesOwed_ = 0;
+    bool isBusy_ = false, json_;
 };
 
 } // namespace host::cli

@@ -2,6 +2,7 @@
 
 #include "host/app/Clock.h"
 #include "host/app/File.h"
+#include "host/dispatch/MainQueue.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -82,9 +84,45 @@ bool Desk::evaluateAndPrint(const std::string& calculation) {
     return good;
 }
 
-std::size_t Desk::turn() {
-    plugIn_->idle(kFMXT_UserIdle);
-    return session_.runWaitingScripts();
+Desk::~Desk() { session_.end(); }
+
+bool Desk::turn() {
+    // A plug-in that queues work of its own in a block serves it in idle messages, perhaps one thing each; it
+    // cannot be asked. So there is an idle message for every block, and another after each that did
+    // something.
+    const Session::Turn turn = session_.turn();
+    idleMessagesOwed_ += turn.blocks;
+    if (idleMessagesOwed_ > 0) --idleMessagesOwed_;
+    isBusy_ = turn.blocks + turn.scriptCalls + turn.scripts + idleMessagesOwed_ > 0;
+    return isBusy_;
+}
+
+std::chrono::milliseconds Desk::rest() const {
+    using std::chrono::milliseconds;
+    constexpr milliseconds shortest{1}, longest{250};
+    if (isBusy_) return milliseconds::zero();
+    const std::optional<Clock::Micros> next = mainQueue().untilNext();
+    // A clock that is held brings no delay to its end.
+    if (!next || clock().isHeld()) return longest;
+    return std::clamp(std::chrono::ceil<milliseconds>(*next), shortest, longest);
+}
+
+void Desk::serve(std::chrono::duration<double> most, std::chrono::duration<double> idleAfter) {
+    using RealClock = std::chrono::steady_clock;
+    const auto began = RealClock::now();
+    const auto restBefore = [this, began](std::chrono::duration<double> end) {
+        const std::chrono::duration<double> left = end - (RealClock::now() - began);
+        if (left.count() > 0)
+            std::this_thread::sleep_for(std::min<std::chrono::duration<double>>(rest(), left));
+        return left.count() > 0;
+    };
+    while (restBefore(idleAfter))
+        idleMessagesOwed_ += mainQueue().drain();
+    while (true) {
+        const bool isBusy = turn();
+        const bool isWaiting = mainQueue().pending() > 0 && !clock().isHeld();
+        if ((!isBusy && !isWaiting) || !restBefore(most)) return;
+    }
 }
 
 } // namespace host::cli

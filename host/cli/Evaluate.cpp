@@ -8,17 +8,6 @@
 
 namespace host::cli {
 
-namespace {
-
-/// Serves what the calculations started, until nothing waits or time is up.
-void serve(Desk& desk, double seconds) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (desk.turn() > 0 && std::chrono::steady_clock::now() < deadline) {
-    }
-}
-
-} // namespace
-
 int evaluate(const Options& options) {
     bool allGood = true;
     {
@@ -28,7 +17,8 @@ int evaluate(const Options& options) {
         for (const std::string& calculation : options.calculations)
             allGood = desk.evaluateAndPrint(calculation) && allGood;
         constexpr double aDay = 86'400;
-        serve(desk, options.serveSeconds.value_or(aDay));
+        using Seconds = std::chrono::duration<double>;
+        desk.serve(Seconds(options.serveSeconds.value_or(aDay)), Seconds(options.idleAfterSeconds));
         faults().disarm();
     }
     if (options.reportObjects) {

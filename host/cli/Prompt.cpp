@@ -1,5 +1,6 @@
 #include "host/cli/Commands.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <editline/readline.h>
@@ -9,8 +10,6 @@
 namespace host::cli {
 
 namespace {
-
-constexpr int idleMilliseconds = 250;
 
 /// The line editor calls back with plain functions, so what they work on stands here.
 Desk* promptDesk = nullptr;
@@ -28,9 +27,10 @@ void onLine(char* line) {
     std::free(line); // NOLINT(bugprone-unhandled-*): the line editor gives it away
 }
 
-bool inputWaits() {
+/// Whether input comes while the loop rests.
+bool inputWaits(const Desk& desk) {
     pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
-    return ::poll(&input, 1, idleMilliseconds) > 0;
+    return ::poll(&input, 1, static_cast<int>(desk.rest().count())) > 0;
 }
 
 void editLines(Desk& desk) {
@@ -38,7 +38,7 @@ void editLines(Desk& desk) {
     promptDone = false;
     ::rl_callback_handler_install("kestrel> ", onLine);
     while (!promptDone) {
-        if (inputWaits())
+        if (inputWaits(desk))
             ::rl_callback_read_char();
         else
             desk.turn();
@@ -47,11 +47,12 @@ void editLines(Desk& desk) {
     std::puts("");
 }
 
-/// Input that is no terminal: a calculation a line, without prompt or history.
+/// Input that is no terminal: a calculation a line, without prompt or history. At its end delayed scripts are
+/// served as after `eval`.
 void readLines(Desk& desk) {
     std::string pending;
     for (bool open = true; open;) {
-        if (!inputWaits()) {
+        if (!inputWaits(desk)) {
             desk.turn();
             continue;
         }
@@ -65,8 +66,7 @@ void readLines(Desk& desk) {
         pending.erase(0, start);
     }
     if (!pending.empty()) desk.evaluateAndPrint(pending);
-    while (desk.turn() > 0) {
-    }
+    desk.serve(std::chrono::days(1), std::chrono::seconds(0));
 }
 
 } // namespace

@@ -13,16 +13,27 @@ void addSessionOptions(CLI::App& command, Options& options) {
     command.add_option("--solution", options.solutions, "a solution's folder; the first one calculates")
         ->allow_extra_args(false);
     command.add_flag("--json", options.json, "one JSON object a line");
+    command.add_option("--clock", options.clockSeconds, "hold the clock at seconds since 1970")
+        ->group("Testing");
+    command.add_option("--native", options.nativeEncoding, "the native encoding")->group("Testing");
+}
+
+void addEvaluationOptions(CLI::App& command, Options& options) {
     const std::string testing = "Testing";
+    command.add_option("--for", options.serveSeconds, "serve delayed scripts for so many seconds")
+        ->check(CLI::Range(0.0, 1e9));
+    command
+        .add_option("--idle-after", options.idleAfterSeconds,
+                    "seconds for which the user stays busy after the last calculation")
+        ->check(CLI::Range(0.0, 86'400.0))
+        ->group(testing);
     command.add_option("--fail-host-call", options.failAt, "make the n-th host call fail")->group(testing);
     command.add_option("--fail-with", options.failWith, "its error: 1 or 2")
         ->check(CLI::Range(1, 2))
         ->group(testing);
     command.add_flag("--fail-from-then-on", options.failFromThenOn, "and all that follow")->group(testing);
     command.add_flag("--objects", options.reportObjects, "tell which host objects are left")->group(testing);
-    command.add_option("--clock", options.clockSeconds, "hold the clock at seconds since 1970")
-        ->group(testing);
-    command.add_option("--native", options.nativeEncoding, "the native encoding")->group(testing);
+    command.add_option("calculation", options.calculations, "a calculation")->required();
 }
 
 } // namespace
@@ -37,9 +48,7 @@ int main(int argc, char** argv) try {
 
     CLI::App* eval = app.add_subcommand("eval", "evaluate calculations in one session");
     addSessionOptions(*eval, options);
-    eval->add_option("--for", options.serveSeconds, "serve delayed scripts for so many seconds")
-        ->check(CLI::NonNegativeNumber);
-    eval->add_option("calculation", options.calculations, "a calculation")->required();
+    addEvaluationOptions(*eval, options);
 
     CLI::App* repl = app.add_subcommand("repl", "evaluate calculations from a prompt");
     addSessionOptions(*repl, options);
@@ -52,7 +61,9 @@ int main(int argc, char** argv) try {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& problem) {
-        return app.exit(problem) == 0 ? host::cli::succeeded : host::cli::wrongUsage;
+        if (problem.get_exit_code() == 0) return app.exit(problem);
+        std::fprintf(stderr, "kestrel: %s\n", problem.what());
+        return host::cli::wrongUsage;
     }
     if (eval->parsed()) return host::cli::evaluate(options);
     if (repl->parsed()) return host::cli::prompt(options);
