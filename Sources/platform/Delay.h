@@ -1,0 +1,24 @@
+#pragma once
+
+/// How the platform's queue counts a delay.
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+namespace platform {
+
+/// A delay in whole nanoseconds, the rest cut off. A negative one is over at once: 0. One that 64 bits do
+/// not hold (292 years), is infinite or is not a number never ends: none. Without that rule the conversion
+/// of such a number would be undefined, and a script due in two thousand years could start at once.
+inline std::optional<std::int64_t> delayInNanoseconds(double seconds) noexcept {
+    constexpr double kNanosecondsPerSecond = 1'000'000'000.0;
+    constexpr double kTooMany = 9'223'372'036'854'775'808.0; // 2 to the power of 63
+    static_assert(std::numeric_limits<std::int64_t>::digits == 63);
+    const double nanoseconds = seconds * kNanosecondsPerSecond;
+    if (nanoseconds < 0) return 0;
+    if (nanoseconds < kTooMany) return static_cast<std::int64_t>(nanoseconds);
+    return std::nullopt; // not a number lands here too
+}
+
+} // namespace platform

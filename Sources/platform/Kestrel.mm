@@ -1,0 +1,90 @@
+#import "platform/Kestrel.h"
+
+#import "platform/FileMakerScript.h"
+#import "platform/ObjectOwnership.h"
+
+#include "platform/Delay.h"
+
+#include <dispatch/dispatch.h>
+#include <time.h> // localtime_r, tzset: POSIX, not in <ctime>
+
+/// Held for the life of the process.
+static NSMutableArray* _scheduledScripts = nil;
+
+namespace {
+
+/// A hint, not a limit.
+constexpr NSUInteger kExpectedScripts = 1000;
+
+/// From 0001-01-01, where the host's clock begins, to 1970-01-01.
+constexpr double kSecondsFromHostEpochToUnixEpoch = 62135596800.0;
+
+/// Seconds by which local time is ahead of GMT, summer time included, in the zone of this moment.
+double localOffset(NSDate* now) {
+#ifdef __APPLE__
+    [NSTimeZone resetSystemTimeZone]; // it is remembered otherwise, over a journey as well
+    return static_cast<double>([[NSTimeZone localTimeZone] secondsFromGMTForDate:now]);
+#else
+    // GNUstep's local zone is the machine's; it pays no heed to TZ, as everything else here does.
+    const auto moment = static_cast<time_t>([now timeIntervalSince1970]);
+    tm local{};
+    ::tzset(); // localtime_r alone need not notice that the zone has changed
+    return ::localtime_r(&moment, &local) == nullptr ? 0 : static_cast<double>(local.tm_gmtoff);
+#endif
+}
+
+/// The end of a delay. Exceptions stop here: the main queue is the host's, and knows nothing of them.
+void append(NSString* name, NSString* file, NSString* param) {
+    @autoreleasepool {
+        @try {
+            if ([Kestrel getScheduledScripts] == nil)
+                [Kestrel setScheduledScripts:[NSMutableArray arrayWithCapacity:kExpectedScripts]];
+            NSLog(@"%@", [Kestrel getScheduledScripts]);
+            FileMakerScript* const script = KST_AUTORELEASE([[FileMakerScript alloc] init]);
+            script.script_name = name;
+            script.file_name = file;
+            script.script_parameters = param;
+            [[Kestrel getScheduledScripts] addObject:script];
+            NSLog(@"%@", [Kestrel getScheduledScripts]);
+        } @catch (id exception) {
+            NSLog(@"Script lost: %@", exception);
+        }
+    }
+}
+
+} // namespace
+
+@implementation Kestrel
+
++ (NSMutableArray*)getScheduledScripts {
+    return _scheduledScripts;
+}
+
++ (void)setScheduledScripts:(NSMutableArray*)scripts {
+    NSMutableArray* const former = _scheduledScripts;
+    _scheduledScripts = KST_RETAIN(scripts);
+    KST_RELEASE(former);
+}
+
++ (double)getTimestamp {
+    NSDate* const now = [NSDate date];
+    return [now timeIntervalSince1970] + localOffset(now) + kSecondsFromHostEpochToUnixEpoch;
+}
+
++ (void)scheduleScript:(NSString*)name
+          withFileName:(NSString*)file
+             withParam:(NSString*)param
+            afterDelay:(double)seconds {
+    const auto delay = platform::delayInNanoseconds(seconds);
+    if (!delay) return;
+    const dispatch_time_t deadline = dispatch_time(DISPATCH_TIME_NOW, *delay);
+    if (deadline == DISPATCH_TIME_FOREVER) return; // the queue takes no block that never runs
+    const StrongReference<NSString> keptName(name);
+    const StrongReference<NSString> keptFile(file);
+    const StrongReference<NSString> keptParam(param);
+    dispatch_after(deadline, dispatch_get_main_queue(), ^{
+      append(keptName.get(), keptFile.get(), keptParam.get());
+    });
+}
+
+@end

@@ -1,0 +1,40 @@
+#pragma once
+
+/// What the plug-in asks of the platform, in plain C++: the clock, the log, and scripts that wait. The
+/// Objective-C classes stand behind it.
+///
+/// All of it belongs to the main thread. Nothing is thrown in either direction: Objective-C exceptions end
+/// in here, and no C++ exception can get in, since the two do not mix on every runtime.
+
+#include "platform/Units.h"
+
+namespace platform {
+
+/// Its texts are well-formed (see wellFormed): not every platform keeps others.
+struct Script {
+    Units name;
+    Units file;
+    Units parameter;
+};
+
+/// Queues a script when the delay, in seconds, is over; takeScript finds it then. False when the platform
+/// could not take it.
+[[nodiscard]] bool scheduleScript(const Script& script, double seconds) noexcept;
+
+enum class Taken : unsigned char {
+    nothing, ///< no script waits
+    script,
+    failed, ///< one was taken out, but its texts could not be read
+};
+
+/// Takes out the script that was queued last.
+[[nodiscard]] Taken takeScript(Script& script) noexcept;
+
+/// Local date and time in seconds since 0001-01-01 00:00:00, by the platform's clock. False when it cannot
+/// be told.
+[[nodiscard]] bool readClock(double& seconds) noexcept;
+
+void logDelay(double seconds) noexcept;
+void logScriptError(int error) noexcept;
+
+} // namespace platform

@@ -1,0 +1,93 @@
+#include "platform/Platform.h"
+
+#import "platform/FileMakerScript.h"
+#import "platform/Kestrel.h"
+#import "platform/ObjectOwnership.h"
+
+#include "platform/Units.h"
+
+#include <cstddef>
+
+namespace platform {
+namespace {
+
+/// An autoreleased string; nil when the text is not well-formed, on some platforms.
+NSString* stringFrom(const Units& units) {
+    static const unichar nothing = 0;
+    const unichar* const first = units.empty() ? &nothing : units.data();
+    return KST_AUTORELEASE([[NSString alloc] initWithCharacters:first length:units.size()]);
+}
+
+bool read(NSString* string, Units& units) {
+    const NSUInteger length = [string length];
+    if (!resize(units, length)) return false;
+    if (length > 0) [string getCharacters:units.data() range:NSMakeRange(0, length)];
+    return true;
+}
+
+} // namespace
+
+bool scheduleScript(const Script& script, double seconds) noexcept {
+    @autoreleasepool {
+        @try {
+            NSString* const name = stringFrom(script.name);
+            NSString* const file = stringFrom(script.file);
+            NSString* const parameter = stringFrom(script.parameter);
+            if (name == nil || file == nil || parameter == nil) return false;
+            [Kestrel scheduleScript:name withFileName:file withParam:parameter afterDelay:seconds];
+            return true;
+        } @catch (id) {
+            return false;
+        }
+    }
+}
+
+Taken takeScript(Script& script) noexcept {
+    @autoreleasepool {
+        @try {
+            NSMutableArray* const waiting = [Kestrel getScheduledScripts];
+            if ([waiting count] == 0) return Taken::nothing;
+            FileMakerScript* const last = KST_AUTORELEASE(KST_RETAIN([waiting lastObject]));
+            [waiting removeLastObject];
+            [Kestrel setScheduledScripts:waiting];
+            const bool isRead = read(last.script_name, script.name) && read(last.file_name, script.file) &&
+                                read(last.script_parameters, script.parameter);
+            return isRead ? Taken::script : Taken::failed;
+        } @catch (id) {
+            return Taken::failed;
+        }
+    }
+}
+
+bool readClock(double& seconds) noexcept {
+    @autoreleasepool {
+        @try {
+            seconds = [Kestrel getTimestamp];
+            return true;
+        } @catch (id) {
+            return false;
+        }
+    }
+}
+
+void logDelay(double seconds) noexcept {
+    @autoreleasepool {
+        @try {
+            NSLog(@"Delay: %f", seconds);
+        } @catch (id) {
+            return; // a log that fails has no place to say so
+        }
+    }
+}
+
+void logScriptError(int error) noexcept {
+    @autoreleasepool {
+        @try {
+            NSLog(@"Script call ended with error: %i", error);
+        } @catch (id) {
+            return;
+        }
+    }
+}
+
+} // namespace platform
