@@ -49,10 +49,6 @@ void FMErrCode2FMData(short code, fmx::Data& result) {
 void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     if (&from == &to) return;
     const fmx::Data::DataType type = from.GetNativeType();
-    if (type == fmx::Data::kDTInvalid) {
-        to.Clear(type);
-        return;
-    }
     // Texts alone are set with a locale; setting another type leaves it as it is.
     to.SetAsText(from.GetAsText(), from.GetLocale(), type);
     switch (type) {

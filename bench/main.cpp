@@ -1,3 +1,4 @@
+#include "Benchmarks.h"
 #include "Measure.h"
 
 #include "cFMUtils.h"
@@ -108,4 +109,5 @@ int main() {
     benchCall();
     benchLoad();
     benchConversions();
+    bench::benchGlobals();
 }

@@ -1,0 +1,9 @@
+#pragma once
+
+/// The groups of rows that main prints, beside its own.
+
+namespace bench {
+
+void benchGlobals();
+
+} // namespace bench

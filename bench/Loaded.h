@@ -1,0 +1,41 @@
+#pragma once
+
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+#include "host/fmwrapper/Bridge.h"
+
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace bench {
+
+/// A plug-in in a session with one file.
+class Loaded {
+public:
+    explicit Loaded(host::Solution solution = {}) {
+        session_.open(std::move(solution));
+        plugIn_.init();
+        environment_ = session_.environment(session_.front());
+    }
+
+    [[nodiscard]] const host::RegisteredFunction& function(std::u16string_view name) const {
+        for (const host::RegisteredFunction& candidate : plugIn_.functions())
+            if (candidate.name == name) return candidate;
+        throw std::runtime_error("a function is not registered");
+    }
+    /// As the host calls it, without a calculation around.
+    void call(const host::RegisteredFunction& function, const host::DataVect& arguments,
+              host::Data& result) const {
+        using host::bridge::out;
+        function.handler(function.id, out<fmx::ExprEnv>(environment_), out<fmx::DataVect>(arguments),
+                         out<fmx::Data>(result));
+    }
+
+private:
+    host::Session session_;
+    host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
+    host::calc::Environment environment_;
+};
+
+} // namespace bench
