@@ -1,0 +1,11 @@
+#include "InlineDocumentation.h"
+
+bool g_isInlineDocOn = true;
+
+void turnOnInlineDoc() { g_isInlineDocOn = true; }
+
+void turnOffInlineDoc() { g_isInlineDocOn = false; }
+
+bool isInlineDocOn() { return g_isInlineDocOn; }
+
+std::string getHumanReadableState() { return isInlineDocOn() ? "on" : "off"; }

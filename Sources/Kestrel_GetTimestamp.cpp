@@ -1,0 +1,36 @@
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXDateTime.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXFixPt.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
+#include "Timestamp.h"
+#include "platform/Platform.h"
+
+#include <stdexcept>
+
+namespace {
+
+constexpr int kPrecision = 16;
+
+} // namespace
+
+double getTimestamp() {
+    double seconds = 0;
+    if (!platform::readClock(seconds)) throw std::runtime_error("The platform's clock cannot be read");
+    return seconds;
+}
+
+/// An argument is allowed and not read.
+FMX_PROC(fmx::errcode)
+Kestrel_GetTimestamp(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        const fmx::FixPtUniquePtr seconds(0, kPrecision);
+        seconds->AssignDouble(getTimestamp());
+        const fmx::DateTimeUniquePtr moment;
+        moment->SetSecondsSinceEpoch(*seconds);
+        result.SetAsTimeStamp(*moment, fmx::Data::kDTTimeStamp);
+        return fmx::errcode{0};
+    });
+}
