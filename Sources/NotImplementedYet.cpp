@@ -19,16 +19,6 @@ fmx::errcode answerNotImplemented(const fmx::ExprEnv& env, fmx::Data& result) {
 } // namespace
 
 FMX_PROC(fmx::errcode)
-Kestrel_Get(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_Set(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
 Kestrel_ExecuteSQL(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return answerNotImplemented(env, result);
 }
@@ -45,11 +35,6 @@ Kestrel_Decode(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& 
 
 FMX_PROC(fmx::errcode)
 Kestrel_MergeText(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_DoFileMakerScript(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return answerNotImplemented(env, result);
 }
 
@@ -75,26 +60,6 @@ Kestrel_GetNameForIP(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::
 
 FMX_PROC(fmx::errcode)
 Kestrel_GetIPforName(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_ValueType(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_GetTimestamp(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_SetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_GetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return answerNotImplemented(env, result);
 }
 

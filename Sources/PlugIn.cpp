@@ -2,6 +2,7 @@
 
 #include "FMWrapper/FMXText.h"
 #include "Registry.h"
+#include "Scripts.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -157,7 +158,7 @@ void Shutdown() noexcept {}
 
 void Preferences() noexcept {}
 
-void SafeIdle() {}
+void SafeIdle() { performScheduledScripts(); }
 
 void SemiSafeIdle(unsigned char /*idleLevel*/) {}
 

@@ -57,4 +57,14 @@ public:
     /// A key for the calling file and its user: the file's path without its extension, "/" as "-" and
     /// without ":", then the user's name.
     static std::string getFileID(const fmx::ExprEnv& env);
+
+    /// As the free functions of Scripts.h, but the name is looked for in the named file.
+    static bool IsScriptNameValidInFile(const fmx::Text& scriptName, const fmx::Text& fileName,
+                                        const fmx::ExprEnv& env);
+    static fmx::errcode runFMScript(const fmx::Text& scriptName, const fmx::Data& parameter,
+                                    const fmx::ExprEnv& env);
+    /// The host's start-script call, in the host's native encoding and with its script control; names are
+    /// not checked. A null pointer is an empty text. Gives the host's error.
+    static fmx::errcode StartFMScript(const fmx::ExprEnv& env, const char* fileName, const char* scriptName,
+                                      unsigned char control, const char* parameter);
 };

@@ -1,4 +1,5 @@
 #include "LoadedPlugIn.h"
+#include "RealisticCalls.h"
 
 #include "host/fmwrapper/Bridge.h"
 
@@ -27,6 +28,7 @@ protected:
                     action();
                     const bool fired = host::faults().fired();
                     host::faults().disarm();
+                    evaluate("Kestrel_SetGlobal ( \"\" ; 1 )"); // globals are kept rightly
                     EXPECT_EQ((host::objectCounts() - before).describe(), "")
                         << what << ", host call " << nth;
                     EXPECT_TRUE(plugIn.misdeeds().empty()) << what << ", host call " << nth;
@@ -60,6 +62,24 @@ TEST_F(FailingHost, isBorneByEveryFunction) {
                                  [&] { call(function, argumentsFor(function, value)); });
     std::printf("%llu failing host calls borne by %zu functions\n", static_cast<unsigned long long>(points),
                 plugIn.functions().size());
+    EXPECT_GT(points, 1000U);
+}
+
+TEST_F(FailingHost, isBorneByCallsAsTheyAreReallyMade) {
+    session.close(file);
+    session.open(host::Solution::load(KESTREL_SOURCE_DIR "/examples/contacts"));
+    std::uint64_t points = 0;
+    for (const char* const calculation : realisticCalls) {
+        const auto callAndServe = [&] {
+            evaluate(calculation);
+            session.turn();
+        };
+        callAndServe(); // variables that the first call makes stay, globals go
+        evaluate("Kestrel_SetGlobal ( \"\" ; 1 )");
+        points += failInTurn(calculation, callAndServe);
+    }
+    std::printf("%llu failing host calls borne by %zu calculations\n",
+                static_cast<unsigned long long>(points), realisticCalls.size());
     EXPECT_GT(points, 1000U);
 }
 
@@ -105,6 +125,7 @@ TEST_F(FailingHost, isBorneByShutdownAndTheNextStart) {
 }
 
 TEST(FailingHostAtStart, leavesNothingRegistered) {
+    int refusals = 0;
     for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
         for (std::uint64_t nth = 1;; nth += 7) {
             host::Session session;
@@ -117,13 +138,16 @@ TEST(FailingHostAtStart, leavesNothingRegistered) {
                 const std::int64_t answer = plugIn.init();
                 fired = host::faults().fired();
                 host::faults().disarm();
-                EXPECT_EQ(answer, fired ? -2 : 60) << nth;
-                EXPECT_EQ(plugIn.functions().size(), fired ? 0U : 25U) << nth;
+                // All or nothing. Withdrawing what an earlier start of the same image left may fail unheard.
+                EXPECT_TRUE(answer == 60 || (fired && answer == -2)) << nth << ": " << answer;
+                EXPECT_EQ(plugIn.functions().size(), answer == 60 ? 25U : 0U) << nth;
+                refusals += answer == -2 ? 1 : 0;
                 EXPECT_TRUE(plugIn.misdeeds().empty());
             }
             EXPECT_EQ((host::objectCounts() - before).describe(), "") << nth;
             if (!fired) break;
         }
+    EXPECT_GT(refusals, 20);
 }
 
 } // namespace
