@@ -43,10 +43,14 @@ std::string read(const std::string& path) {
 
 } // namespace
 
-void setScriptStatus(std::string id, std::string status) { write(pathOf("status_", id), status); }
+void setScriptStatus(const std::string& id, const std::string& status) {
+    write(pathOf("status_", id), status);
+}
 
-void setScriptResult(std::string id, std::string result) { write(pathOf("result_", id), result); }
+void setScriptResult(const std::string& id, const std::string& result) {
+    write(pathOf("result_", id), result);
+}
 
-std::string getScriptStatus(std::string id) { return read(pathOf("status_", id)); }
+std::string getScriptStatus(const std::string& id) { return read(pathOf("status_", id)); }
 
-std::string getScriptResult(std::string id) { return read(pathOf("result_", id)); }
+std::string getScriptResult(const std::string& id) { return read(pathOf("result_", id)); }

@@ -13,14 +13,14 @@
 /// What a run that has no record reads as.
 inline constexpr const char* kNoRecord = "<KST_NOT_EXISTS>";
 
-/// Nothing fills these on this platform.
-extern std::map<std::string, std::string> _scriptStatus;
-extern std::map<std::string, std::string> _scriptResult;
+/// Nothing fills these on this platform. Other parts of the product know them by these names.
+extern std::map<std::string, std::string> _scriptStatus; // NOLINT(bugprone-reserved-identifier)
+extern std::map<std::string, std::string> _scriptResult; // NOLINT(bugprone-reserved-identifier)
 
 /// Keep a text, byte for byte, in place of an earlier one. Nothing is said when that fails.
-void setScriptStatus(std::string id, std::string status);
-void setScriptResult(std::string id, std::string result);
+void setScriptStatus(const std::string& id, const std::string& status);
+void setScriptResult(const std::string& id, const std::string& result);
 
 /// The whole text; kNoRecord when there is none, nothing when the file is there and cannot be read.
-std::string getScriptStatus(std::string id);
-std::string getScriptResult(std::string id);
+std::string getScriptStatus(const std::string& id);
+std::string getScriptResult(const std::string& id);

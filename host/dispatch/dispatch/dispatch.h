@@ -12,6 +12,8 @@
 extern "C" {
 #endif
 
+// A header for C as well, like the platform's own.
+// NOLINTBEGIN(modernize-use-using)
 typedef uint64_t dispatch_time_t;
 
 typedef struct dispatch_queue_s* dispatch_queue_t;
@@ -22,6 +24,7 @@ typedef void (^dispatch_block_t)(void);
 /// Without the blocks extension a block is only passed along.
 typedef void* dispatch_block_t;
 #endif
+// NOLINTEND(modernize-use-using)
 
 #define DISPATCH_TIME_NOW (0ull)
 #define DISPATCH_TIME_FOREVER (~0ull)
