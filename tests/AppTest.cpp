@@ -209,6 +209,34 @@ TEST_F(SqlTest, ErrorsTellGrammarFromTheRest) {
     EXPECT_EQ(file->executeSql(u"SELECT 1", u"Elsewhere", {}).error, 100);
 }
 
+TEST_F(SqlTest, AnotherOpenFileIsReachedByItsName) {
+    Solution other;
+    other.name = u"Other";
+    other.schema = "CREATE TABLE u (x); INSERT INTO u VALUES (1)";
+    session.open(std::move(other));
+    EXPECT_EQ(file->executeSql(u"UPDATE u SET x = x + 1", u"OTHER.fmp12", {}).error, 0);
+    EXPECT_EQ(file->executeSql(u"SELECT x FROM u", u"Other", {}).rows.at(0).at(0)->asText(), Text(u"2"));
+    EXPECT_EQ(error(u"SELECT x FROM u"), 8309);
+}
+
+TEST_F(SqlTest, TheEnginesFunctionRunsTheSameStatements) {
+    const struct {
+        const char16_t *calculation, *result;
+    } cases[] = {
+        {u"ExecuteSQL ( \"INSERT INTO t (txt, num, d, h) VALUES (?, ?, ?, ?)\" ; \"\" ; \"\" ; \"a\" ; .5 ; "
+         u"Date ( 2 ; 29 ; 2024 ) ; Time ( 1 ; 2 ; 3 ) )",
+         u""},
+        {u"ExecuteSQL ( \"SELECT txt, num, d, h FROM t WHERE d = ?\" ; \" | \" ; \"\" ; Date ( 2 ; 29 ; 2024 "
+         u") )",
+         u"a | .5 | 2/29/2024 | 1:02:03"},
+        {u"ExecuteSQL ( \"VALUES (1, 2), (3, 4)\" ; \"\" ; \"\" )", u"1,2\r3,4"},
+        {u"ExecuteSQL ( \"SELEC\" ; \"\" ; \"\" )", u"?"},
+        {u"ExecuteSQL ( \"SELECT ?\" ; \"\" ; \"\" )", u"?"},
+    };
+    for (const auto& [calculation, result] : cases)
+        EXPECT_EQ(textOf(session, calculation), toUtf8(result)) << toUtf8(calculation);
+}
+
 TEST_F(SqlTest, AnAnswerIsBounded) {
     EXPECT_EQ(error(u"WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n"),
               8309);

@@ -2,6 +2,7 @@
 
 #include "host/calc/Environment.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,8 +13,11 @@ namespace host {
 /// settings, and work for a bounded time.
 class Database {
 public:
+    /// The longest that one statement, and the schema as a whole, may work.
+    static constexpr std::chrono::milliseconds usualBudget{10'000};
+
     /// Runs a script of statements; throws std::runtime_error with the line and the engine's words.
-    explicit Database(const std::string& schema);
+    explicit Database(const std::string& schema, std::chrono::milliseconds budget = usualBudget);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;

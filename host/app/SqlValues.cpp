@@ -1,5 +1,7 @@
 #include "host/app/SqlValues.h"
 
+#include "host/values/Encoding.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -132,7 +134,7 @@ std::optional<DateTime> readIso(std::u16string_view text, DataType wanted) {
     return value;
 }
 
-int bindAscii(sqlite3_stmt* statement, int place, const std::string& text) {
+int bindUtf8(sqlite3_stmt* statement, int place, const std::string& text) {
     return sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
@@ -142,7 +144,7 @@ int bindNumber(sqlite3_stmt* statement, int place, const Decimal& number) {
     const double real = number.toDouble();
     if (std::isfinite(real) && fromDouble(real) == number) return sqlite3_bind_double(statement, place, real);
     const std::u16string digits = number.text();
-    return bindAscii(statement, place, {digits.begin(), digits.end()});
+    return bindUtf8(statement, place, {digits.begin(), digits.end()});
 }
 
 int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
@@ -153,11 +155,12 @@ int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
     return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
+/// As UTF-8, the form that tables keep: asked for in another, the engine would turn the stored value around.
 std::u16string columnText(sqlite3_stmt* statement, int column) {
-    const auto* units = static_cast<const char16_t*>(sqlite3_column_text16(statement, column));
-    const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes16(statement, column));
-    if (units == nullptr) return {};
-    return {units, bytes / sizeof(char16_t)};
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+    if (bytes == nullptr) return {};
+    return fromUtf8({bytes, size});
 }
 
 Data columnBytes(sqlite3_stmt* statement, int column) {
@@ -180,12 +183,8 @@ Data fromText(std::u16string text, DataType declared) {
 
 int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
     switch (value.nativeType()) {
-    case DataType::text: {
-        const std::u16string_view units = value.asText().units();
-        const char16_t* start = units.empty() ? u"" : units.data();
-        return sqlite3_bind_text64(statement, place, reinterpret_cast<const char*>(start),
-                                   units.size() * sizeof(char16_t), SQLITE_TRANSIENT, SQLITE_UTF16);
-    }
+    // Not as UTF-16, of which the engine would take a leading U+FEFF for a mark of byte order.
+    case DataType::text: return bindUtf8(statement, place, value.asText().utf8());
     case DataType::number:
     case DataType::boolean: {
         const auto number = value.number();
@@ -196,9 +195,9 @@ int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
     case DataType::timestamp: {
         const auto moment = value.dateTime(value.nativeType());
         if (!moment) return sqlite3_bind_null(statement, place);
-        if (value.nativeType() == DataType::date) return bindAscii(statement, place, isoDate(*moment));
-        if (value.nativeType() == DataType::time) return bindAscii(statement, place, isoTime(*moment));
-        return bindAscii(statement, place, isoDate(*moment) + " " + isoTime(*moment));
+        if (value.nativeType() == DataType::date) return bindUtf8(statement, place, isoDate(*moment));
+        if (value.nativeType() == DataType::time) return bindUtf8(statement, place, isoTime(*moment));
+        return bindUtf8(statement, place, isoDate(*moment) + " " + isoTime(*moment));
     }
     case DataType::binary: return bindContainer(statement, place, value.asBinary());
     case DataType::invalid: break;

@@ -1,0 +1,109 @@
+#include "host/app/Database.h"
+#include "host/values/Encoding.h"
+
+#include <chrono>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <string>
+
+/// The bounds of a file's tables, tried with little time to spend.
+
+namespace {
+
+using namespace host;
+using std::chrono::seconds;
+
+TEST(Database, StopsAStatementThatRunsAway) {
+    using Clock = std::chrono::steady_clock;
+    Database database("CREATE TABLE t (x); INSERT INTO t VALUES (1)", std::chrono::milliseconds(50));
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(database
+                  .execute(u"WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+                           u"SELECT count(*) FROM n",
+                           {})
+                  .error,
+              8309);
+    // A change is undone.
+    EXPECT_EQ(database
+                  .execute(u"WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+                           u"INSERT INTO t SELECT i FROM n",
+                           {})
+                  .error,
+              8309);
+    EXPECT_LT(Clock::now() - start, seconds(3));
+    EXPECT_EQ(database.execute(u"SELECT count(*) FROM t", {}).rows.at(0).at(0)->asText(), Text(u"1"));
+}
+
+TEST(Database, StopsWhatRunsAwayInsideOneStep) {
+    using Clock = std::chrono::steady_clock;
+    Database database("", std::chrono::milliseconds(50));
+    const Clock::time_point start = Clock::now();
+    const char* const expressions[] = {
+        "instr(long, half)",
+        "replace(long, half, '')",
+        "trim(long, half)",
+        "long LIKE '%' || pattern",
+        "long LIKE '%' || pattern ESCAPE 'x'",
+        "long GLOB '*' || pattern",
+        "json_patch('{}', '{}')",
+    };
+    for (const char* const expression : expressions) {
+        const std::string statement =
+            "WITH RECURSIVE v (long, half, pattern) AS (SELECT printf('%.*c', 8000000, 'a'), "
+            "printf('%.*c', 4000000, 'a') || 'b', printf('%.*c', 990, 'a') || 'b'), "
+            "n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+            "SELECT count(" +
+            std::string(expression) + " || i) FROM v, n";
+        EXPECT_EQ(database.execute(fromUtf8(statement), {}).error, 8309) << expression;
+    }
+    EXPECT_LT(Clock::now() - start, seconds(10));
+}
+
+/// What replaces the engine's own functions gives what they give, for text that is well formed.
+TEST(Database, BoundedFunctionsAgreeWithTheEngines) {
+    sqlite3* engine = nullptr;
+    ASSERT_EQ(sqlite3_open(":memory:", &engine), SQLITE_OK);
+    Database database("");
+    const char* const values[] = {"''",   "'a'",     "'ab'", "'abcab'", "'  b '",     "'éa中é'",
+                                  "'é'",  "'😀a😀'", "'%'",  "'_b%'",   "'*b[a-c]*'", "'x%b'",
+                                  "12.5", "25",      "NULL", "x'6162'", "x'c3a9'",    "'B'"};
+    const char* const calls[] = {"instr(%s,%s)",
+                                 "replace(%s,%s,'é-')",
+                                 "replace('abcaéb',%s||'b',%s)",
+                                 "trim(%s,%s)",
+                                 "ltrim(%s,%s)",
+                                 "rtrim(%s,%s)",
+                                 "trim(%s)||%s",
+                                 "%s LIKE %s",
+                                 "%s LIKE %s ESCAPE 'x'",
+                                 "%s GLOB %s",
+                                 "'a' LIKE ifnull(%s,'') ESCAPE %s"};
+    int compared = 0;
+    for (const char* const call : calls)
+        for (const char* const first : values)
+            for (const char* const second : values) {
+                char* const expression = sqlite3_mprintf(call, first, second);
+                const std::string statement =
+                    std::string("SELECT typeof(") + expression + ") || hex(" + expression + ")";
+                sqlite3_free(expression);
+                sqlite3_stmt* prepared = nullptr;
+                sqlite3_prepare_v2(engine, statement.c_str(), -1, &prepared, nullptr);
+                const bool works = sqlite3_step(prepared) == SQLITE_ROW;
+                const calc::SqlAnswer answer = database.execute(fromUtf8(statement), {});
+                if (works && answer.error == 0) {
+                    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
+                    EXPECT_EQ(answer.rows.at(0).at(0)->asText().utf8(), text) << statement;
+                    ++compared;
+                } else if (works) {
+                    EXPECT_THAT(statement, testing::HasSubstr("ESCAPE '%'")) << statement;
+                } else {
+                    EXPECT_NE(answer.error, 0) << statement;
+                }
+                sqlite3_finalize(prepared);
+            }
+    EXPECT_GT(compared, 3'000);
+    sqlite3_close(engine);
+}
+
+} // namespace
