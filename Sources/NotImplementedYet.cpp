@@ -19,11 +19,6 @@ fmx::errcode answerNotImplemented(const fmx::ExprEnv& env, fmx::Data& result) {
 } // namespace
 
 FMX_PROC(fmx::errcode)
-Kestrel_ExecuteSQL(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
 Kestrel_Encode(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return answerNotImplemented(env, result);
 }

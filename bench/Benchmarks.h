@@ -5,5 +5,6 @@
 namespace bench {
 
 void benchGlobals();
+void benchSql();
 
 } // namespace bench

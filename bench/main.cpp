@@ -110,4 +110,5 @@ int main() {
     benchLoad();
     benchConversions();
     bench::benchGlobals();
+    bench::benchSql();
 }

@@ -1,0 +1,209 @@
+#include "FunctionCalls.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+/// SQL through the loaded plug-in, and its answers beside those of SQLite's own shell.
+
+namespace {
+
+using host::Data;
+
+constexpr std::u16string_view executeSql = u"Kestrel_ExecuteSQL";
+
+class ExecuteSQL : public FunctionCalls {
+protected:
+    void SetUp() override {
+        FunctionCalls::SetUp();
+        for (const char* statement :
+             {"CREATE TABLE t (txt TEXT, num NUMERIC, d DATE, h TIME, m TIMESTAMP, c BLOB)",
+              "INSERT INTO t VALUES ('a', 0.5, '2024-02-29', '-1:00:05', '2024-02-29 14:05:09', x'00FF')",
+              "INSERT INTO t VALUES ('b\t|\"', -12, NULL, NULL, NULL, NULL)"})
+            ASSERT_EQ(run(statement).value.asText().utf8(), "") << statement;
+    }
+
+    Answer run(const char* statement) { return call(executeSql, {Data(host::fromUtf8(statement))}); }
+};
+
+TEST_F(ExecuteSQL, answersCalculations) {
+    const struct {
+        const char *parameters, *result, *lastError;
+    } steps[] = {
+        {"\"VALUES ( 'a' , 'b' ) , ( 'c' , 'd' )\"", "a\tb\rc\td", "0 No Error Message"},
+        {"\"SELECT txt, num FROM t\" ; \"||\"", "a|.5\rb\t|\"|-12", "0 No Error Message"},
+        {"\"SELECT txt, num FROM t\" ; \"\" ; \"\"", "a\t.5\rb\t|\"\t-12", "0 No Error Message"},
+        {"\"SELECT num, num FROM t\" ; \", \" ; \"; \" ; \"ignored\"", ".5,.5;-12,-12", "0 No Error Message"},
+        {"\"SELECT num FROM t\" ; 12 ; 34", ".53-12", "0 No Error Message"},
+        {"\"SELECT d, h, m FROM t\" ; \" \" ; \"/\"", "2/29/2024 -1:00:05 2/29/2024 14:05:09/  ",
+         "0 No Error Message"},
+        // A container is its file's name, and SQL keeps none.
+        {"\"SELECT c, txt, c FROM t LIMIT 1\" ; \"|\"", "|a|", "0 No Error Message"},
+        {"\"SELECT txt FROM t WHERE num > 1\"", "", "0 No Error Message"},
+        {"\"VALUES ( NULL ) , ( NULL )\"", "\r", "0 No Error Message"},
+        {"\"SELEC\"", "8310", "8310 SQL Error"},
+        {"\"\"", "8310", "8310 SQL Error"},
+        {"\"SELECT txt FROM nowhere\"", "8309", "8309 SQL Error"},
+        {"\"SELECT \\\"txd\\\" FROM t\"", "8309", "8309 SQL Error"},
+        {"\"SELECT \\\"txt\\\" FROM t WHERE num = ?\"", "8309", "8309 SQL Error"},
+        {"\"UPDATE t SET num = num * 2\"", "", "0 No Error Message"},
+        {"\"DELETE FROM t WHERE num < 0 RETURNING txt\"", "b\t|\"", "0 No Error Message"},
+        {"\"SELECT num FROM t\"", "1", "0 No Error Message"},
+    };
+    for (const auto& [parameters, result, expectedError] : steps) {
+        EXPECT_EQ(textOf(std::string("Kestrel_ExecuteSQL ( ") + parameters + " )"), result) << parameters;
+        EXPECT_EQ(lastError(), expectedError) << parameters;
+    }
+}
+
+TEST_F(ExecuteSQL, givesTextOrTheNumberOfTheError) {
+    EXPECT_EQ(run("SELECT num FROM t LIMIT 1").value.nativeType(), host::DataType::text);
+    const Answer refused = run("SELECT nothing");
+    EXPECT_EQ(refused.error, 0);
+    EXPECT_EQ(refused.value.nativeType(), host::DataType::number);
+
+    textOf("Let ( $$Kestrel_LastError = \"as it was\" ; \"\" )");
+    const Answer none = call(executeSql, {});
+    EXPECT_EQ(none.error, 0);
+    EXPECT_TRUE(none.value.isIdenticalTo(Data()));
+    EXPECT_EQ(textOf("$$Kestrel_LastError"), "as it was");
+}
+
+TEST_F(ExecuteSQL, takesOneUnitOfASeparator) {
+    const struct {
+        std::u16string separator, result;
+    } cases[] = {
+        {u"\U0001F600", u"1\xD83D\x32"}, // the first half of a pair
+        {u"\xDE00\xD83D", u"1\xDE00\x32"},
+        {u"\u00E9\u0301", u"1\u00E92"},
+        {std::u16string(u"\0|", 2), std::u16string(u"1\0002", 3)},
+    };
+    for (const auto& [separator, result] : cases) {
+        const Data query(u"SELECT 1, 2");
+        EXPECT_EQ(call(executeSql, {query, Data(separator)}).value.asText().units(), result);
+        const Data rows(u"VALUES ( 1 ) , ( 2 )");
+        EXPECT_EQ(call(executeSql, {rows, Data(u"x"), Data(separator)}).value.asText().units(), result);
+    }
+}
+
+TEST_F(ExecuteSQL, takesStyledTextAndGivesPlain) {
+    const char* const styled =
+        "Let ( bold = TextStyleAdd ( \"|\" ; Bold ) ; Kestrel_ExecuteSQL ( "
+        "TextStyleAdd ( \"SELECT txt, num FROM t LIMIT 1\" ; Italic ) ; bold ; bold ) )";
+    EXPECT_EQ(textOf(styled), "a|.5");
+    EXPECT_TRUE(evaluate(styled).value->asText().isPlain());
+}
+
+TEST_F(ExecuteSQL, readsTheCallingFile) {
+    host::Solution other = solutionNamed(u"Other");
+    other.schema = "CREATE TABLE mine (x); INSERT INTO mine VALUES ('theirs')";
+    session.open(std::move(other));
+    EXPECT_EQ(run("SELECT x FROM mine").value.asText().utf8(), "8309");
+    session.close(file);
+    EXPECT_EQ(run("SELECT x FROM mine").value.asText().utf8(), "theirs");
+}
+
+/// A host call that fails leaves 2400 in the result and the record, never a part of the answer.
+TEST_F(ExecuteSQL, answersAllOrNothingWhenTheHostFails) {
+    const std::vector<Data> query{Data(u"SELECT txt, num, c, d FROM t"), Data(u"; "), Data(u"/ ")};
+    for (std::uint64_t nth = 1;; ++nth) {
+        textOf("Let ( [ $$Kestrel_LastError = \"\" ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
+        host::faults().arm(nth, host::Faults::Kind::badAlloc, false);
+        const Answer answer = call(executeSql, query);
+        const bool fired = host::faults().fired();
+        host::faults().disarm();
+        ASSERT_EQ(answer.error, 0);
+        ASSERT_EQ(answer.value.asText().utf8(), fired ? "2400" : "a;.5;;2/29/2024/b\t|\";-12;;") << nth;
+        ASSERT_EQ(lastError(), fired ? "2400 std::bad_alloc" : "0 No Error Message") << nth;
+        if (!fired) break;
+        ASSERT_LT(nth, 1'000U);
+    }
+}
+
+/// What a command of the machine writes.
+std::string outputOf(const std::string& command) {
+    std::string output;
+    FILE* pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the test's own command
+    if (pipe == nullptr) return "cannot be run";
+    std::array<char, 1 << 16> chunk{};
+    for (std::size_t size = 0; (size = std::fread(chunk.data(), 1, chunk.size(), pipe)) > 0;)
+        output.append(chunk.data(), size);
+    EXPECT_EQ(::pclose(pipe), 0) << command;
+    return output;
+}
+
+/// A hundred thousand rows with what is easily spoilt: both separators, quotes, all lengths of UTF-8, no
+/// value and empty text. The fractions are written alike by both: the shell has a digit before the point.
+constexpr const char* manyRows = R"(
+CREATE TABLE many (id INTEGER PRIMARY KEY, name TEXT, price NUMERIC, note TEXT);
+WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)
+INSERT INTO many SELECT i,
+    CASE i % 7 WHEN 0 THEN 'Ada Brandström' WHEN 1 THEN '中村 さくら' WHEN 2 THEN '😀𝄞'
+               WHEN 3 THEN 'a' || char(9) || 'b' || char(13) WHEN 4 THEN '"q", ''q''' WHEN 5 THEN 'x|y;z'
+               ELSE hex(i) END || i,
+    (i - 50000) * 1000 + i % 4 * 0.25,
+    CASE i % 3 WHEN 0 THEN NULL WHEN 1 THEN '' ELSE 'é' END
+FROM n;
+)";
+
+class Shell : public ExecuteSQL {
+protected:
+    void SetUp() override {
+        if (std::system("command -v sqlite3 >/dev/null") != 0) // NOLINT(cert-env33-c): a fixed command
+            GTEST_SKIP() << "the package sqlite3 is not installed";
+        ExecuteSQL::SetUp();
+        session.close(file);
+        host::Solution solution;
+        solution.schema = manyRows;
+        session.open(std::move(solution));
+        std::string name = testing::TempDir() + "sqlXXXXXX";
+        folder = ::mkdtemp(name.data());
+    }
+    void TearDown() override {
+        if (IsSkipped()) return;
+        std::filesystem::remove_all(folder);
+        ExecuteSQL::TearDown();
+    }
+
+    /// The shell's answer without the separator that it writes behind the last row.
+    std::string shellsAnswer(const std::string& query, const std::string& fields,
+                             const std::string& records) {
+        const std::filesystem::path script = folder / "script.sql";
+        std::ofstream(script) << manyRows << ".mode list\n.separator \"" << fields << "\" \"" << records
+                              << "\"\n"
+                              << query << ";\n";
+        std::string output =
+            outputOf("sqlite3 -batch -noheader -init /dev/null :memory: <'" + script.string() + "'");
+        const std::size_t last = records.front() == '\\' ? 1 : records.size();
+        if (output.size() >= last) output.resize(output.size() - last);
+        return output;
+    }
+
+    std::filesystem::path folder;
+};
+
+TEST_F(Shell, givesTheSameBytes) {
+    const struct {
+        const char *query, *fields, *records, *shellsFields, *shellsRecords;
+    } cases[] = {
+        {"SELECT * FROM many ORDER BY id", "\t", "\r", "\\t", "\\r"},
+        {"SELECT note, name, sum(price), count(*) FROM many GROUP BY id / 5, note ORDER BY max(id)", "·",
+         "語", "·", "語"},
+        {"SELECT a.name, b.name FROM many a JOIN many b ON b.id = a.id * 2 ORDER BY a.id DESC", "|", "\n",
+         "|", "\\n"},
+    };
+    for (const auto& [query, fields, records, shellsFields, shellsRecords] : cases) {
+        const std::string ours = call(executeSql, {Data(host::fromUtf8(query)), Data(host::fromUtf8(fields)),
+                                                   Data(host::fromUtf8(records))})
+                                     .value.asText()
+                                     .utf8();
+        EXPECT_GT(ours.size(), 500'000U) << query;
+        // Not EXPECT_EQ, which would print megabytes.
+        EXPECT_TRUE(ours == shellsAnswer(query, shellsFields, shellsRecords)) << query;
+    }
+}
+
+} // namespace
