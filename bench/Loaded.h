@@ -28,8 +28,11 @@ public:
     void call(const host::RegisteredFunction& function, const host::DataVect& arguments,
               host::Data& result) const {
         using host::bridge::out;
-        function.handler(function.id, out<fmx::ExprEnv>(environment_), out<fmx::DataVect>(arguments),
-                         out<fmx::Data>(result));
+        function.handler(function.id, environment(), out<fmx::DataVect>(arguments), out<fmx::Data>(result));
+    }
+    /// Where calculations are evaluated, as the plug-in sees it.
+    [[nodiscard]] const fmx::ExprEnv& environment() const {
+        return host::bridge::out<fmx::ExprEnv>(environment_);
     }
 
 private:

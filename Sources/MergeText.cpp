@@ -1,0 +1,132 @@
+#include "MergeText.h"
+
+#include "FMWrapper/FMXText.h"
+#include "FMWrapper/FMXTextStyle.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
+#include "LastError.h"
+#include "cFMUtils.h"
+
+#include <stdexcept>
+
+namespace {
+
+constexpr fmx::uint32 kDelimiterSize = 2;
+
+/// A delimiter that is looked for in one text, at positions that only grow. What was found last answers until
+/// the search has passed it, so that the text is searched once, however often it is asked.
+class Delimiter {
+public:
+    Delimiter(const fmx::Text& text, const char* characters) : text_(text) {
+        characters_->Assign(characters);
+    }
+
+    [[nodiscard]] const fmx::Text& characters() const { return *characters_; }
+
+    /// The first at or after a position, fmx::Text::kSize_Invalid without any.
+    fmx::uint32 find(fmx::uint32 position) {
+        if (!searched_ || found_ < position) found_ = text_.Find(*characters_, position);
+        searched_ = true;
+        return found_;
+    }
+    /// The last of those that begin one position after the other, from `position`, where one is.
+    fmx::uint32 lastOfRun(fmx::uint32 position) {
+        while (find(position + 1) == position + 1)
+            ++position;
+        return position;
+    }
+
+private:
+    const fmx::Text& text_;
+    fmx::TextUniquePtr characters_;
+    bool searched_ = false;
+    fmx::uint32 found_ = 0;
+};
+
+/// One template while it is filled in. The position is where the text not yet copied begins; each step moves
+/// it past what it has looked for, so that the whole is linear in the template.
+class Merge {
+public:
+    Merge(const fmx::ExprEnv& env, const fmx::Text& text) : env_(env) { source_->SetText(text); }
+
+    const fmx::Text& run() {
+        for (;;) {
+            const fmx::uint32 open = opening_.find(position_);
+            if (open == fmx::Text::kSize_Invalid) break;
+            const fmx::uint32 close = closing_.find(position_);
+            if (close == fmx::Text::kSize_Invalid) break;
+            if (open < close)
+                fill(open, close);
+            else
+                copyUpTo(open + kDelimiterSize);
+        }
+        copyUpTo(source_->GetSize());
+        return *output_;
+    }
+
+private:
+    /// Looks travel with the characters.
+    void copyUpTo(fmx::uint32 end) {
+        if (end > position_) output_->AppendText(*source_, position_, end - position_);
+        position_ = end;
+    }
+
+    void fill(fmx::uint32 open, fmx::uint32 close) {
+        open = opening_.lastOfRun(open);
+        copyUpTo(open);
+        const fmx::uint32 begin = open + kDelimiterSize;
+        expression_->SetText(*source_, begin, close - begin);
+        if (close > begin)
+            expression_->GetStyle(*look_, 0);
+        else
+            source_->GetStyle(*look_, begin);
+        evaluate();
+        // Of more than two ">", the last two count as the delimiter that is passed; those before are text.
+        const fmx::uint32 last = closing_.lastOfRun(close);
+        if (last > close) output_->AppendText(*source_, close, last - close);
+        position_ = last + kDelimiterSize;
+    }
+
+    void evaluate() {
+        const bool evaluates = env_.Evaluate(*expression_, *value_) == 0;
+        const bool hasLook = !look_->IsAllDisabled();
+        const fmx::uint32 start = hasLook ? output_->GetSize() : 0;
+        if (evaluates) {
+            const fmx::Text& text = value_->GetAsText();
+            output_->AppendText(text);
+            if (!hasLook) return;
+            text.GetStyle(*valuesLook_, 0);
+            if (!valuesLook_->IsAllDisabled()) return;
+        } else {
+            output_->AppendText(opening_.characters());
+            output_->AppendText(*expression_);
+            output_->AppendText(closing_.characters());
+        }
+        if (hasLook) output_->SetStyle(*look_, start);
+    }
+
+    const fmx::ExprEnv& env_;
+    fmx::TextUniquePtr source_, output_, expression_;
+    Delimiter opening_{*source_, "<<"}, closing_{*source_, ">>"};
+    fmx::DataUniquePtr value_;
+    fmx::CharacterStyleUniquePtr look_, valuesLook_;
+    fmx::uint32 position_ = 0;
+};
+
+} // namespace
+
+void PerformMergeText(const fmx::ExprEnv& env, const fmx::DataVect& values, fmx::Data& result) {
+    if (values.Size() == 0) throw std::logic_error("Check failed: dataVect.Size() > 0");
+    Merge merge(env, values.AtAsText(0));
+    cFMUtils::FMResultFromText(merge.run(), result);
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_MergeText(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        if (parameters.Size() == 0)
+            return kst::AnswerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
+        PerformMergeText(env, parameters, result);
+        return fmx::errcode{0};
+    });
+}

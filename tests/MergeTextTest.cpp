@@ -1,0 +1,277 @@
+#include "FunctionCalls.h"
+
+#include <array>
+#include <random>
+
+/// Templates filled in through the loaded library, beside a merge that goes character by character.
+
+namespace {
+
+using host::CharacterStyle;
+using host::Data;
+using host::Text;
+
+CharacterStyle faces(std::uint16_t which) {
+    CharacterStyle style;
+    style.setFaces(which);
+    return style;
+}
+
+struct Letter {
+    char16_t unit = 0;
+    CharacterStyle look;
+    bool operator==(const Letter&) const = default;
+};
+using Letters = std::vector<Letter>;
+
+Letters lettersOf(const Text& text) {
+    Letters letters;
+    for (std::uint32_t i = 0; i < text.size(); ++i)
+        letters.push_back({text.units()[i], text.lookAt(i).style});
+    return letters;
+}
+
+Text textFrom(const Letters& letters) {
+    Text text;
+    for (const Letter& letter : letters)
+        text.append(std::u16string(1, letter.unit), {letter.look, {}});
+    return text;
+}
+
+/// The merge, slow and simple.
+class SlowMerge {
+public:
+    explicit SlowMerge(host::Session& session) : session_(session) {}
+
+    Letters operator()(const Letters& source) const {
+        Letters output;
+        const auto copy = [&](std::size_t from, std::size_t to) {
+            for (; from < to; ++from)
+                output.push_back(source[from]);
+        };
+        std::size_t at = 0;
+        for (;;) {
+            const std::size_t open = find(source, u'<', at), close = find(source, u'>', at);
+            if (open == none || close == none) break;
+            if (open > close) {
+                copy(at, open + 2);
+                at = open + 2;
+                continue;
+            }
+            std::size_t begin = open;
+            while (isPair(source, u'<', begin + 1))
+                ++begin;
+            copy(at, begin);
+            for (const Letter& letter : filled({source.begin() + static_cast<std::ptrdiff_t>(begin) + 2,
+                                                source.begin() + static_cast<std::ptrdiff_t>(close)},
+                                               source[begin + 2].look))
+                output.push_back(letter);
+            std::size_t end = close;
+            for (; isPair(source, u'>', end + 1); ++end)
+                output.push_back(source[end]);
+            at = end + 2;
+        }
+        copy(at, source.size());
+        return output;
+    }
+
+private:
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    static bool isPair(const Letters& text, char16_t unit, std::size_t at) {
+        return at + 1 < text.size() && text[at].unit == unit && text[at + 1].unit == unit;
+    }
+    static std::size_t find(const Letters& text, char16_t unit, std::size_t from) {
+        for (; from < text.size(); ++from)
+            if (isPair(text, unit, from)) return from;
+        return none;
+    }
+
+    Letters filled(const Letters& expression, const CharacterStyle& look) const {
+        const host::calc::Result result = session_.evaluate(textFrom(expression).units());
+        Letters letters;
+        if (result.error == 0) {
+            letters = lettersOf(result.value->asText());
+            if (!letters.empty() && !letters.front().look.isAllDisabled()) return letters;
+        } else {
+            letters = expression;
+            letters.insert(letters.begin(), 2, {u'<', {}});
+            letters.insert(letters.end(), 2, {u'>', {}});
+        }
+        for (Letter& letter : letters)
+            letter.look.apply(look);
+        return letters;
+    }
+
+    host::Session& session_;
+};
+
+class MergeText : public FunctionCalls {
+protected:
+    Text merged(const Text& text) {
+        Answer answer = call(u"Kestrel_MergeText", {Data(text)});
+        EXPECT_EQ(answer.error, 0);
+        EXPECT_EQ(answer.value.nativeType(), host::DataType::text);
+        return answer.value.asText();
+    }
+};
+
+TEST_F(MergeText, agreesWithASlowMergeOnRandomTemplates) {
+    const std::u16string half{0xD83D};
+    const std::u16string pieces[] = {u"<",
+                                     u"<",
+                                     u"<<",
+                                     u"<<",
+                                     u">",
+                                     u">",
+                                     u">>",
+                                     u">>",
+                                     u"1+2",
+                                     u"\"x\"",
+                                     u"TextStyleAdd ( \"ab\" ; Bold ) & \"c\"",
+                                     u"\"c\" & TextStyleAdd ( \"ab\" ; Bold )",
+                                     u"\"\"",
+                                     u"+",
+                                     u" ",
+                                     u"text",
+                                     u"\U0001F600",
+                                     half,
+                                     u"\r",
+                                     u"$none",
+                                     u"\"<<\"",
+                                     u"<<1>>",
+                                     u"<<\"é\">>"};
+    const CharacterStyle looks[] = {{},
+                                    faces(host::face::bold),
+                                    faces(host::face::italic),
+                                    CharacterStyle(3, host::face::plain, 24, {255, 0, 0})};
+    std::mt19937 random(3);
+    const SlowMerge slowly(session);
+    int evaluations = 0;
+    for (int round = 0; round < 6'000; ++round) {
+        Text source;
+        const CharacterStyle* look = looks;
+        for (std::size_t count = random() % 12; count > 0; --count) {
+            if (random() % 3 == 0) look = &looks[random() % std::size(looks)];
+            source.append(Text(pieces[random() % std::size(pieces)], {*look, {}}));
+        }
+        const Letters expected = slowly(lettersOf(source));
+        const Text answer = merged(source);
+        ASSERT_TRUE(lettersOf(answer) == expected)
+            << source.utf8() << "\ngives " << answer.utf8() << "\nnot   " << textFrom(expected).utf8();
+        evaluations += answer == source ? 0 : 1;
+    }
+    EXPECT_GT(evaluations, 1'000);
+}
+
+TEST_F(MergeText, fillsPlaceholders) {
+    const struct {
+        std::u16string source, result;
+    } cases[] = {
+        {u"", u""},
+        {u"no delimiters, a < b > c", u"no delimiters, a < b > c"},
+        {u"Sum: <<1+2>>", u"Sum: 3"},
+        {u"<<1>><<2>>, <<3>>", u"12, 3"},
+        {u"<<1+>>", u"<<1+>>"},
+        {u"<<1+>>>>", u"<<1+>>>>"},
+        {u"<<<1+1>>>", u"<2>"},
+        {u"<<<<1+1>>>>", u"<<2>>"},
+        {u"<< <<1+1>>", u"<< <<1+1>>"}, // the expression begins at the first run
+        {u"a>>b<<1+1>>", u"a>>b<<1+1>>"},
+        {u"a>>b<<1+1>> <<2>>", u"a>>b<<1+1>> <<2>>"}, // that ">>" is again without a partner
+        {u">> << <<2>>", u">> << 2"},
+        {u"<<1+1", u"<<1+1"},
+        {u"1+1>>", u"1+1>>"},
+        {u"<<1>> and <<2", u"1 and <<2"},
+        {u"<<\"<\">><<\"<1>\" & \">\">>", u"<<1>>"}, // values are not templates
+        {u"<<\"\">>", u""},
+        {u"<<$none>>.", u"."},
+        {u"\U0001F600<<\"\U0001F468\">>\U0001F600", u"\U0001F600\U0001F468\U0001F600"},
+        {u"<<>>.", u"."},
+        {u"<<Kestrel_MergeText ( \"<\" & \"<1+1>\" & \">\" )>>", u"2"},
+    };
+    for (const auto& [source, result] : cases)
+        EXPECT_EQ(merged(source).utf8(), Text(result).utf8()) << Text(source).utf8();
+}
+
+TEST_F(MergeText, keepsAndGivesLooks) {
+    const CharacterStyle none, bold = faces(host::face::bold), italic = faces(host::face::italic);
+    CharacterStyle both = bold;
+    both.apply(italic);
+    struct Span {
+        const char16_t* units;
+        CharacterStyle look;
+    };
+    const struct {
+        std::vector<Span> source, result;
+    } cases[] = {
+        {{{u"plain ", none}, {u"bold ", bold}, {u"slanted", italic}},
+         {{u"plain ", none}, {u"bold ", bold}, {u"slanted", italic}}},
+        // The expression's first character decides, not the delimiters or what follows.
+        {{{u"<<", italic}, {u"1", bold}, {u"+1>>!", none}}, {{u"2", bold}, {u"!", none}}},
+        {{{u"<<", italic}, {u"1", none}, {u"+1>>!", bold}}, {{u"2", none}, {u"!", bold}}},
+        // A value that begins with a look of its own keeps its looks; another gets the expression's
+        // everywhere.
+        {{{u"<<TextStyleAdd ( \"a\" ; Bold ) & \"b\">>", italic}}, {{u"a", bold}, {u"b", none}}},
+        {{{u"<<\"a\" & TextStyleAdd ( \"b\" ; Bold )>>", italic}}, {{u"a", italic}, {u"b", both}}},
+        // What does not evaluate gets the look of its first character laid over it.
+        {{{u"<<", none}, {u"1", bold}, {u"+", italic}, {u">>", none}},
+         {{u"<<1", bold}, {u"+", both}, {u">>", bold}}},
+        {{{u"<<", bold}, {u"1", none}, {u"+", italic}, {u">>", bold}},
+         {{u"<<1", none}, {u"+", italic}, {u">>", none}}},
+        // Delimiters that are left over keep theirs.
+        {{{u"<", bold}, {u"<<1>", none}, {u">", none}, {u">", italic}}, {{u"<", bold}, {u"1>", none}}},
+        {{{u"<<1", none}, {u">", bold}, {u">", italic}, {u">", none}}, {{u"1", none}, {u">", bold}}},
+        {{{u">>", bold}, {u"<<1>>", italic}}, {{u">>", bold}, {u"<<1>>", italic}}},
+    };
+    const auto join = [](const std::vector<Span>& spans) {
+        Text text;
+        for (const Span& span : spans)
+            text.append(span.units, {span.look, {}});
+        return text;
+    };
+    for (const auto& [source, result] : cases)
+        EXPECT_TRUE(merged(join(source)).isIdenticalTo(join(result))) << join(source).utf8();
+}
+
+TEST_F(MergeText, copiesAlignmentAsWell) {
+    Text source(u"left<<1>>\rright", {});
+    source.setAlignment(host::Alignment::right, 10);
+    Text expected(u"left1\rright", {});
+    expected.setAlignment(host::Alignment::right, 6);
+    EXPECT_TRUE(merged(source).isIdenticalTo(expected));
+}
+
+TEST_F(MergeText, evaluatesWhereTheCalculationStands) {
+    EXPECT_EQ(textOf("Let ( $x = 5 ; Kestrel_MergeText ( \"<<$x>> <<Get ( FileName )>>\" ) )"), "5 Untitled");
+    // Each occurrence by itself, from left to right.
+    EXPECT_EQ(textOf("Let ( $n = 0 ; Kestrel_MergeText ( \"<<Let ( $n = $n + 1 ; $n )>>"
+                     "<<Let ( $n = $n + 1 ; $n )>>\" ) & $n )"),
+              "122");
+    EXPECT_EQ(textOf("Kestrel_MergeText ( \"<<Date ( 2 ; 29 ; 2024 )>>, <<1/4>>, <<Time ( 1 ; 2 ; 3 )>>\" )"),
+              "2/29/2024, .25, 1:02:03");
+    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_MergeText ( \"<<1>>\" ) )"), "Text");
+    EXPECT_EQ(textOf("Kestrel_MergeText ( 12 )"), "12");
+}
+
+TEST_F(MergeText, endsWhenATemplateCallsItself) {
+    const host::calc::Result result =
+        evaluate("Let ( $$t = \"<<Kestrel_MergeText ( $$t )>>\" ; Kestrel_MergeText ( $$t ) )");
+    EXPECT_NE(result.error, 0);
+    EXPECT_EQ(textOf("Kestrel_MergeText ( \"<<1>>\" )"), "1");
+    textOf("Let ( $$t = \"\" ; $$t )");
+}
+
+TEST_F(MergeText, readsItsFirstParameterAndLeavesTheLastErrorAlone) {
+    textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"kept\" ] ; \"\" )");
+    EXPECT_EQ(textOf("Kestrel_MergeText ( \"<<1+>>\" )"), "<<1+>>");
+    EXPECT_EQ(call(u"Kestrel_MergeText", {Data(u"<<1>>"), Data(u"<<2>>")}).value.asText().utf8(), "1");
+    EXPECT_EQ(lastError(), "7 kept");
+    const Answer answer = call(u"Kestrel_MergeText", {});
+    EXPECT_EQ(answer.error, 0);
+    EXPECT_EQ(answer.value.nativeType(), host::DataType::number);
+    EXPECT_EQ(answer.value.asText().utf8(), "-50");
+    EXPECT_EQ(lastError(), "-50 Not enough parameters");
+}
+
+} // namespace
