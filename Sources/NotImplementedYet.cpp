@@ -19,21 +19,6 @@ fmx::errcode answerNotImplemented(const fmx::ExprEnv& env, fmx::Data& result) {
 } // namespace
 
 FMX_PROC(fmx::errcode)
-Kestrel_Encode(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_Decode(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
-Kestrel_MergeText(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return answerNotImplemented(env, result);
-}
-
-FMX_PROC(fmx::errcode)
 Kestrel_RegExp_Substitute(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return answerNotImplemented(env, result);
 }

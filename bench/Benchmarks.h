@@ -6,5 +6,6 @@ namespace bench {
 
 void benchGlobals();
 void benchSql();
+void benchText();
 
 } // namespace bench

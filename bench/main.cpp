@@ -111,4 +111,5 @@ int main() {
     benchConversions();
     bench::benchGlobals();
     bench::benchSql();
+    bench::benchText();
 }

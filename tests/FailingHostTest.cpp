@@ -83,15 +83,6 @@ TEST_F(FailingHost, isBorneByCallsAsTheyAreReallyMade) {
     EXPECT_GT(points, 1000U);
 }
 
-TEST_F(FailingHost, isBorneByQueries) {
-    const char* const calculations[] = {
-        "Kestrel_ExecuteSQL ( \"VALUES ( 'a' , 1.5 ) , ( 'b' , NULL )\" ; \"|\" ; \"; \" )",
-        "Kestrel_ExecuteSQL ( \"SELECT nothing\" )",
-    };
-    for (const char* const calculation : calculations)
-        EXPECT_GT(failInTurn(calculation, [&] { evaluate(calculation); }), 40U);
-}
-
 TEST_F(FailingHost, isReportedAsAnErrorOfTheHostWhenEvenReportingFails) {
     const host::RegisteredFunction& function = plugIn.functions().front();
     const host::calc::Environment environment = session.environment(session.front());

@@ -24,6 +24,11 @@ inline constexpr std::array realisticCalls{
         Kestrel_GetGlobal ( "k" ) & Kestrel_GetGlobal ( "other" ) ))",
     R"(Kestrel_SetGlobal ( "mine" ; Time ( 1 ; 2 ; 3 ) ; "dieOnClose" ) & Kestrel_SetGlobal ( "mine" ; "" ))",
     R"(Kestrel_SetGlobal ( "k" ; 1 ; "no such option" ))",
+    R"(Kestrel_ExecuteSQL ( "SELECT name, born FROM contacts WHERE id < 4" ; "|" ; "; " ))",
+    R"(Kestrel_ExecuteSQL ( "SELECT nothing" ))",
+    R"(Kestrel_Encode ( "UTF-8 to Base64" ; "Zoë" ) & Kestrel_Encode ( "rot13" ; "a" ))",
+    R"(Kestrel_Decode ( "Base64 to UTF-8" ; "Wm/Dqw==" ))",
+    R"(Kestrel_MergeText ( TextColor ( "Dear <<Upper ( \"Zoë\" )>>, <<1+>> <<<2>>>" ; 255 ) ))",
     R"(Kestrel_DoSystemScript ( "ls" ; "sh" ) & Kestrel_DoBashCmd ( "ls" ))",
     R"(Kestrel_GetDefaultPrinter & Kestrel_SetDefaultPrinter ( "none" ) & Kestrel_GetPrinterNames)",
 };
