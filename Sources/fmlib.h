@@ -39,4 +39,25 @@ unsigned FindFMTextInArray(const fmx::Text& text, const char* const table[], uns
 /// that would end the app: nobody's app ends because of a plug-in, and the handler's frame reports it.
 void FillFMTextWithCurrentDatabaseFileName(fmx::Text& text, const fmx::ExprEnv& env);
 
+/// Adds text to `out`: parameter 0 with the groups of each match of the pattern, parameter 1, replaced by the
+/// following parameters, group 1 by the first of them. The pattern is in ECMAScript's grammar, case counts,
+/// and a character is a UTF-16 unit. Three parameters or more; fewer are std::logic_error. A pattern that is
+/// malformed, or takes too much (PatternSearch.h), is std::regex_error; `out` may then have grown.
+///
+/// Of a match, the text before each replaced group is copied and what follows the last of them left out.
+/// Groups that have no replacement, and replacements that have no group, do not count. When the last match
+/// is done, the pattern's end behind its last ")" is added, also when nothing matched, then the rest of the
+/// text. Looking ends at a match without groups or whose group 1 is empty or took no part.
+///
+/// A pattern whose first character has a style replaces only matches that begin in exactly that style; in
+/// other matches each group is copied instead. Whatever is copied or put in keeps its looks.
+///
+/// - A group that begins before the place that is reached, as one does that lies in another: nothing is
+///   copied before its replacement; copying goes on at its end, be that back again.
+/// - A later group that took no part: passed over, with its replacement.
+/// - A match that is empty, with a group that looks ahead: copying goes on at the match, the search one
+///   character further on, so that it ends.
+void RegExpPerformSubstitute(fmx::Text& out, const fmx::DataVect& params);
+void RegExpPerformSubstitute_Impl(fmx::Text& out, const fmx::DataVect& params);
+
 } // namespace fmlib

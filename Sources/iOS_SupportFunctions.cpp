@@ -2,10 +2,97 @@
 #include "FMWrapper/FMXData.h"
 #include "FMWrapper/FMXExtern.h"
 #include "FMWrapper/FMXText.h"
+#include "FMWrapper/FMXTextStyle.h"
+#include "PatternSearch.h"
 #include "fmlib.h"
 
+#include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+namespace {
+
+constexpr fmx::uint32 kTextParameter = 0;
+constexpr fmx::uint32 kPatternParameter = 1;
+
+/// What is added behind the last match: the pattern from behind its last ")" on, nothing when it holds none.
+std::wstring tailOf(const std::wstring& pattern) {
+    const std::size_t last = pattern.rfind(L')');
+    return last == std::wstring::npos ? std::wstring() : pattern.substr(last + 1);
+}
+
+/// Adds units, which came from a text, without a style.
+void appendUnits(fmx::Text& out, const std::wstring& units) {
+    if (units.empty()) return;
+    const std::vector<fmx::uint16> narrow(units.begin(), units.end());
+    const fmx::TextUniquePtr piece;
+    piece->AssignUnicodeWithLength(narrow.data(), static_cast<fmx::uint32>(narrow.size()));
+    out.AppendText(*piece);
+}
+
+/// Which matches are replaced: all, or those that begin in the pattern's own style.
+class StyleCondition {
+public:
+    explicit StyleCondition(const fmx::Text& pattern) {
+        pattern.GetStyle(*wanted_, 0);
+        isPlain_ = wanted_->IsAllDisabled();
+    }
+    [[nodiscard]] bool holds(const fmx::Text& text, std::size_t position) const {
+        if (isPlain_) return true;
+        text.GetStyle(*found_, static_cast<fmx::uint32>(position));
+        return *found_ == *wanted_;
+    }
+
+private:
+    fmx::CharacterStyleUniquePtr wanted_, found_;
+    bool isPlain_ = true;
+};
+
+/// Copies a text in order, with other pieces in between.
+class Substitution {
+public:
+    Substitution(fmx::Text& out, const fmx::DataVect& parameters)
+        : out_(out), parameters_(parameters), text_(parameters.AtAsText(kTextParameter)),
+          style_(parameters.AtAsText(kPatternParameter)) {}
+
+    /// Replaces the groups of the match that was found.
+    void replaceGroups(const kst::PatternSearch& search) {
+        const bool isReplaced = style_.holds(text_, search.whole().begin);
+        const std::size_t replacements = parameters_.Size() - kPatternParameter - 1;
+        for (std::size_t k = 1; k <= search.groupCount() && k <= replacements; ++k) {
+            const std::optional<kst::Span> group = search.group(k);
+            if (!group) continue;
+            copyTo(group->begin);
+            if (isReplaced)
+                out_.AppendText(parameters_.AtAsText(static_cast<fmx::uint32>(kPatternParameter + k)));
+            else
+                append({group->begin, group->end});
+            position_ = group->end;
+        }
+        position_ = search.whole().end;
+    }
+    /// Copies what is left.
+    void finish() { copyTo(text_.GetSize()); }
+
+private:
+    void copyTo(std::size_t end) {
+        if (position_ < end) append({position_, end});
+    }
+    void append(kst::Span span) {
+        // The host's own size for "all that follows" is longer than any text.
+        out_.AppendText(text_, static_cast<fmx::uint32>(span.begin), static_cast<fmx::uint32>(span.length()));
+    }
+
+    fmx::Text& out_;
+    const fmx::DataVect& parameters_;
+    const fmx::Text& text_;
+    StyleCondition style_;
+    std::size_t position_ = 0;
+};
+
+} // namespace
 
 void fmlib::FillFMTextWithCurrentDatabaseFileName(fmx::Text& text, const fmx::ExprEnv& env) {
     const fmx::TextUniquePtr expression;
@@ -16,4 +103,25 @@ void fmlib::FillFMTextWithCurrentDatabaseFileName(fmx::Text& text, const fmx::Ex
         throw std::logic_error("Check failed: err == 0; Get(FileName) gave error " + std::to_string(err));
     text.DeleteText(0);
     text.AppendText(name->GetAsText());
+}
+
+void fmlib::RegExpPerformSubstitute(fmx::Text& out, const fmx::DataVect& params) {
+    RegExpPerformSubstitute_Impl(out, params);
+}
+
+void fmlib::RegExpPerformSubstitute_Impl(fmx::Text& out, const fmx::DataVect& params) {
+    if (params.Size() <= kPatternParameter + 1) throw std::logic_error("Check failed: dataVect.Size() > 2");
+    const std::wstring text = WStringFromFMText(params.AtAsText(kTextParameter));
+    const std::wstring pattern = WStringFromFMText(params.AtAsText(kPatternParameter));
+    kst::PatternSearch search(pattern, text);
+    Substitution substitution(out, params);
+    for (std::size_t from = 0; search.find(from) && search.groupCount() > 0;) {
+        const std::optional<kst::Span> first = search.group(1);
+        if (!first || first->length() == 0) break;
+        substitution.replaceGroups(search);
+        const kst::Span whole = search.whole();
+        from = whole.length() > 0 ? whole.end : whole.end + 1;
+    }
+    appendUnits(out, tailOf(pattern));
+    substitution.finish();
 }

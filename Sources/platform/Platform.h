@@ -1,12 +1,14 @@
 #pragma once
 
-/// What the plug-in asks of the platform, in plain C++: the clock, the log, and scripts that wait. The
-/// Objective-C classes stand behind it.
+/// What the plug-in asks of the platform, in plain C++: the clock, the log, scripts that wait, and matches of
+/// a pattern. The Objective-C classes stand behind it.
 ///
 /// All of it belongs to the main thread. Nothing is thrown in either direction: Objective-C exceptions end
 /// in here, and no C++ exception can get in, since the two do not mix on every runtime.
 
 #include "platform/Units.h"
+
+#include <string>
 
 namespace platform {
 
@@ -33,6 +35,16 @@ enum class Taken : unsigned char {
 /// Local date and time in seconds since 0001-01-01 00:00:00, by the platform's clock. False when it cannot
 /// be told.
 [[nodiscard]] bool readClock(double& seconds) noexcept;
+
+enum class Counted : unsigned char {
+    all,
+    tooLong, ///< given up: the pattern takes too many steps on this text
+    failed,
+};
+
+/// Counts the matches of a pattern in ICU's grammar, in decimal; "0" also when it is malformed. Both texts
+/// are well-formed.
+[[nodiscard]] Counted countMatches(const Units& text, const Units& pattern, std::string& count) noexcept;
 
 void logDelay(double seconds) noexcept;
 void logScriptError(int error) noexcept;

@@ -3,10 +3,12 @@
 #import "platform/FileMakerScript.h"
 #import "platform/Kestrel.h"
 #import "platform/ObjectOwnership.h"
+#import "platform/RegexBridge.h"
 
 #include "platform/Units.h"
 
 #include <cstddef>
+#include <exception>
 
 namespace platform {
 namespace {
@@ -23,6 +25,15 @@ bool read(NSString* string, Units& units) {
     if (!resize(units, length)) return false;
     if (length > 0) [string getCharacters:units.data() range:NSMakeRange(0, length)];
     return true;
+}
+
+bool assign(std::string& string, const char* value) noexcept {
+    try {
+        string = value;
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 } // namespace
@@ -66,6 +77,24 @@ bool readClock(double& seconds) noexcept {
             return true;
         } @catch (id) {
             return false;
+        }
+    }
+}
+
+Counted countMatches(const Units& text, const Units& pattern, std::string& count) noexcept {
+    @autoreleasepool {
+        @try {
+            NSString* const textString = stringFrom(text);
+            NSString* const patternString = stringFrom(pattern);
+            if (textString == nil || patternString == nil) return Counted::failed;
+            NSMutableDictionary* const request = [NSMutableDictionary dictionaryWithCapacity:2];
+            [request setObject:textString forKey:@"param_0"];
+            [request setObject:patternString forKey:@"param_1"];
+            NSString* const answer = [RegexBridge patternCount:request];
+            if (answer == nil) return Counted::tooLong;
+            return assign(count, [answer UTF8String]) ? Counted::all : Counted::failed;
+        } @catch (id) {
+            return Counted::failed;
         }
     }
 }

@@ -1,0 +1,55 @@
+#pragma once
+
+/// The standard library's search for a pattern, with an end.
+///
+/// The library itself would look on for hours, fill the memory or overflow the stack, depending on pattern
+/// and text. Here that ends in std::regex_error:
+///
+/// | Error | Bound |
+/// |---|---|
+/// | error_complexity | comparisons of characters: ten million, and a hundred more for each character of the
+/// text, but at most a hundred million in the attempt at one position. A pattern with many ways through it
+/// that compare nothing, `(|)(|)(|)…`, has less | | error_stack | in a text so long that what an attempt
+/// leaves open might need more than some 512 megabytes: comparisons in the attempt at one position. With one
+/// group and one repetition that is beyond three million | | error_space | the pattern: 10,000 characters,
+/// 200 groups in each other, 2,000 groups, alternatives and repetitions |
+///
+/// A malformed pattern is the library's own std::regex_error. Memory that cannot be had is std::bad_alloc.
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kst {
+
+/// A piece of the text: positions of its first character and behind its last.
+struct Span {
+    std::size_t begin, end;
+    [[nodiscard]] std::size_t length() const { return end - begin; }
+};
+
+/// One pattern in one text, which must stay as it is. Case counts, and the grammar is ECMAScript's.
+class PatternSearch {
+public:
+    PatternSearch(const std::wstring& pattern, const std::wstring& text);
+    ~PatternSearch();
+    PatternSearch(const PatternSearch&) = delete;
+    PatternSearch& operator=(const PatternSearch&) = delete;
+
+    /// Finds the first match that begins at `position` or behind it. What stands before counts for
+    /// boundaries of words, and "^" is the start of the whole text alone.
+    [[nodiscard]] bool find(std::size_t position);
+
+    /// Of the last match that was found:
+    [[nodiscard]] Span whole() const;
+    [[nodiscard]] std::size_t groupCount() const;
+    /// Groups count from 1. None when the group took no part in the match.
+    [[nodiscard]] std::optional<Span> group(std::size_t number) const;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace kst

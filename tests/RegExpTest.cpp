@@ -1,0 +1,378 @@
+#include "FunctionCalls.h"
+
+#include "host/values/Style.h"
+
+#include <algorithm>
+#include <optional>
+#include <random>
+#include <regex>
+#include <string>
+#include <vector>
+
+/// Replacing by patterns, through the loaded library.
+
+namespace {
+
+using host::Data;
+using host::Text;
+
+constexpr const char* kTooComplex =
+    "2400 The complexity of an attempted match against a regular expression exceeded a pre-set level.";
+constexpr const char* kNoRoom = "2400 There was insufficient memory to determine whether the regular "
+                                "expression could match the specified character sequence.";
+constexpr const char* kPatternTooLong = "2400 There was insufficient memory to convert the expression into a "
+                                        "finite state machine.";
+
+/// The rules once more, on plain strings and the library as it is: slow, and without an end for some.
+std::wstring substitutedSlowly(const std::wstring& text, const std::wstring& pattern,
+                               const std::vector<std::wstring>& replacements) {
+    const std::wregex expression(pattern);
+    std::wstring tail;
+    for (std::size_t i = pattern.size(); i-- > 0;) {
+        if (pattern[i] != L')') continue;
+        tail = pattern.substr(i + 1);
+        break;
+    }
+    std::wstring out;
+    long position = 0;
+    auto flags = std::regex_constants::match_default;
+    for (auto from = text.cbegin();;) {
+        std::wsmatch match;
+        if (!std::regex_search(from, text.cend(), match, expression, flags)) break;
+        if (match.size() == 1 || !match[1].matched || match[1].first == match[1].second) break;
+        for (std::size_t k = 1; k < match.size() && k <= replacements.size(); ++k) {
+            if (!match[k].matched) continue;
+            const long start = match[k].first - text.cbegin();
+            if (start > position) out += text.substr(position, start - position);
+            out += replacements[k - 1];
+            position = match[k].second - text.cbegin();
+        }
+        position = match[0].second - text.cbegin();
+        from = match[0].second;
+        flags = std::regex_constants::match_prev_avail;
+        if (match[0].first != match[0].second) continue;
+        if (from == text.cend()) break;
+        ++from;
+    }
+    return out + tail + text.substr(position);
+}
+
+class RegExp : public FunctionCalls {
+protected:
+    std::string substituted(const std::u16string& text, const std::u16string& pattern,
+                            const std::u16string& replacement = u"X") {
+        return call(u"Kestrel_RegExp_Substitute", {Data(text), Data(pattern), Data(replacement)})
+            .value.asText()
+            .utf8();
+    }
+    Text styledSubstitute(const Text& text, const Text& pattern, const Text& replacement) {
+        return call(u"Kestrel_RegExp_Substitute", {Data(text), Data(pattern), Data(replacement)})
+            .value.asText();
+    }
+    /// The last error of a call that is expected to fail with 2400.
+    std::string failure(const std::u16string& text, const std::u16string& pattern) {
+        textOf("Let ( [ $$Kestrel_LastError = \"\" ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
+        const std::string result = substituted(text, pattern);
+        return result == "2400" ? lastError() : "no failure: " + result.substr(0, 40);
+    }
+};
+
+TEST_F(RegExp, answersCalculations) {
+    const struct {
+        const char *calculation, *result;
+    } rows[] = {
+        {R"~(Kestrel_RegExp_Substitute ( "a1b a2b" ; "a(\\d)b" ; "X" ))~", "aX aXb"},
+        {R"~(Kestrel_RegExp_Substitute ( "2024-05-06" ; "(\\d+)-(\\d+)-(\\d+)" ; "Y" ; "M" ; "D" ))~",
+         "Y-M-D"},
+        {R"~(Kestrel_RegExp_Substitute ( "2024-05-06" ; "(\\d+)-(\\d+)-(\\d+)" ; "Y" ))~", "Y"},
+        {R"~(Kestrel_RegExp_Substitute ( "2024-05-06" ; "(\\d+)-" ; "Y" ; "not used" ))~", "YY-06"},
+        {R"~(Kestrel_RegExp_Substitute ( "plain" ; "plain" ; "X" ))~", "plain"},
+        {R"~(Kestrel_RegExp_Substitute ( "plain" ; "" ; "X" ))~", "plain"},
+        {R"~(Kestrel_RegExp_Substitute ( "" ; "(a)" ; "X" ))~", ""},
+        {R"~(Kestrel_RegExp_Substitute ( "" ; "(a)b" ; "X" ))~", "b"},
+        {R"~(Kestrel_RegExp_Substitute ( "xyz" ; "a(\\d)b" ; "X" ))~", "bxyz"},
+        {R"~(Kestrel_RegExp_Substitute ( "xyz" ; "a(\\d)" ; "X" ))~", "xyz"},
+        {R"~(Kestrel_RegExp_Substitute ( "ay" ; "(x*)y" ; "X" ))~", "yay"},
+        {R"~(Kestrel_RegExp_Substitute ( "xy ay xy" ; "(x*)y" ; "X" ))~", "Xy ay xy"},
+        {R"~(Kestrel_RegExp_Substitute ( "ab" ; "(x)|a" ; "X" ))~", "|aab"},
+        {R"~(Kestrel_RegExp_Substitute ( "AaA" ; "(a)" ; "X" ))~", "AXA"},
+        {R"~(Kestrel_RegExp_Substitute ( 12345 ; "(3)" ; 0 ))~", "12045"},
+        {R"~(Kestrel_RegExp_PatternCount ( "abcabc" ; "b" ))~", "2"},
+        {R"~(Kestrel_RegExp_PatternCount ( "abcabc" ; "[" ))~", "0"},
+        {R"~(Kestrel_RegExp_PatternCount ( "abcabc" ; "" ))~", "0"},
+        {R"~(Kestrel_RegExp_PatternCount ( "" ; "a*" ))~", "1"},
+        {R"~(Kestrel_RegExp_PatternCount ( "aaa" ; "(?i)A" ; "ignored" ))~", "3"},
+        {R"~(Length ( Kestrel_RegExp_PatternCount ( "aaa" ; "b" ) ) & Kestrel_ValueType ( Kestrel_RegExp_PatternCount ( "a" ; "a" ) ))~",
+         "1Text"},
+    };
+    for (const auto& [calculation, result] : rows)
+        EXPECT_EQ(textOf(calculation), result) << calculation;
+    EXPECT_EQ(lastError(), " ");
+
+    for (const std::vector<Data>& tooFew : {std::vector<Data>{}, {Data(u"a")}, {Data(u"a"), Data(u"b")}}) {
+        EXPECT_EQ(call(u"Kestrel_RegExp_Substitute", tooFew).value.asNumber(), host::Decimal(-50));
+        EXPECT_EQ(lastError(), "-50 At least three parameters needed");
+        if (tooFew.size() == 2) continue;
+        EXPECT_EQ(call(u"Kestrel_RegExp_PatternCount", tooFew).value.asNumber(), host::Decimal(-50));
+        EXPECT_EQ(lastError(), "-50 At least two parameters needed");
+    }
+}
+
+TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
+    const struct {
+        const char16_t *text, *pattern;
+        std::vector<Data> replacements;
+        const char* result;
+    } rows[] = {
+        // One group in another: the second begins before the place that is reached.
+        {u"-ab-", u"((a)b)", {Data(u"1"), Data(u"2")}, "-12-"},
+        {u"-abc-", u"((a)bc)", {Data(u"1"), Data(u"2")}, "-12-"},
+        {u"-abcd-", u"((a)b(c))d", {Data(u"1"), Data(u"2"), Data(u"3")}, "-12b3d-"},
+        // Groups that took no part.
+        {u"ac", u"(a)(b)?(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "13"},
+        {u"ac", u"(b)?(a)(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "ac"},
+        {u"ac", u"(a)(?!(b))", {Data(u"1"), Data(u"2")}, "1c"},
+        // A later group that is empty.
+        {u"ac", u"(a)(b*)(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "123"},
+        // Nothing matched, but a group that looks ahead.
+        {u"aab", u"(?=(a))", {Data(u"X")}, "XaXab"},
+        {u"aab", u"(?=(b))", {Data(u"X")}, "aaXb"},
+        {u"ab", u"a(?=(b))", {Data(u"X")}, "aXb"},
+        // Anchors and borders of words see what stands before.
+        {u"aaa", u"^(a)", {Data(u"X")}, "Xaa"},
+        {u"aab", u"(^a|b)", {Data(u"X")}, "XaX"},
+        {u"aaa", u"(a)$", {Data(u"X")}, "aaX$"},
+        {u"aa a", u"\\b(a)", {Data(u"X")}, "Xa X"},
+        {u"aa a", u"\\B(a)", {Data(u"X")}, "aX a"},
+        {u"a.a\n", u"(.)", {Data(u"X")}, "XXX\n"},
+        {u"a.a", u"([.])", {Data(u"X")}, "aXa"},
+        {u"a]b.", u"([\\].])", {Data(u"X")}, "aXbX"},
+        {u"a^b", u"(\\^)", {Data(u"X")}, "aXb"},
+        {u"a^b", u"([b^])", {Data(u"X")}, "aXX"},
+        {u"aB", u"([[:lower:]])", {Data(u"X")}, "XB"},
+        {u"a:b.", u"([[:alpha:].])", {Data(u"X")}, "X:XX"},
+        {u"abab", u"(ab)\\1", {Data(u"X")}, "X\\1"},
+        // A character is half of a pair.
+        {u"\xD83D\xDE00", u"(\\uDE00)", {Data(u"")}, "\xEF\xBF\xBD"},
+    };
+    for (const auto& row : rows) {
+        std::vector<Data> arguments{Data(row.text), Data(row.pattern)};
+        arguments.insert(arguments.end(), row.replacements.begin(), row.replacements.end());
+        const Answer answer = call(u"Kestrel_RegExp_Substitute", arguments);
+        EXPECT_EQ(answer.value.asText().utf8(), row.result) << host::toUtf8(row.pattern);
+    }
+}
+
+/// Patterns from a few characters, most of them well-formed.
+class RandomPatterns {
+public:
+    std::wstring pattern(int depth = 0) {
+        std::wstring made;
+        for (int items = pick(1, 4); items > 0; --items) {
+            const int kind = pick(0, depth < 3 ? 13 : 8);
+            if (kind <= 8) made += kPieces[pick(0, std::size(kPieces) - 1)];
+            if (kind >= 9) made += kOpenings[pick(0, std::size(kOpenings) - 1)] + pattern(depth + 1) + L")";
+            if (pick(0, 3) == 0) made += kQuantifiers[pick(0, std::size(kQuantifiers) - 1)];
+            if (pick(0, 9) == 0) made += L"|";
+        }
+        return made;
+    }
+    std::wstring text(int most) {
+        std::wstring made;
+        for (int size = pick(0, most); size > 0; --size)
+            made += L"aaabbc.-^ \n"[pick(0, 10)];
+        return made;
+    }
+    int pick(int least, int most) { return std::uniform_int_distribution<>(least, most)(engine_); }
+
+private:
+    static constexpr const wchar_t* kPieces[] = {
+        L"a",     L"b",      L"c",      L"ab",   L".",     L"[ab]",  L"[^a.]", L"[[:alpha:].]",
+        L"\\w",   L"\\s",    L"\\D",    L"\\.",  L"\\b",   L"\\B",   L"$",     L"\\1",
+        L"[.-^]", L"[\\].]", L"[a-c^]", L"\\^-", L"(a|.)", L"(b*)c", L"(.+)",  L"(a)?",
+    };
+    static constexpr const wchar_t* kOpenings[] = {L"(", L"(", L"(", L"(?:", L"(?=", L"(?!"};
+    static constexpr const wchar_t* kQuantifiers[] = {L"*", L"+", L"?", L"*?", L"{2}", L"{1,2}"};
+    std::mt19937 engine_{20'250'101};
+};
+
+std::u16string narrow(const std::wstring& wide) { return {wide.begin(), wide.end()}; }
+
+TEST_F(RegExp, doesAsASlowImplementationDoes) {
+    RandomPatterns random;
+    int replaced = 0, malformed = 0;
+    for (int round = 0; round < 8'000; ++round) {
+        const std::wstring pattern = (round % 4 == 0 ? L"" : L"(a|b|\\.)") + random.pattern();
+        const std::wstring text = random.text(12);
+        std::vector<std::wstring> replacements;
+        std::vector<Data> arguments{Data(narrow(text)), Data(narrow(pattern))};
+        for (int count = random.pick(1, 4); count > 0; --count) {
+            replacements.push_back(L"<" + std::to_wstring(count) + L">");
+            arguments.emplace_back(narrow(replacements.back()));
+        }
+        std::u16string expected;
+        try {
+            expected = narrow(substitutedSlowly(text, pattern, replacements));
+            replaced += expected.find(u'<') != std::u16string::npos ? 1 : 0;
+        } catch (const std::regex_error&) {
+            expected = u"2400";
+            ++malformed;
+        }
+        const Answer answer = call(u"Kestrel_RegExp_Substitute", arguments);
+        ASSERT_EQ(answer.value.asText().utf8(), host::toUtf8(expected))
+            << "round " << round << ": " << host::toUtf8(narrow(pattern)) << " in "
+            << host::toUtf8(narrow(text));
+    }
+    EXPECT_GT(replaced, 1000);
+    EXPECT_LT(malformed, 5000);
+}
+
+TEST_F(RegExp, reportsMalformedPatterns) {
+    for (const char16_t* pattern : {u"(",
+                                    u")",
+                                    u"a)",
+                                    u"[",
+                                    u"[a",
+                                    u"[[:nothing:]]",
+                                    u"[b-",
+                                    u"*",
+                                    u"(a)**",
+                                    u"a{2,1}",
+                                    u"a{",
+                                    u"\\",
+                                    u"\\2(a)",
+                                    u"(?<n>a)",
+                                    u"\\99999999999",
+                                    u"(a){99999999999}",
+                                    u"[[.nothing.]]",
+                                    u"[[:alpha",
+                                    u"(?",
+                                    u"(?="}) {
+        const std::string error = failure(u"some text", pattern);
+        EXPECT_TRUE(error.starts_with("2400 ")) << host::toUtf8(pattern) << ": " << error;
+    }
+}
+
+TEST_F(RegExp, endsWhateverThePattern) {
+    const auto times = [](int count, const std::u16string& piece) {
+        std::u16string made;
+        for (; count > 0; --count)
+            made += piece;
+        return made;
+    };
+    const std::u16string as(4'000, u'a');
+    const struct {
+        const char* what;
+        std::u16string text, pattern;
+        const char* error;
+    } rows[] = {
+        {"alternatives", as, u"(a|b)*c", kTooComplex},
+        {"a repetition in another", as.substr(0, 200), u"(a+)+b", kTooComplex},
+        {"any characters", as.substr(0, 400), u"(.*)(.*)(.*)x", kTooComplex},
+        {"looking ahead", as.substr(0, 200), u"(?=(a+)+b)", kTooComplex},
+        {"references", as.substr(0, 400), u"(a*)(a*)\\1\\2b", kTooComplex},
+        {"sets", as.substr(0, 400), u"([ab]*)([^b]*)(\\w*)x", kTooComplex},
+        {"empty alternatives", as, times(40, u"(|)") + u"$^", kTooComplex},
+        {"empty rounds", as, u"(){2000000000}b", kTooComplex},
+        {"empty rounds in rounds", as, u"(((){1000}){1000}){1000}b", kTooComplex},
+        {"rounds that may be empty", as, u"((a?){1000}){1000}b$", kNoRoom},
+        {"a long text", std::u16string(5'000'000, u'a'), u"([^b]*)b", kNoRoom},
+        {"groups in groups", as, times(100'000, u"(") + times(100'000, u")"), kPatternTooLong},
+        {"groups in groups", as, times(201, u"(") + times(201, u")"), kPatternTooLong},
+        {"looking ahead in looking ahead", as, times(2'000, u"(?=") + times(2'000, u")"), kPatternTooLong},
+        {"many alternatives", as, times(3'000, u"a|"), kPatternTooLong},
+        {"many repetitions", as, times(3'000, u"b*"), kPatternTooLong},
+        {"many characters", as, times(10'001, u"b"), kPatternTooLong},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(failure(row.text, row.pattern), row.error) << row.what;
+    // The bounds are beyond what is in use.
+    EXPECT_EQ(substituted(u"a", times(200, u"(") + u"a" + times(200, u")")), "X");
+    EXPECT_EQ(substituted(u"ab", u"(b)" + times(900, u"c?|a")).substr(0, 1), "c");
+    EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"(" + times(9'998, u"a") + u")"), "Xaa");
+}
+
+TEST_F(RegExp, doesHonestWorkOfAnyLength) {
+    std::u16string text;
+    while (text.size() < 1'000'000)
+        text += u"lorem 12 ipsum dolor\r";
+    const std::string result = substituted(text, u"(\\d+) ", u"n");
+    EXPECT_EQ(result.size(), text.size() / 21 * 19 + 1);
+    EXPECT_TRUE(result.starts_with("lorem nipsum dolor\rlorem nipsum"));
+    // So far to the first match that the search goes on step by step.
+    const std::u16string far = std::u16string(1'100'000, u'x') + u"a1 a1a";
+    EXPECT_EQ(substituted(far, u"(?:^|\\b)(a)(?=\\d)").substr(1'100'000), "a1 X1a");
+    // One match from end to end.
+    EXPECT_EQ(substituted(std::u16string(200'000, u'a'), u"(.*)", u"X"), "X");
+}
+
+/// Every look in turn: on the pattern and on the middle of the text.
+std::vector<host::CharacterStyle> allStyles() {
+    std::vector<host::CharacterStyle> styles(3);
+    styles[0].setFont(1);
+    styles[1].setSize(24);
+    styles[2].setColor({255, 0, 0, 255});
+    for (const std::uint16_t face :
+         {host::face::bold, host::face::italic, host::face::underline, host::face::outline,
+          host::face::highlight, host::face::condense, host::face::extend, host::face::strikethrough,
+          host::face::smallCaps, host::face::superscript, host::face::subscript, host::face::uppercase,
+          host::face::lowercase, host::face::titlecase, host::face::wordUnderline,
+          host::face::doubleUnderline})
+        styles.emplace_back().setFaces(face);
+    return styles;
+}
+
+Text withStyle(const char16_t* units, const host::CharacterStyle& style, std::uint32_t from = 0,
+               std::uint32_t size = Text::end) {
+    Text text(units);
+    text.applyStyle(style, from, size);
+    return text;
+}
+
+TEST_F(RegExp, replacesOnlyInThePatternsStyle) {
+    const std::vector<host::CharacterStyle> styles = allStyles();
+    host::CharacterStyle ofReplacement;
+    ofReplacement.setSize(7);
+    const Text replacement = withStyle(u"XY", ofReplacement);
+    for (std::size_t i = 0; i < styles.size(); ++i) {
+        const Text text = withStyle(u"a1 a2 a3", styles[i], 3, 2);
+        // Only the pattern's first character tells.
+        Text pattern = withStyle(u"a(\\d)", styles[i], 0, 1);
+        Text expected = withStyle(u"a1 a", styles[i], 3, 1);
+        expected.append(replacement);
+        expected.append(Text(u" a3"));
+        EXPECT_TRUE(styledSubstitute(text, pattern, replacement).isIdenticalTo(expected)) << i;
+
+        // Another style, one trait more, or a style elsewhere in the match: copied as it was.
+        for (const host::CharacterStyle& other : {styles[(i + 1) % styles.size()], ofReplacement}) {
+            EXPECT_TRUE(styledSubstitute(text, withStyle(u"a(\\d)", other), replacement).isIdenticalTo(text))
+                << i;
+            Text more = withStyle(u"a1", other);
+            more.applyStyle(styles[i]);
+            const bool isTheSame = more.lookAt(0).style == styles[i];
+            EXPECT_TRUE(isTheSame || styledSubstitute(more, pattern, replacement).isIdenticalTo(more)) << i;
+        }
+        const Text late = withStyle(u"a1", styles[i], 1, 1);
+        EXPECT_TRUE(styledSubstitute(late, pattern, replacement).isIdenticalTo(late)) << i;
+
+        // A plain pattern does not ask.
+        Text everywhere = Text(u"a");
+        everywhere.append(replacement);
+        everywhere.append(withStyle(u" a", styles[i], 1, 1));
+        everywhere.append(replacement);
+        everywhere.append(Text(u" a"));
+        everywhere.append(replacement);
+        EXPECT_TRUE(styledSubstitute(text, Text(u"a(\\d)"), replacement).isIdenticalTo(everywhere)) << i;
+    }
+}
+
+TEST_F(RegExp, addsThePatternsEndWithoutItsStyle) {
+    host::CharacterStyle bold;
+    bold.setFaces(host::face::bold);
+    Text expected(u"b");
+    expected.append(withStyle(u"xyz", bold));
+    EXPECT_TRUE(styledSubstitute(withStyle(u"xyz", bold), withStyle(u"(a)b", bold), Text(u"X"))
+                    .isIdenticalTo(expected));
+}
+
+} // namespace
