@@ -198,6 +198,7 @@ TEST_F(CalcTest, LooksTravelAndAreWrittenAsCss) {
         {"GetAsCSS ( \"a<b&\" & TextStyleAdd ( \"c¶d\" ; Italic + Underline + Strikethrough ) )",
          "<span style=\"text-align: left;\">a&lt;b&amp;</span><span style=\"font-style: italic;"
          "text-decoration: underline line-through;text-align: left;\">c<br>\nd</span>"},
+        {"GetAsCSS ( \"a\" & Char ( 8232 ) & \"b\" )", "<span style=\"text-align: left;\">a<br>\nb</span>"},
         {"GetAsCSS ( \"\" )", ""},
         {"GetAsCSS ( TextStyleAdd ( TextStyleAdd ( 1 ; Bold + Titlecase ) ; Plain ) )",
          "<span style=\"text-align: left;\">1</span>"},

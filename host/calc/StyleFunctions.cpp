@@ -214,9 +214,9 @@ struct Escape {
     char16_t unit;
     std::u16string_view text;
 };
-/// A return becomes a line break, so that what comes out shows the lines that went in.
-constexpr std::array escapes{Escape{u'&', u"&amp;"}, Escape{u'<', u"&lt;"}, Escape{u'>', u"&gt;"},
-                             Escape{u'"', u"&quot;"}, Escape{u'\r', u"<br>\n"}};
+/// A return and the soft line break become line breaks, so that what comes out shows the lines that went in.
+constexpr std::array escapes{Escape{u'&', u"&amp;"},  Escape{u'<', u"&lt;"},    Escape{u'>', u"&gt;"},
+                             Escape{u'"', u"&quot;"}, Escape{u'\r', u"<br>\n"}, Escape{u'\u2028', u"<br>\n"}};
 
 std::u16string escaped(std::u16string_view units) {
     std::u16string html;

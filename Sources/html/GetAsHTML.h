@@ -1,0 +1,31 @@
+#pragma once
+
+/// A styled text as HTML, from its parameters as text to the result.
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXText.h"
+#include "FMXAliases.h"
+#include "html/ParamVector.h"
+
+#include <string>
+#include <vector>
+
+/// A parameter's lines. With values, a line is key=value, and "all" alone is all=kst; other lines are left
+/// out. Without, a line is a key. Keys are lower-cased, values are kept as written.
+ParamVector parseTagOrClassOrStyleParam(const fmx::Text& text, bool hasValues);
+
+/// Adds the usual elements of the formattings that have none yet.
+void addDefaultFormattingsForTag(ParamVector& tagParams);
+
+/// Which values end a paragraph: those that a return ends, and those whose successor is aligned otherwise.
+/// Lines and values are matched by their index, although a soft line break ends a line and no value.
+std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEndings,
+                                         const std::vector<std::string>& alignments);
+
+/// Appends the HTML of the text, the style block first. A text that begins with "$" and has a value that is
+/// not empty stands for that value, whose paragraphs are then aligned as the host says; any other is itself
+/// converted.
+void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text& tags,
+                                         const fmx::Text& classes, const fmx::Text& styles,
+                                         const fmx::ExprEnv& env, fmx::TextAutoPtr& output);

@@ -1,0 +1,151 @@
+#include "FMWrapper/FMXData.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
+#include "LastError.h"
+#include "StringUtils.h"
+#include "cFMUtils.h"
+#include "html/GetAsHTML.h"
+#include "html/Output.h"
+#include "html/PostProcessing.h"
+#include "html/Reading.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+constexpr fmx::uint16 kReturn = 0x000D;
+
+const struct {
+    const char *formatting, *element;
+} kDefaultElements[] = {
+    {"bold", "b"},         {"italic", "i"},        {"underline", "u"},   {"strikethrough", "s"},
+    {"highlight", "mark"}, {"superscript", "sup"}, {"subscript", "sub"},
+};
+
+/// True when the text is to be evaluated and has a value.
+bool standsForAValue(const fmx::Text& text, const fmx::ExprEnv& env) {
+    if (isEmpty(text)) return false;
+    fmx::uint16 first = 0;
+    text.GetUnicode(&first, 0, 1);
+    if (first != '$') return false;
+    fmx::TextUniquePtr isEmptyValue;
+    evaluateOnFM("isEmpty(", text, ")", env, isEmptyValue);
+    return StringFromFmText(*isEmptyValue) == "0";
+}
+
+/// The text's own paragraphs. One alone stands without an element.
+void convertText(const fmx::Text& text, const fmx::ExprEnv& env, Conversion& conversion,
+                 fmx::TextAutoPtr& body) {
+    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    TextReader reader(env);
+    const fmx::TextUniquePtr paragraph;
+    for (auto start = units.begin(); start != units.end();) {
+        const auto end = std::find(start, units.end(), kReturn);
+        const auto next = end == units.end() ? end : end + 1;
+        const bool isOnly = start == units.begin() && next == units.end();
+        paragraph->SetText(text, static_cast<fmx::uint32>(start - units.begin()),
+                           static_cast<fmx::uint32>(end - start));
+        std::vector<cFragment> fragments;
+        reader.extractFragments(*paragraph, fragments);
+        transformRichtextToHTML(isOnly ? "none" : "", conversion, fragments, body);
+        start = next;
+    }
+}
+
+/// The paragraphs of the expression's value, aligned as the host says.
+void convertValue(const fmx::Text& expression, const fmx::ExprEnv& env, Conversion& conversion,
+                  fmx::TextAutoPtr& body) {
+    const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, env);
+    const std::vector<std::string> alignments = getLineAligns(expression, env);
+    const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
+    TextReader reader(env);
+    fmx::TextUniquePtr value;
+    std::vector<cFragment> fragments;
+    for (std::size_t k = 0; k < alignments.size(); ++k) {
+        evaluateOnFM("GetValue(", expression, ";" + std::to_string(k + 1) + ")", env, value);
+        reader.extractFragments(*value, fragments);
+        if (!isEnd[k] && k + 1 < alignments.size()) {
+            const fmx::uint16 lineEnding = k < lineEndings.size() ? lineEndings[k] : fmx::uint16{0};
+            if (lineEnding != 0 && !fragments.empty()) fragments.back().addChar(lineEnding);
+            continue;
+        }
+        const bool isOnly = alignments.size() == 1 && alignments[k] == "left";
+        transformRichtextToHTML(isOnly ? "none" : alignments[k], conversion, fragments, body);
+        fragments.clear();
+    }
+}
+
+} // namespace
+
+ParamVector parseTagOrClassOrStyleParam(const fmx::Text& text, bool hasValues) {
+    ParamVector params;
+    if (isEmpty(text)) return params;
+    for (std::string& line : explode(StringFromFmText(text), '\r')) {
+        if (!hasValues) {
+            params.emplace_back(toLower(line), "1");
+            continue;
+        }
+        const std::vector<std::string> pieces = explode(toLower(line) == "all" ? "all=kst" : line, '=');
+        if (pieces.size() >= 2) params.emplace_back(toLower(pieces[0]), pieces[1]);
+    }
+    return params;
+}
+
+void addDefaultFormattingsForTag(ParamVector& tagParams) {
+    for (const auto& [formatting, element] : kDefaultElements)
+        if (!paramVectorHasKey(tagParams, formatting)) tagParams.emplace_back(formatting, element);
+}
+
+std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEndings,
+                                         const std::vector<std::string>& alignments) {
+    std::vector<bool> isEnd(std::max(lineEndings.size(), alignments.size()));
+    std::transform(lineEndings.begin(), lineEndings.end(), isEnd.begin(),
+                   [](fmx::uint16 ending) { return ending == kReturn; });
+    for (std::size_t i = 1; i < alignments.size(); ++i)
+        if (alignments[i] != alignments[i - 1]) isEnd[i - 1] = true;
+    return isEnd;
+}
+
+void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text& tags,
+                                         const fmx::Text& classes, const fmx::Text& styles,
+                                         const fmx::ExprEnv& env, fmx::TextAutoPtr& output) {
+    Conversion conversion;
+    conversion.tagParams = parseTagOrClassOrStyleParam(tags, true);
+    conversion.classParams = parseTagOrClassOrStyleParam(classes, true);
+    conversion.styleParams = parseTagOrClassOrStyleParam(styles, false);
+    if (paramVectorHasKey(conversion.tagParams, "all")) {
+        paramVectorEraseKey(conversion.tagParams, "all");
+        addDefaultFormattingsForTag(conversion.tagParams);
+    }
+    fmx::TextUniquePtr body;
+    if (standsForAValue(text, env))
+        convertValue(text, env, conversion, body);
+    else
+        convertText(text, env, conversion, body);
+    appendCssClasses(conversion.classMap, "", output);
+    output->AppendText(*body);
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetAsHTML(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        const fmx::uint32 count = parameters.Size();
+        if (count == 0)
+            return kst::AnswerWithError(kst::kWrongParameter, "Input parameter is missing", result, env);
+        const char* const defaults[] = {"all", "all=kst", "all"};
+        fmx::TextUniquePtr lists[std::size(defaults)];
+        for (fmx::uint32 i = 0; i < std::size(defaults); ++i) {
+            if (i + 1 < count)
+                lists[i]->SetText(parameters.AtAsText(i + 1));
+            else
+                lists[i]->Assign(defaults[i]);
+        }
+        fmx::TextUniquePtr html;
+        transformRichtextToHTMLWithEvaluate(parameters.AtAsText(0), *lists[0], *lists[1], *lists[2], env,
+                                            html);
+        cFMUtils::FMResultFromText(*html, result);
+        return fmx::errcode{0};
+    });
+}

@@ -1,0 +1,153 @@
+#include "html/Output.h"
+
+#include "StringUtils.h"
+#include "cFMUtils.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <span>
+
+namespace {
+
+using Units = std::vector<fmx::uint16>;
+
+/// CSS's words for the alignments that are told; left goes without saying.
+const struct {
+    std::string_view alignment, css;
+} kAlignments[] = {{"right", "right"}, {"center", "center"}, {"full", "justify"}};
+
+constexpr struct Escape {
+    fmx::uint16 unit;
+    std::string_view replacement;
+} kEscapes[] = {
+    {0x000A, "<br/>\r"}, {'&', "&amp;"},     {'<', "&lt;"},
+    {'>', "&gt;"},       {0x00A0, "&nbsp;"}, {0x2028, "<br/>\r"},
+};
+
+/// Units whose low byte is that of no escape, which most are, need no look at the table.
+constexpr auto kMayNeedEscape = [] {
+    std::array<bool, 256> low{};
+    for (const Escape& escape : kEscapes)
+        low[escape.unit & 0xFFU] = true;
+    return low;
+}();
+
+const Escape* escapeOf(fmx::uint16 unit) {
+    if (!kMayNeedEscape[unit & 0xFFU]) return std::end(kEscapes);
+    return std::find_if(std::begin(kEscapes), std::end(kEscapes),
+                        [unit](const Escape& escape) { return escape.unit == unit; });
+}
+
+void append(Units& html, std::string_view utf8) {
+    const Units units = Utf16FromUtf8(utf8);
+    html.insert(html.end(), units.begin(), units.end());
+}
+
+void appendEscaped(Units& html, std::span<const fmx::uint16> units) {
+    for (auto at = units.begin(); at != units.end(); ++at) {
+        const auto plain = at;
+        const Escape* escape = std::end(kEscapes);
+        at = std::find_if(at, units.end(), [&](fmx::uint16 unit) {
+            escape = escapeOf(unit);
+            return escape != std::end(kEscapes);
+        });
+        html.insert(html.end(), plain, at);
+        if (at == units.end()) return;
+        html.insert(html.end(), escape->replacement.begin(), escape->replacement.end());
+    }
+}
+
+void appendRun(Units& html, const cFragment& run) {
+    const std::string css = run.getInlineCSS();
+    const std::string classes = run.getInlineCSSClasses();
+    std::vector<std::string> tags = run.tags;
+    if (tags.empty() && !(css.empty() && classes.empty())) tags.emplace_back("span");
+    // The innermost element carries the attributes.
+    for (const std::string& tag : tags)
+        append(html, &tag == &tags.back() ? createTag(tag, classes, css) : createTag(tag, "", ""));
+    appendEscaped(html, run.characters);
+    for (auto tag = tags.rbegin(); tag != tags.rend(); ++tag)
+        append(html, "</" + *tag + ">");
+}
+
+void appendTo(fmx::TextAutoPtr& output, const Units& html) {
+    if (html.empty()) return;
+    const fmx::TextUniquePtr text;
+    text->AssignUnicodeWithLength(html.data(), HostLength(html.size()));
+    output->AppendText(*text);
+}
+
+} // namespace
+
+void transformRichtextToHTML(const std::string& alignment, Conversion& conversion,
+                             std::vector<cFragment>& fragments, fmx::TextAutoPtr& output) {
+    fragmentsPostProcessing(fragments, conversion);
+    mergeFragments(fragments);
+    produceHTMLfromFragments(createParagraphFragment(alignment, conversion), fragments, output);
+}
+
+cFragment createParagraphFragment(const std::string& alignment, Conversion& conversion) {
+    cFragment paragraph;
+    if (alignment == "none") return paragraph;
+    if (paramVectorHasKey(conversion.tagParams, alignment)) {
+        paragraph.tags.push_back(paramVectorGetValue(conversion.tagParams, alignment));
+        return paragraph;
+    }
+    paragraph.tags.emplace_back("p");
+    const auto* const row = std::find_if(std::begin(kAlignments), std::end(kAlignments),
+                                         [&](const auto& known) { return known.alignment == alignment; });
+    if (row == std::end(kAlignments)) return paragraph;
+    const std::string css(row->css);
+    for (const std::string& key : {alignment, std::string("all")}) {
+        if (!paramVectorHasKey(conversion.classParams, key)) continue;
+        const std::string name = paramVectorGetValue(conversion.classParams, key);
+        if (!name.empty())
+            paragraph.cssClasses.push_back(
+                get_or_create_class("text-align:" + css + ";", name, conversion.classMap));
+        return paragraph;
+    }
+    if (paramVectorHasKey(conversion.styleParams, alignment) ||
+        paramVectorHasKey(conversion.styleParams, "all"))
+        paragraph.inlineStyles["text-align"] = css;
+    return paragraph;
+}
+
+void produceHTMLfromFragments(cFragment paragraph, std::vector<cFragment>& fragments,
+                              fmx::TextAutoPtr& output) {
+    Units html;
+    if (!paragraph.tags.empty()) {
+        escalateSharedBlockElement(paragraph, fragments);
+        escalateSharedCssClasses(paragraph, fragments);
+        escalateSharedCssStyles(paragraph, fragments);
+        append(html,
+               createTag(paragraph.tags.front(), paragraph.getInlineCSSClasses(), paragraph.getInlineCSS()));
+    }
+    for (const cFragment& fragment : fragments)
+        if (!fragment.characters.empty()) appendRun(html, fragment);
+    if (!paragraph.tags.empty()) append(html, "</" + paragraph.tags.front() + ">\r");
+    appendTo(output, html);
+}
+
+std::string createTag(std::string_view name, std::string_view classes, std::string_view style) {
+    std::string tag = "<";
+    tag.append(name);
+    if (!classes.empty()) tag.append(" class=\"").append(classes).append("\"");
+    if (!style.empty()) tag.append(" style=\"").append(style).append("\"");
+    return tag.append(">");
+}
+
+void addEntitiesAndFixEndlines(fmx::Text& text) {
+    Units html;
+    appendEscaped(html, UnitsFromFMText(text));
+    if (!html.empty()) text.AssignUnicodeWithLength(html.data(), HostLength(html.size()));
+}
+
+void appendCssClasses(const ClassMap& classMap, std::string_view afterOpen, fmx::TextAutoPtr& output) {
+    if (classMap.empty()) return;
+    std::string block = "<style type=\"text/css\">";
+    block.append(afterOpen).append("\r");
+    for (const auto& [name, declarations] : classMap)
+        block.append(".").append(name).append(" { ").append(declarations).append(" }\r");
+    appendTo(output, Utf16FromUtf8(block + "</style>\r"));
+}

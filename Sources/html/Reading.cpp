@@ -1,0 +1,221 @@
+#include "html/Reading.h"
+
+#include "StringUtils.h"
+#include "cFMUtils.h"
+#include "html/PostProcessing.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+using Style = fmx::CharacterStyle;
+using Face = Style::Face;
+
+/// Formattings that exclude each other stand in one group, the one that wins before the others.
+const struct {
+    Face bits;
+    int group;
+    const char* formatting;
+} kFaces[] = {
+    {Style::kFace_Italic, 1, "italic"},
+    {Style::kFace_Bold, 2, "bold"},
+    {Style::kFace_Shadow, 3, "highlight"},
+    {Style::kFace_Underline, 4, "underline"},
+    {Style::kFace_DoubleUnderline, 4, "doubleunderline"},
+    {Style::kFace_WordUnderline, 4, "underline"}, // taken away from all but blanks before
+    {Style::kFace_Strikethrough, 5, "strikethrough"},
+    {Style::kFace_Condense, 6, "condense"},
+    {Style::kFace_Extend, 6, "extend"},
+    {Style::kFace_Superscript, 7, "superscript"},
+    {Style::kFace_Subscript, 7, "subscript"},
+    {Style::kFace_SmallCaps, 8, "smallcaps"},
+    {Style::kFace_Titlecase, 9, "titlecase"},
+    {Style::kFace_Uppercase, 9, "uppercase"},
+    {Style::kFace_Lowercase, 9, "lowercase"},
+};
+
+constexpr fmx::uint16 kBlank = 0x0020;
+constexpr fmx::uint16 kReturn = 0x000D;
+constexpr fmx::uint16 kLineSeparator = 0x2028;
+
+/// Looks that are remembered. A text with ever new colours must not fill the memory with them.
+constexpr std::size_t kMostLooks = 4096;
+
+/// Every character by itself as UTF-8, as far as StringFromFmText gives it.
+std::string narrowTextOf(const fmx::Text& text, std::size_t start, std::size_t end) {
+    std::string narrow;
+    const fmx::TextUniquePtr character;
+    for (std::size_t i = start; i < end; ++i) {
+        character->SetText(text, static_cast<fmx::uint32>(i), 1);
+        narrow += StringFromFmText(*character);
+    }
+    return narrow;
+}
+
+} // namespace
+
+std::string getFontColor(const fmx::CharacterStyle& style) {
+    if (!style.IsColorEnabled()) return {};
+    constexpr std::string_view digits = "0123456789abcdef";
+    const fmx::CharacterStyle::Color& color = style.GetColor();
+    std::string text = "#";
+    for (const unsigned channel : {color.GetRed(), color.GetGreen(), color.GetBlue()})
+        text.append({digits[channel / digits.size()], digits[channel % digits.size()]});
+    return text;
+}
+
+std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& env) {
+    const fmx::DataUniquePtr scratch;
+    const fmx::TextUniquePtr name;
+    fmx::CharacterStyle::FontScript script = fmx::CharacterStyle::kRoman;
+    if (!scratch->GetFontInfo(style.GetFont(), *name, script, env)) return {};
+    return StringFromFmText(*name);
+}
+
+TextReader::TextReader(const fmx::ExprEnv& env) : env_(env), keepsNarrowText_(logsMerges()) {}
+
+TextReader::Traits TextReader::traitsOf(const fmx::CharacterStyle& style, bool isBlank) {
+    Traits traits;
+    traits.isEnabled = !style.IsAllDisabled();
+    if (!traits.isEnabled) return traits;
+    traits.face = style.GetFace();
+    if (!isBlank) traits.face &= static_cast<Face>(~Style::kFace_WordUnderline);
+    traits.color = getFontColor(style);
+    traits.font = style.GetFont();
+    traits.isSized = style.IsSizeEnabled();
+    if (traits.isSized) traits.size = style.GetSize();
+    return traits;
+}
+
+const std::string& TextReader::fontNameOf(const fmx::CharacterStyle& style,
+                                          fmx::CharacterStyle::FontID font) {
+    const auto known = fontNames_.find(font);
+    if (known != fontNames_.end()) return known->second;
+    return fontNames_.emplace(font, getFontName(style, env_)).first->second;
+}
+
+Formattings TextReader::formattingsOf(const Traits& traits, const fmx::CharacterStyle& style) {
+    Formattings formattings;
+    if (!traits.isEnabled) return formattings;
+    int decided = 0;
+    for (const auto& [bits, group, formatting] : kFaces) {
+        if (group == decided || (traits.face & bits) != bits) continue;
+        formattings[formatting];
+        decided = group;
+    }
+    if (!traits.color.empty()) formattings["color"] = traits.color;
+    const std::string& font = fontNameOf(style, traits.font);
+    if (!font.empty()) formattings["font"] = font;
+    if (traits.isSized) formattings["size"] = std::to_string(traits.size) + "px";
+    return formattings;
+}
+
+const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, bool isBlank) {
+    Traits traits = traitsOf(style, isBlank);
+    const auto known = looks_.find(traits);
+    if (known != looks_.end()) return known->second;
+    Look look;
+    look.run.formattings = formattingsOf(traits, style);
+    look.run.inlineStyles = CSSFromFormattings(look.run.formattings);
+    look.css = look.run.getInlineCSS();
+    if (looks_.size() == kMostLooks) looks_.clear();
+    return looks_.emplace(std::move(traits), std::move(look)).first->second;
+}
+
+cFragment TextReader::formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index) {
+    const fmx::uint32 position = HostLength(index);
+    fmx::uint16 unit = 0;
+    text.GetUnicode(&unit, position, 1);
+    text.GetStyle(*style_, position);
+    return lookOf(*style_, unit == kBlank).run;
+}
+
+Formattings TextReader::formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index) {
+    return formattedFragmentFromFMCharacter(text, index).formattings;
+}
+
+void TextReader::extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments) {
+    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    std::string css;         // of the run
+    std::size_t start = 0;   // of the run
+    bool wasBlank = false;   // as the last look was read
+    bool underWords = false; // whether the last style looks different on blanks
+    const auto closeRun = [&](std::size_t end) {
+        cFragment& run = fragments.back();
+        run.start = start;
+        run.length = end - start;
+        run.characters.assign(units.begin() + static_cast<std::ptrdiff_t>(start),
+                              units.begin() + static_cast<std::ptrdiff_t>(end));
+        if (keepsNarrowText_) run.narrowText = narrowTextOf(text, start, end);
+    };
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const auto position = static_cast<fmx::uint32>(i);
+        const bool isBlank = units[i] == kBlank;
+        text.GetStyle(*next_, position);
+        // Styles are compared before anything is made of them: most characters look like the one before.
+        if (i > 0 && *next_ == *style_ && (!underWords || isBlank == wasBlank)) continue;
+        style_.swap(next_);
+        underWords = (style_->GetFace() & Style::kFace_WordUnderline) != 0;
+        wasBlank = isBlank;
+        const Look& look = lookOf(*style_, isBlank);
+        if (i > 0 && look.css == css) continue;
+        if (i > 0) closeRun(i);
+        fragments.push_back(look.run);
+        css = look.css;
+        start = i;
+    }
+    if (!units.empty()) closeRun(units.size());
+}
+
+fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, const std::string& suffix,
+                          const fmx::ExprEnv& env, fmx::TextAutoPtr& result) {
+    const fmx::TextUniquePtr calculation = cFMUtils::getUTF16data(prefix);
+    calculation->AppendText(text);
+    calculation->AppendText(*cFMUtils::getUTF16data(suffix));
+    const fmx::DataUniquePtr value;
+    const fmx::errcode error = env.Evaluate(*calculation, *value);
+    result->SetText(value->GetAsText());
+    return error;
+}
+
+std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env) {
+    fmx::TextUniquePtr value;
+    evaluateOnFM("", expression, "", env, value);
+    const std::vector<fmx::uint16> units = UnitsFromFMText(*value);
+    const auto endsLine = [](fmx::uint16 unit) { return unit == kReturn || unit == kLineSeparator; };
+    std::vector<fmx::uint16> endings;
+    std::copy_if(units.begin(), units.end(), std::back_inserter(endings), endsLine);
+    if (!units.empty() && !endsLine(units.back())) endings.push_back(0);
+    return endings;
+}
+
+std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env) {
+    fmx::TextUniquePtr value;
+    evaluateOnFM("ValueCount(", expression, ")", env, value);
+    const int count = std::stoi(StringFromFmText(*value));
+    std::vector<std::string> aligns;
+    for (int k = 1; k <= count; ++k) {
+        evaluateOnFM("GetAsCSS(GetValue(", expression, ";" + std::to_string(k) + "))", env, value);
+        aligns.push_back(parseAlignmentFromGetAsCSS(StringFromFmText(*value)));
+    }
+    return aligns;
+}
+
+std::string parseAlignmentFromGetAsCSS(const std::string& css) {
+    static constexpr const char* words[] = {"left", "center", "right", "full"};
+    std::string_view tag = css;
+    tag = tag.substr(0, tag.find('>'));
+    const std::size_t property = tag.find("text-align");
+    if (tag.size() == css.size() || property == std::string_view::npos) return words[0];
+    std::string_view declaration = tag.substr(property);
+    declaration = declaration.substr(0, declaration.find_first_of("\";"));
+    const auto* const found = std::find_if(std::begin(words), std::end(words), [&](const char* word) {
+        return declaration.find(word) != std::string_view::npos;
+    });
+    return found == std::end(words) ? words[0] : *found;
+}

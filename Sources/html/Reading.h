@@ -1,0 +1,88 @@
+#pragma once
+
+/// What the host knows of a styled text: the look of its characters, where its lines end, how they are
+/// aligned. A failing host call travels as an exception.
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXText.h"
+#include "FMWrapper/FMXTextStyle.h"
+#include "FMXAliases.h"
+#include "html/Fragment.h"
+
+#include <compare>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+/// The style's colour as #rrggbb; empty when the style leaves it to the field.
+std::string getFontColor(const fmx::CharacterStyle& style);
+
+/// The name of the style's font; empty when the file knows no such font. Names are shortened as
+/// StringFromFmText says, which concerns those outside Latin, Greek and Cyrillic.
+std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& env);
+
+/// Reads the texts of one conversion. It remembers what it has asked the host, so it must not outlive the
+/// call that it serves.
+class TextReader {
+public:
+    explicit TextReader(const fmx::ExprEnv& env);
+
+    /// The formattings of one character. Word underline counts for blanks alone; a surrogate is a character.
+    Formattings formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index);
+
+    /// A new run with one character's formattings and their CSS, and nothing else.
+    cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index);
+
+    /// Appends the runs of a text: cut wherever the CSS of the characters changes, each with the formattings
+    /// of its first character. Asks the host once for the characters, and for each character once for its
+    /// style. The narrow text is kept only when merges are logged.
+    void extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments);
+
+private:
+    /// All that a character's formattings depend on.
+    struct Traits {
+        bool isEnabled = false, isSized = false;
+        fmx::CharacterStyle::Face face = 0;
+        fmx::CharacterStyle::FontID font = 0;
+        fmx::CharacterStyle::FontSize size = 0;
+        std::string color;
+
+        auto operator<=>(const Traits&) const = default;
+    };
+    /// What they make of it.
+    struct Look {
+        cFragment run; ///< as formattedFragmentFromFMCharacter gives it
+        std::string css;
+    };
+
+    static Traits traitsOf(const fmx::CharacterStyle& style, bool isBlank);
+    const Look& lookOf(const fmx::CharacterStyle& style, bool isBlank);
+    Formattings formattingsOf(const Traits& traits, const fmx::CharacterStyle& style);
+    const std::string& fontNameOf(const fmx::CharacterStyle& style, fmx::CharacterStyle::FontID font);
+
+    const fmx::ExprEnv& env_;
+    bool keepsNarrowText_;
+    fmx::CharacterStyleUniquePtr style_, next_;
+    std::map<fmx::CharacterStyle::FontID, std::string> fontNames_;
+    std::map<Traits, Look> looks_;
+};
+
+/// Evaluates prefix, text and suffix as one calculation. `result` becomes its value as text, with styles;
+/// what it gives is the evaluation's error code.
+fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, const std::string& suffix,
+                          const fmx::ExprEnv& env, fmx::TextAutoPtr& result);
+
+/// One unit for every line of the expression's value: what ends it, U+2028 or a return, or 0 for a last line
+/// without an end.
+std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env);
+
+/// The alignment of every value (lines between returns) of the expression's value. Throws
+/// std::invalid_argument when the host does not say how many there are.
+std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env);
+
+/// "left", "center", "right" or "full", from the first tag of a text that the host has marked with CSS.
+/// "left" also when the tag does not say, or says something else.
+std::string parseAlignmentFromGetAsCSS(const std::string& css);
