@@ -1,8 +1,10 @@
 #include "LoadedPlugIn.h"
 #include "RealisticCalls.h"
+#include "WebServices.h"
 
 #include "host/fmwrapper/Bridge.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 
@@ -40,10 +42,14 @@ protected:
     }
 
     void call(const host::RegisteredFunction& function, const host::DataVect& arguments) {
+        result(function, arguments);
+    }
+    std::string result(const host::RegisteredFunction& function, const host::DataVect& arguments) {
         const host::calc::Environment environment = session.environment(session.front());
         host::Data result;
         plugIn.call(function, host::bridge::out<fmx::ExprEnv>(environment),
                     host::bridge::out<fmx::DataVect>(arguments), host::bridge::out<fmx::Data>(result));
+        return result.asText().utf8();
     }
 };
 
@@ -81,6 +87,40 @@ TEST_F(FailingHost, isBorneByCallsAsTheyAreReallyMade) {
     std::printf("%llu failing host calls borne by %zu calculations\n",
                 static_cast<unsigned long long>(points), realisticCalls.size());
     EXPECT_GT(points, 1000U);
+}
+
+TEST_F(FailingHost, isBorneByLookups) {
+    WebServices services(Behaviour{Behaviour::Kind::answers, "\r\n\r\n203.0.113.7"});
+    for (const char* const calculation :
+         {"Kestrel_GetClientPublicIPAddress", "Kestrel_GetIPforName ( \"localhost\" )",
+          "Kestrel_GetNameForIP ( \"127.0.0.1\" )", "Kestrel_GetNameForIP ( \"::1\" )"})
+        EXPECT_GT(failInTurn(calculation, [&] { evaluate(calculation); }), 0U) << calculation;
+}
+
+TEST_F(FailingHost, isReportedByEveryConversionToHtml) {
+    evaluate("Let ( $$note = TextStyleAdd ( \"a¶&\" ; Bold ) & TextColor ( \" b\" ; 255 ) ; 1 )");
+    const host::Text styled = evaluate("$$note").value->asText();
+    for (const host::Text& text : {styled, host::Text(u"$$note")}) {
+        const host::DataVect arguments{std::make_shared<const host::Data>(text),
+                                       std::make_shared<const host::Data>(host::Text(u"all")),
+                                       std::make_shared<const host::Data>(host::Text(u"color=red\rall")),
+                                       std::make_shared<const host::Data>(host::Text(u"all"))};
+        const auto function = std::find_if(plugIn.functions().begin(), plugIn.functions().end(),
+                                           [](const auto& row) { return row.name == u"Kestrel_GetAsHTML"; });
+        ASSERT_NE(function, plugIn.functions().end());
+        EXPECT_GT(failInTurn(text.utf8(), [&] { call(*function, arguments); }), 200U);
+
+        const std::string html = result(*function, arguments);
+        for (std::uint64_t nth = 1;; ++nth) {
+            host::faults().arm(nth, Faults::Kind::unknown, false);
+            const std::string answer = result(*function, arguments);
+            const bool fired = host::faults().fired();
+            host::faults().disarm();
+            EXPECT_EQ(answer, fired ? "2400" : html) << nth;
+            if (!fired) break;
+            EXPECT_EQ(lastError(), "2400 std::exception") << nth;
+        }
+    }
 }
 
 TEST_F(FailingHost, isReportedAsAnErrorOfTheHostWhenEvenReportingFails) {

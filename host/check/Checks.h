@@ -24,9 +24,9 @@ struct Check {
 /// The table, in the order of levels.
 std::span<const Check> checks();
 
-/// Runs a check in a process of its own, so that a crash or a hang is a finding and not an end. Whatever the
-/// plug-in prints goes where this process prints. A check that takes longer than `secondsAllowed` is ended
-/// and has failed.
+/// Runs a check in a process of its own, so that a crash or a hang is a finding and not an end. Where the
+/// system allows it, that process has no network. Whatever the plug-in prints goes where this process prints.
+/// A check that takes longer than `secondsAllowed` is ended and has failed.
 Finding runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed = 120);
 
 } // namespace host::check

@@ -1,0 +1,37 @@
+#pragma once
+
+/// The device's public IPv4 address, as a web service sees it.
+///
+/// The address that the service's name stands for first, of whatever family, is the one that is tried. On a
+/// network with IPv6 alone that is the network's translation of the service's IPv4 address, where it offers
+/// one, and the answer is the translator's public address; where it offers none, the lookup or the connection
+/// fails. A service that sees an IPv6 address and says so is understood as a wrong answer.
+
+#include "BlockingCalls.h"
+#include "PublicIPServices.h"
+
+#include <iterator>
+
+/// The outcomes of asking a service. A time-out is the failure of the step that it ends.
+enum PublicIPCode : short {
+    kPublicIPFound = 0,
+    kHostNotResolved = -3,
+    kNoSocket = -4,
+    kNotConnected = -5, ///< 11 times in a row, or until time was up
+    kNotSent = -6,
+    kNotReceived = -7,
+    kNoAddress = -8, ///< the response has no marker, or no address behind it
+};
+
+/// The time that a service has for all of its steps together: with every service as slow as can be, the
+/// last one still gets its share, and the whole stays within one wait.
+constexpr auto kServiceTime = kst::kLongestWait / std::size(kServicesAsked);
+
+/// What of a response is looked at, at most. One read: of an answer that comes in pieces, the first.
+constexpr std::size_t kResponseSize = 16000;
+
+/// Asks a service, by its number in PublicIPServices.h, over plain HTTP, and gives a PublicIPCode. `out` has
+/// at least kAddressBufferSize bytes; it holds the address and a zero, and after kNoAddress what CopyAddress
+/// has left there. Otherwise it is empty. Every attempt to connect that fails writes a line to standard
+/// output. Blocks for kServiceTime at most.
+int GetClientPublicIP(int service, char* out);

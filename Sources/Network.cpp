@@ -1,0 +1,62 @@
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXText.h"
+#include "GetClientPublicIP.h"
+#include "HandlerFrame.h"
+#include "Handlers.h"
+#include "LastError.h"
+#include "NetworkNames.h"
+#include "PublicIPServices.h"
+#include "cFMUtils.h"
+
+#include <array>
+#include <string>
+
+/// The solutions' way to the network. A lookup of a name or address that fails is no error: its message is
+/// the result.
+
+namespace {
+
+constexpr std::size_t kParameterSize = 1024;
+
+fmx::errcode answerWithText(const std::string& s, fmx::Data& result) {
+    cFMUtils::FMResultFromText(*cFMUtils::FMXTextUniquePtrFromString(s), result);
+    return 0;
+}
+
+fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char* whatIsMissing,
+                          const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        if (parameters.Size() == 0)
+            return kst::AnswerWithError(kst::kWrongParameter, whatIsMissing, result, env);
+        std::array<char, kParameterSize> asked{};
+        parameters.AtAsText(0).GetBytes(asked.data(), asked.size());
+        return answerWithText(lookUp(asked.data()), result);
+    });
+}
+
+} // namespace
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetClientPublicIPAddress(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
+    return kst::RunHandler(env, result, [&] {
+        int code = kPublicIPFound;
+        for (const int service : kServicesAsked) {
+            std::array<char, kAddressBufferSize> address{};
+            code = GetClientPublicIP(service, address.data());
+            if (code == kPublicIPFound) return answerWithText(address.data(), result);
+        }
+        return kst::AnswerWithError(static_cast<short>(code), "Public IP is not available", result, env);
+    });
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetNameForIP(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return answerLookup(slib::NameForIP, "IP address is not specified", env, parameters, result);
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetIPforName(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return answerLookup(slib::IPForName, "Host name is not specified", env, parameters, result);
+}

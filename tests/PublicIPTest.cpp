@@ -1,0 +1,225 @@
+#include "LoadedPlugIn.h"
+#include "WebServices.h"
+
+#include "GetClientPublicIP.h"
+
+#include <algorithm>
+#include <thread>
+
+/// The public address, asked for by the loaded plug-in on a network of our own, where the services answer
+/// what a case wants.
+
+namespace {
+
+using Kind = Behaviour::Kind;
+using Clock = std::chrono::steady_clock;
+
+const std::string kHeaders = "HTTP/1.1 200 OK\r\nContent-Type: text/plain";
+const std::string kClose = kHeaders + "\r\nConnection: close\r\n\r\n";
+const std::string kChunked = kHeaders + "\r\nTransfer-Encoding: chunked\r\n\r\n";
+const std::string kNotAvailable = "Public IP is not available";
+
+class PublicIP : public LoadedPlugIn {
+protected:
+    std::string ask() { return textOf("Kestrel_GetClientPublicIPAddress"); }
+    std::string askAll(const Behaviour& behaviour) {
+        WebServices services(behaviour);
+        return ask();
+    }
+    static double secondsOf(const std::function<void()>& action) {
+        const auto start = Clock::now();
+        action();
+        return std::chrono::duration<double>(Clock::now() - start).count();
+    }
+};
+
+TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
+    const std::string page = "<html><head><title>Current IP Check</title></head><body>";
+    const struct {
+        int service;
+        std::string response;
+        std::string result;
+    } cases[] = {
+        {2, kHeaders + "\r\n\r\n203.0.113.7", "203.0.113.7"},
+        {2, kHeaders + "\r\n\r\n255.255.255.255", "255.255.255.255"},
+        {2, kHeaders + "\r\n\r\na.b.c.d", "a.b.c.d"},
+        {2, kHeaders + "\r\n\r\n...", "..."},
+        {2, kHeaders + "\r\n\r\n1.2.3.4" + std::string("\0 56", 4), "1.2.3.4"},
+        {2, kHeaders + "\r\n\r\n203.0.113", "-8"},
+        {2, kHeaders + "\r\n\r\n1.2.3.4.5", "-8"},
+        {2, kHeaders + "\r\n\r\n1234.1.1.1", "-8"},
+        {2, kHeaders + "\r\n\r\n1.1.1.1234", "-8"},
+        {2, kHeaders + "\r\n\r\n255.255.255.255.", "-8"},
+        {2, kHeaders + "\r\n\r\n", "-8"},
+        {2, kHeaders + "\r\n", "-8"},
+        {2, kHeaders + std::string("\0\r\n\r\n1.2.3.4", 12), "-8"},
+        {2, "1.2.3.4", "-8"},
+        {2, "", "-8"},
+        {5, kClose + "203.0.113.7", "203.0.113.7"},
+        {5, kHeaders + "\r\n\r\n203.0.113.7", "-8"},
+        {6, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n", "203.0.113.7"},
+        {6, kChunked + "b\r\n203.0.113.7", "-8"},
+        {6, kChunked + "c\r\n203.0.113.77\r\n0\r\n\r\n", "-8"},
+        {6, kChunked + "b\r\n\r\n", "-8"},
+        {8, kClose + "<p>Your IP is 203.0.113.7</p>", "203.0.113.7"},
+        {8, kClose + "<p>Your IP is 203.0.113.7", "-8"},
+        {8, kClose + "<p>Your IP is </p>", "-8"},
+        {8, kClose + "<p>Your IP is ", "-8"},
+        {8, kClose + "<p>Your ip is 203.0.113.7</p>", "-8"},
+        {9, kClose + page + "Current IP Address: 203.0.113.7</body></html>", "203.0.113.7"},
+        {9, kClose + page + "Current IP Address: 255.255.255.2550</body></html>", "-8"},
+        // 16,000 bytes are looked at, headers and all.
+        {8, std::string(15'982, ' ') + "Your IP is 1.2.3.4<!>", "-8"},
+        {8, std::string(15'981, ' ') + "Your IP is 1.2.3.4<!>", "1.2.3.4"},
+        {8, std::string(20'000, ' ') + "Your IP is 1.2.3.4<!>", "-8"},
+        {2, "\r\n\r\n" + std::string(16'000, '.'), "-8"},
+    };
+    for (const auto& [service, response, result] : cases) {
+        const std::string what = std::to_string(service) + " " + response.substr(0, 200);
+        std::map<int, Behaviour> behaviours;
+        for (const int other : kServicesAsked)
+            behaviours[other] = {Kind::answers, "wrong"};
+        behaviours[service].bytes = response;
+        WebServices services(behaviours);
+        EXPECT_EQ(ask(), result) << what;
+        const auto last = std::find(std::begin(kServicesAsked), std::end(kServicesAsked),
+                                    result == "-8" ? kServicesAsked[4] : service);
+        EXPECT_EQ(services.clients(), std::vector<int>(std::begin(kServicesAsked), last + 1)) << what;
+    }
+}
+
+TEST_F(PublicIP, isAskedForPlainly) {
+    WebServices services({{2, {Kind::doesNotListen, ""}}, {6, {Kind::answers, ""}}});
+    EXPECT_EQ(ask(), "-5");
+    EXPECT_EQ(services.clients(), std::vector<int>{6});
+    EXPECT_EQ(services.lastRequest(), "GET / HTTP/1.1\r\nHost: v4.ident.me\r\n\r\n");
+}
+
+TEST_F(PublicIP, leavesTheLastErrorAloneWhenItIsFound) {
+    textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"old\" ] ; \"\" )");
+    EXPECT_EQ(askAll({Kind::answers, "\r\n\r\n203.0.113.7"}), "203.0.113.7");
+    EXPECT_EQ(lastError(), "7 old");
+    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_GetClientPublicIPAddress )"), "Number");
+    EXPECT_EQ(lastError(), "-3 " + kNotAvailable);
+}
+
+TEST_F(PublicIP, ignoresParameters) {
+    WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
+    EXPECT_EQ(textOf("Kestrel_GetClientPublicIPAddress ( 9 ; \"x\" )"), "203.0.113.7");
+}
+
+TEST_F(PublicIP, isNotAvailableWhenAllServicesFailAlike) {
+    EXPECT_LT(secondsOf([&] { EXPECT_EQ(ask(), "-3"); }), 2.0);
+    const struct {
+        Behaviour behaviour;
+        std::vector<std::string> codes;
+    } cases[] = {
+        {{Kind::doesNotListen, ""}, {"-5"}},
+        {{Kind::answers, ""}, {"-8"}},
+        {{Kind::drips, kClose + "203.0.113.7"}, {"-8"}},
+        {{Kind::breaksOff, ""}, {"-7"}},
+        // As the moment falls: when sending, when receiving, or without a word.
+        {{Kind::hangsUp, ""}, {"-6", "-7", "-8"}},
+    };
+    for (const auto& [behaviour, codes] : cases) {
+        textOf("Let ( $$Kestrel_LastErrorMessage = \"\" ; \"\" )");
+        const std::string code = askAll(behaviour);
+        EXPECT_NE(std::find(codes.begin(), codes.end(), code), codes.end()) << code;
+        EXPECT_TRUE(lastError().ends_with(kNotAvailable)) << code;
+        EXPECT_TRUE(lastError().starts_with(code)) << lastError();
+    }
+}
+
+TEST_F(PublicIP, triesElevenTimesToConnect) {
+    testing::internal::CaptureStdout();
+    WebServices services(Behaviour{Kind::doesNotListen, ""});
+    std::array<char, kAddressBufferSize> out{"before"};
+    EXPECT_EQ(GetClientPublicIP(2, out.data()), kNotConnected);
+    std::fflush(stdout);
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_STREQ(out.data(), "");
+    EXPECT_TRUE(printed.starts_with("Error while connecting: ")) << printed;
+    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 11) << printed;
+}
+
+TEST_F(PublicIP, waitsForAServiceNoLongerThanItsShare) {
+    const Behaviour late{Kind::answersLate, "\r\n\r\n192.0.2.1",
+                         kServiceTime + std::chrono::milliseconds{300}};
+    WebServices services({{2, late}, {6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
+    std::string result;
+    const double seconds = secondsOf([&] { result = ask(); });
+    EXPECT_EQ(result, "203.0.113.7");
+    EXPECT_GE(seconds, 1.8);
+    EXPECT_LT(seconds, 3.0);
+    EXPECT_EQ(services.clients(), (std::vector<int>{2, 6}));
+}
+
+TEST_F(PublicIP, waitsForTheResolverNoLongerThanAServicesShare) {
+    WebServices services({{6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
+    const own_network::Stuck stuck("api.ipify.org");
+    std::string result;
+    const double seconds = secondsOf([&] { result = ask(); });
+    EXPECT_EQ(result, "203.0.113.7");
+    EXPECT_GE(seconds, 1.8);
+    EXPECT_LT(seconds, 3.0);
+}
+
+TEST_F(PublicIP, givesUpWithinTenSecondsWhenNobodyAnswers) {
+    WebServices services(Behaviour{Kind::keepsSilent, ""});
+    std::string result;
+    EXPECT_LE(secondsOf([&] { result = ask(); }), 10.0);
+    EXPECT_EQ(result, "-7");
+    EXPECT_EQ(lastError(), "-7 " + kNotAvailable);
+    EXPECT_EQ(services.clients(), (std::vector<int>{2, 6, 5, 8, 9}));
+}
+
+TEST_F(PublicIP, losesNoDescriptorInTenThousandCalls) {
+    {
+        WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
+        EXPECT_EQ(ask(), "203.0.113.7");
+    }
+    const std::size_t before = openDescriptors();
+    {
+        WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
+        for (int i = 0; i < 10'000; ++i)
+            ASSERT_EQ(ask(), "203.0.113.7") << i;
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    for (const Kind kind : {Kind::doesNotListen, Kind::hangsUp, Kind::breaksOff, Kind::answers}) {
+        WebServices services(Behaviour{kind, "wrong"});
+        for (int i = 0; i < 100; ++i)
+            ASSERT_EQ(ask().substr(0, 1), "-") << i;
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
+    const struct {
+        const char *response, *out;
+        int service;
+        bool isAddress;
+    } cases[] = {
+        {"\r\n\r\n203.0.113.7", "203.0.113.7", 2, true},
+        {"\r\n\r\n203.0.113", "203.0.113", 2, false},
+        {"\r\n\r\n12345.1", "1234", 2, false},
+        {"\r\n\r\n111.222.333.444.5", "111.222.333.444.", 2, false},
+        {"\r\n\r\n", "", 2, false},
+        {"no marker", "", 2, false},
+        {"My IP address: 1.2.3.4<br>", "1.2.3.4", 1, true},
+        {"IP Information: 1.2.3.4</h1>", "1.2.3.4", 3, true},
+        {"\r\n\r\nd\r\n192.0.2.1", "192.0.2.1", 4, true},
+        {"<strong id=\"ip_address\">1.2.3.4</strong>", "1.2.3.4", 7, true},
+        // Numbers that no service has give the first.
+        {"My IP address: 1.2.3.4<br>", "1.2.3.4", 0, true},
+        {"My IP address: 1.2<br>", "1.2", 10, false},
+        {"My IP address: <br>", "", -1, false},
+    };
+    for (const auto& [response, expected, service, isAddress] : cases) {
+        std::array<char, kAddressBufferSize> out{};
+        out.fill('~');
+        EXPECT_EQ(CopyAddress(ServiceNumbered(service), response, out.data()), isAddress) << response;
+        EXPECT_STREQ(out.data(), expected);
+    }
+}
+
+} // namespace

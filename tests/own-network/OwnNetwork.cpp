@@ -1,0 +1,113 @@
+#include "OwnNetwork.h"
+
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <netdb.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFolderVariable = "KESTREL_OWN_NETWORK";
+
+/// Addresses that are read back have one of the names alone.
+constexpr const char* kHosts = "127.0.0.1 localhost\n"
+                               "127.0.0.2 api.ipify.org\n"
+                               "127.0.0.5 ip1.dynupdate.no-ip.com\n"
+                               "127.0.0.6 v4.ident.me\n"
+                               "127.0.0.8 www.whatismypublicip.com\n"
+                               "127.0.0.9 checkip.dyndns.org\n"
+                               "127.0.0.21 twice.example\n"
+                               "127.0.0.22 twice.example\n"
+                               "127.0.0.23 quo\"'ted\\\n"
+                               "::1 six.example\n";
+constexpr const char* kLongNameAddress = "127.0.0.24 ";
+constexpr std::size_t kLongestName = 255;
+
+void set(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
+
+/// Runs before anything else of the program: nothing is set up that is lost with the first start.
+[[gnu::constructor]] void moveIn(int, char** arguments, char**) {
+    if (std::getenv(kFolderVariable) != nullptr) return;
+    std::string folder = (fs::temp_directory_path() / "kestrel-network-XXXXXX").string();
+    if (::mkdtemp(folder.data()) == nullptr) std::abort();
+    std::ofstream(folder + "/hosts") << kHosts << kLongNameAddress << std::string(kLongestName, 'n') << "\n";
+    const char* const others = std::getenv("LD_PRELOAD");
+    set("LD_PRELOAD", std::string(others == nullptr ? "" : others) + " " SOCKET_WRAPPER " " NSS_WRAPPER);
+    set("SOCKET_WRAPPER_DIR", folder);
+    set("SOCKET_WRAPPER_MTU", "32768"); // nothing is cut into pieces that a test did not cut
+    set("NSS_WRAPPER_HOSTS", folder + "/hosts");
+    // The sanitizers do not bear the way in which the two would otherwise load the C library.
+    set("SOCKET_WRAPPER_DISABLE_DEEPBIND", "1");
+    set("NSS_WRAPPER_DISABLE_DEEPBIND", "1");
+    set(kFolderVariable, std::to_string(::getpid()) + " " + folder);
+    ::execv("/proc/self/exe", arguments);
+    std::perror("own network");
+    std::abort();
+}
+
+[[gnu::destructor]] void moveOut() {
+    const char* const mine = std::getenv(kFolderVariable);
+    if (mine == nullptr) return;
+    const std::string value = mine;
+    const std::size_t space = value.find(' ');
+    if (value.substr(0, space) != std::to_string(::getpid())) return; // a child of the owner's
+    std::error_code ignored;
+    fs::remove_all(value.substr(space + 1), ignored);
+}
+
+/// Never destroyed: a lookup may still wait when the process ends.
+struct Resolver {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool servicesAreKnown = false;
+    std::string stuckName;
+};
+Resolver& resolver() {
+    static auto& one = *new Resolver;
+    return one;
+}
+
+} // namespace
+
+namespace own_network {
+
+void setServices(Services services) {
+    const std::lock_guard lock(resolver().mutex);
+    resolver().servicesAreKnown = services == Services::known;
+}
+
+Stuck::Stuck(std::string name) {
+    const std::lock_guard lock(resolver().mutex);
+    resolver().stuckName = std::move(name);
+}
+
+Stuck::~Stuck() {
+    const std::lock_guard lock(resolver().mutex);
+    resolver().stuckName.clear();
+    resolver().changed.notify_all();
+}
+
+} // namespace own_network
+
+/// In front of the preloaded one, which asks the real resolver for names that its file does not have.
+extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* wanted, addrinfo** found) {
+    {
+        std::unique_lock lock(resolver().mutex);
+        const std::string name = node == nullptr ? "" : node;
+        resolver().changed.wait(lock, [&] { return name.empty() || resolver().stuckName != name; });
+        const bool isKnown = std::strstr(kHosts, (" " + name + "\n").c_str()) != nullptr;
+        if (!isKnown || !resolver().servicesAreKnown) return EAI_NONAME;
+    }
+    using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
+    static const auto next = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+    return next(node, service, wanted, found);
+}
