@@ -7,5 +7,8 @@ namespace bench {
 void benchGlobals();
 void benchSql();
 void benchText();
+void benchNetwork();
+void benchHtml();
+void benchPatterns();
 
 } // namespace bench

@@ -112,4 +112,7 @@ int main() {
     bench::benchGlobals();
     bench::benchSql();
     bench::benchText();
+    bench::benchNetwork();
+    bench::benchHtml();
+    bench::benchPatterns();
 }
