@@ -10,5 +10,6 @@ void benchText();
 void benchNetwork();
 void benchHtml();
 void benchPatterns();
+void benchGrowth();
 
 } // namespace bench

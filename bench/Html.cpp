@@ -154,7 +154,7 @@ double processorSeconds(const std::function<void()>& action) {
     return least;
 }
 
-void benchGrowth(const bench::Loaded& plugIn) {
+void benchUnkindTexts(const bench::Loaded& plugIn) {
     const struct {
         const char* what;
         std::uint32_t size;
@@ -362,7 +362,7 @@ void benchHtml() {
         "styled text to HTML", [&] { keep(conversion.run()); }, "reading it",
         [&] { keep(read(out<fmx::Text>(text))); }, kMega, "char");
     benchOthers(conversion);
-    benchGrowth(plugIn);
+    benchUnkindTexts(plugIn);
     benchVariable(plugIn);
 }
 

@@ -115,4 +115,5 @@ int main() {
     bench::benchNetwork();
     bench::benchHtml();
     bench::benchPatterns();
+    bench::benchGrowth();
 }

@@ -17,6 +17,10 @@ else()
     target_link_options(kestrel-no-undefined INTERFACE -Wl,-z,defs)
 endif()
 
+if(KESTREL_COVERAGE)
+    add_link_options(-fprofile-instr-generate)
+endif()
+
 # What a program around the host sees: its headers as "host/…", the interface's as <FMWrapper/…>.
 add_library(kestrel-host-headers INTERFACE)
 target_include_directories(kestrel-host-headers INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)

@@ -1,0 +1,212 @@
+#include "host/app/Clock.h"
+#include "host/app/Faults.h"
+#include "host/app/File.h"
+#include "host/app/ObjectCounts.h"
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+#include "host/dispatch/MainQueue.h"
+#include "host/fmwrapper/Bridge.h"
+#include "host/values/Encoding.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <fuzzer/FuzzedDataProvider.h>
+#include <string>
+
+/// A day in the plug-in's life: calls of its functions with values of every type, between messages, files
+/// that open and close, a clock that jumps and host calls that fail. Whatever the order, nothing escapes, and
+/// when the day is over the plug-in keeps nothing.
+
+namespace {
+
+using Bytes = FuzzedDataProvider;
+
+// What functions look for in their arguments; the fuzzer mixes it with texts of its own.
+constexpr std::array vocabulary{
+    "",
+    "last error",
+    "last error message",
+    "version",
+    "timestamp",
+    "number_sort",
+    "inline documentation",
+    "long",
+    "autoupdate",
+    "temp folder",
+    "script status",
+    "Key",
+    "$variable",
+    "$$variable",
+    "Untitled",
+    "Second",
+    "Remind",
+    "Again",
+    "0",
+    "1",
+    "-1",
+    "nan",
+    "1.5¶-2¶0x1p3¶inf",
+    "¶",
+    "B64",
+    "Base64",
+    "S2VzdHJlbA==",
+    "(a|b)*c",
+    "^(\\w+)\\s(\\d)?$",
+    "$1\\1$0",
+    "i",
+    "<<Get ( UserName )>>",
+    "<<",
+    ">>",
+    "SELECT * FROM t",
+    "SELECT a FROM t WHERE b = ?",
+    "h1=Heading¶p=body",
+    "b=strong.bold",
+    "font-weight: bold;",
+    "127.0.0.1",
+    "Hello, \xE2\x82\xAC \xF0\x9F\x98\x80 & <world>",
+};
+
+host::Text someText(Bytes& bytes) {
+    host::Text text = host::Text::fromUtf8(
+        bytes.ConsumeBool()
+            ? std::string(vocabulary[bytes.ConsumeIntegralInRange<std::size_t>(0, vocabulary.size() - 1)])
+            : bytes.ConsumeRandomLengthString(80));
+    for (int runs = bytes.ConsumeIntegralInRange(0, 3); runs > 0; --runs) {
+        const auto start = bytes.ConsumeIntegralInRange<std::uint32_t>(0, text.size());
+        const auto size = bytes.ConsumeIntegralInRange<std::uint32_t>(0, text.size());
+        const auto font = bytes.ConsumeIntegralInRange<std::uint16_t>(0, 3);
+        const auto faces = bytes.ConsumeIntegral<std::uint16_t>();
+        text.applyStyle({font,
+                         faces,
+                         bytes.ConsumeIntegralInRange<std::uint16_t>(0, 64),
+                         {.red = bytes.ConsumeIntegral<std::uint8_t>()}},
+                        start, size);
+        text.setAlignment(bytes.PickValueInArray({host::Alignment::left, host::Alignment::center,
+                                                  host::Alignment::right, host::Alignment::full}),
+                          start, size);
+    }
+    return text;
+}
+
+host::Data someValue(Bytes& bytes) {
+    switch (bytes.ConsumeIntegralInRange(0, 7)) {
+    case 0: return host::Data(host::Decimal(bytes.ConsumeIntegral<std::int64_t>()));
+    case 1: return host::Data(host::Decimal(bytes.ConsumeIntegralInRange(-3, 30)));
+    case 2: {
+        host::Data value(someText(bytes));
+        constexpr std::array types{host::DataType::number, host::DataType::date, host::DataType::time,
+                                   host::DataType::timestamp, host::DataType::binary};
+        value.convert(types[bytes.ConsumeIntegralInRange<std::size_t>(0, types.size() - 1)]);
+        return value;
+    }
+    case 3: return host::Data::invalid();
+    default: return host::Data(someText(bytes));
+    }
+}
+
+class Day {
+public:
+    Day(host::Session& session, host::PlugIn& plugIn) : session_(session), plugIn_(plugIn) {}
+
+    void live(Bytes& bytes) {
+        for (int steps = 0; steps < 60 && bytes.remaining_bytes() > 0; ++steps)
+            step(bytes);
+    }
+
+    /// The plug-in is told to give up everything, and nothing fails any more.
+    void end() {
+        host::faults().disarm();
+        host::clock().reset();
+        while (session_.files().size() > 1)
+            session_.close(session_.files().back()->id());
+        session_.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 )");
+        plugIn_.shutdown();
+        host::mainQueue().clear();
+        session_.runWaitingScripts();
+        session_.front()->fileVariables().clear();
+    }
+
+private:
+    void step(Bytes& bytes) {
+        switch (bytes.ConsumeIntegralInRange(0, 15)) {
+        case 0: return openOrClose();
+        case 1:
+            host::clock().advance(std::chrono::seconds(bytes.ConsumeIntegralInRange(-200'000, 200'000)));
+            return;
+        case 2: return failHostCalls(bytes);
+        case 3: plugIn_.idle(bytes.ConsumeIntegral<unsigned char>()); return;
+        case 4: session_.turn(); return;
+        case 5: plugIn_.preferences(); return;
+        case 6: plugIn_.sessionShutdown(); return;
+        case 7:
+            plugIn_.readString(bytes.ConsumeIntegralInRange(0, 300),
+                               bytes.ConsumeIntegralInRange<std::uint32_t>(1, 64));
+            return;
+        case 8: session_.evaluate(host::fromUtf8(bytes.ConsumeRandomLengthString(120))); return;
+        default: return callSomething(bytes);
+        }
+    }
+
+    void callSomething(Bytes& bytes) {
+        const auto& functions = plugIn_.functions();
+        if (functions.empty()) return;
+        const host::RegisteredFunction& function =
+            functions[bytes.ConsumeIntegralInRange<std::size_t>(0, functions.size() - 1)];
+        const int most = function.maximum < 0 ? 6 : function.maximum;
+        host::DataVect arguments;
+        for (int count = bytes.ConsumeIntegralInRange<int>(function.minimum, most); count > 0; --count)
+            arguments.push_back(std::make_shared<const host::Data>(someValue(bytes)));
+        const host::calc::Environment environment = session_.environment(session_.front());
+        host::Data result;
+        plugIn_.call(function, host::bridge::out<fmx::ExprEnv>(environment),
+                     host::bridge::out<fmx::DataVect>(arguments), host::bridge::out<fmx::Data>(result));
+    }
+
+    void openOrClose() {
+        if (session_.files().size() > 1) {
+            session_.close(session_.files().back()->id());
+            return;
+        }
+        host::Solution second;
+        second.name = u"Second";
+        second.scripts = {{u"Remind", {u"Kestrel_DoFileMakerScript ( \"Again\" ; 1 ; 0 )"}},
+                          {u"Again", {u"1"}}};
+        session_.open(second);
+    }
+
+    static void failHostCalls(Bytes& bytes) {
+        constexpr std::uint64_t furthest = 400;
+        const auto nth = bytes.ConsumeIntegralInRange<std::uint64_t>(0, furthest);
+        if (nth == 0) return host::faults().disarm();
+        host::faults().arm(nth,
+                           bytes.ConsumeBool() ? host::Faults::Kind::badAlloc : host::Faults::Kind::unknown,
+                           bytes.ConsumeBool());
+    }
+
+    host::Session& session_;
+    host::PlugIn& plugIn_;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static host::Session session;
+    [[maybe_unused]] static const std::uint64_t file = [] {
+        host::Solution solution;
+        solution.fonts = {u"Helvetica", u"Times New Roman"};
+        solution.scripts = {{u"Remind", {u"Kestrel_GetGlobal ( \"Key\" )"}}};
+        solution.schema = "CREATE TABLE t (a TEXT, b NUMERIC); INSERT INTO t VALUES ('x', 1), ('y', 2);";
+        return session.open(solution);
+    }();
+    static host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+
+    const host::ObjectCounts before = host::objectCounts();
+    if (plugIn.init() != 60) std::abort();
+    Bytes bytes(data, size);
+    Day day(session, plugIn);
+    day.live(bytes);
+    day.end();
+    if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
+    return 0;
+}
