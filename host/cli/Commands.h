@@ -25,6 +25,10 @@ struct Options {
     bool json = false;
     std::optional<double> serveSeconds; ///< how long delayed scripts are served; unset: until none is left
 
+    /// A document and how it is converted; lists as Kestrel_GetAsHTML takes them, lines for returns.
+    std::filesystem::path document, output; ///< "-" is standard input; no output: standard output
+    std::string tags = "all", classes = "all=kst", styles = "all";
+
     /// Means of testing: one host call in a session that fails, what is left at the end, and the time.
     std::uint64_t failAt = 0; ///< 0: none
     int failWith = 2;
@@ -39,6 +43,7 @@ int evaluate(const Options& options);
 int prompt(const Options& options);
 int listFunctions(const Options& options);
 int check(const Options& options);
+int convertHtml(const Options& options);
 
 /// A session with the options' solutions open and the plug-in enabled; throws std::runtime_error (exit status
 /// 2) when a solution or the plug-in cannot be had.
@@ -53,6 +58,8 @@ public:
     [[nodiscard]] PlugIn& plugIn() { return *plugIn_; }
     /// Evaluates and writes the result, or the error to standard error; true when it evaluated.
     bool evaluateAndPrint(const std::string& calculation);
+    /// The same with a result in place of a calculation.
+    bool print(const calc::Result& result);
     /// One turn of the host's loop (Session::turn); true when the next one has work to do at once.
     bool turn();
     /// How long the loop may rest before its next turn: not at all when it has work to do, otherwise until

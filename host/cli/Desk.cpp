@@ -69,7 +69,10 @@ Desk::Desk(const Options& options) : json_(options.json) {
 }
 
 bool Desk::evaluateAndPrint(const std::string& calculation) {
-    const calc::Result result = session_.evaluate(fromUtf8(calculation));
+    return print(session_.evaluate(fromUtf8(calculation)));
+}
+
+bool Desk::print(const calc::Result& result) {
     const bool good = result.error == calc::error::none;
     if (json_)
         writeJson({{"type", good ? std::string(typeWord(result.value->nativeType())) : std::string()},

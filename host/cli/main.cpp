@@ -55,6 +55,14 @@ int main(int argc, char** argv) try {
 
     CLI::App* functions = app.add_subcommand("functions", "list the registered functions");
 
+    CLI::App* html = app.add_subcommand("html", "convert an HTML document with Kestrel_GetAsHTML");
+    addSessionOptions(*html, options);
+    html->add_option("file", options.document, "the document; - for standard input")->required();
+    html->add_option("-o", options.output, "where the result goes");
+    html->add_option("--tags", options.tags, "formatting=element, one a line");
+    html->add_option("--classes", options.classes, "formatting=class, one a line");
+    html->add_option("--styles", options.styles, "formattings, one a line");
+
     CLI::App* check = app.add_subcommand("check", "check a plug-in against the host's contract");
     check->add_option("plugin", options.plugIn, "the plug-in's library");
 
@@ -67,6 +75,7 @@ int main(int argc, char** argv) try {
     }
     if (eval->parsed()) return host::cli::evaluate(options);
     if (repl->parsed()) return host::cli::prompt(options);
+    if (html->parsed()) return host::cli::convertHtml(options);
     if (functions->parsed()) return host::cli::listFunctions(options);
     return host::cli::check(options);
 } catch (const std::exception& problem) {

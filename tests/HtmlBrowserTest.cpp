@@ -1,0 +1,265 @@
+#include "StyledTexts.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+/// What a browser makes of the HTML: for each character the style that it computes, against the styled text.
+/// Runs when KESTREL_BROWSER names a Chromium.
+
+namespace {
+
+using host::Text;
+
+/// The computed style of a character by field; what is expected may have more than one value that will do.
+using Computed = std::map<std::string, std::string>;
+using Expected = std::map<std::string, std::vector<std::string>>;
+
+/// Collects, for every frame, its characters and breaks with their computed styles. Lines, highlights and
+/// raised text are not handed down in CSS but show on what is inside, so they are collected on the way up.
+constexpr const char* script = R"js(
+function look(element) {
+    const frame = element.ownerDocument, view = frame.defaultView;
+    const style = view.getComputedStyle(element), lines = new Set();
+    let position = "baseline", background = "", aligned = style.textAlign;
+    for (let e = element; e !== frame.body; e = e.parentElement) {
+        const own = view.getComputedStyle(e);
+        for (const line of own.textDecorationLine.split(" "))
+            if (line !== "none") lines.add(own.textDecorationStyle === "double" && line === "underline"
+                                           ? "double" : line);
+        if (position === "baseline") position = own.verticalAlign;
+        if (own.backgroundColor !== "rgba(0, 0, 0, 0)") background = own.backgroundColor;
+    }
+    return { weight: style.fontWeight, slant: style.fontStyle, caps: style.fontVariantCaps,
+             letters: style.textTransform, spacing: style.letterSpacing, color: style.color,
+             font: style.fontFamily.replaceAll('"', ""), size: style.fontSize, aligned, position, background,
+             lines: [...lines].sort().join(" ") };
+}
+function collect(node, runs) {
+    for (const child of node.childNodes) {
+        if (child.nodeType === Node.TEXT_NODE) {
+            const text = child.data.replaceAll("\n", "");
+            if (text !== "") runs.push([text, look(node)]);
+        } else if (child.nodeName === "BR") {
+            runs.push(["\u2028", look(node)]);
+        } else if (child.nodeName !== "STYLE") {
+            if ((child.nodeName === "P" || child.nodeName === "DIV") && child.previousElementSibling)
+                runs.push(["\r", {}]);
+            collect(child, runs);
+        }
+    }
+}
+onload = () => {
+    const all = [...document.querySelectorAll("iframe")].map(frame => {
+        const runs = [];
+        collect(frame.contentDocument.body, runs);
+        return runs;
+    });
+    document.getElementById("looks").textContent = JSON.stringify(all).replace(/[^ -~]|[&<>]/g,
+        c => "\\u" + c.charCodeAt(0).toString(16).padStart(4, "0"));
+};
+)js";
+
+constexpr const char* base = "<!DOCTYPE html><html lang=en><head>"
+                             "<style>body { color: #123456; font-family: Base; font-size: 17px }</style>";
+
+std::string escapedForAttribute(const std::string& html) {
+    std::string escaped;
+    for (const char c : html)
+        escaped += c == '&' ? "&amp;" : c == '"' ? "&quot;" : std::string(1, c);
+    return escaped;
+}
+
+class HtmlInBrowser : public LoadedPlugIn {
+protected:
+    const char* browser = std::getenv("KESTREL_BROWSER");
+    std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("kestrel-browser-" + std::to_string(::getpid()));
+
+    void SetUp() override {
+        LoadedPlugIn::SetUp();
+        if (browser == nullptr || *browser == '\0') GTEST_SKIP() << "KESTREL_BROWSER names no browser";
+        std::filesystem::create_directory(folder);
+    }
+    void TearDown() override {
+        LoadedPlugIn::TearDown();
+        std::filesystem::remove_all(folder);
+    }
+
+    /// The characters' styles in each of the pages.
+    nlohmann::json computedStyles(const std::vector<std::string>& pages) {
+        {
+            std::ofstream file(folder / "pages.html", std::ios::binary);
+            file << "<!DOCTYPE html><meta charset=utf-8><script>" << script << "</script>";
+            for (const std::string& page : pages)
+                file << "<iframe srcdoc=\"" << escapedForAttribute(base + page) << "\"></iframe>\n";
+            file << "<pre id=looks></pre>";
+        }
+        const std::string quoted = "'" + folder.string();
+        // Without the tests' own network, which a browser does not get along with.
+        const std::string command = "env -u LD_PRELOAD timeout 120 " + std::string(browser) +
+                                    " --headless --disable-gpu --disable-dev-shm-usage" +
+                                    (::geteuid() == 0 ? " --no-sandbox" : "") +
+                                    " --host-resolver-rules='MAP * ~NOTFOUND' --user-data-dir=" + quoted +
+                                    "/profile' --dump-dom " + quoted + "/pages.html' 2>/dev/null";
+        FILE* const pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the tester's own browser
+        if (pipe == nullptr) return {};
+        std::string page;
+        char buffer[65536];
+        for (std::size_t size = 0; (size = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+            page.append(buffer, size);
+        ::pclose(pipe);
+        const std::string mark = "<pre id=\"looks\">";
+        const std::size_t start = page.find(mark);
+        if (start == std::string::npos) return {};
+        const std::size_t first = start + mark.size();
+        return nlohmann::json::parse(page.substr(first, page.find("</pre>", first) - first), nullptr, false);
+    }
+
+    /// What a character must look like. `isWholly` is what all characters of its paragraph have in common.
+    Expected expected(const host::RunStyle& look, std::uint16_t isWholly, const HtmlParameters& parameters) {
+        using namespace host;
+        const std::uint16_t faces = look.style.faces();
+        const auto has = [faces](std::uint16_t bits) { return (faces & bits) == bits; };
+        Expected fields{
+            {"weight", {has(face::bold) ? "700" : "400"}},
+            {"slant", {has(face::italic) ? "italic" : "normal"}},
+            {"caps", {has(face::smallCaps) ? "small-caps" : "normal"}},
+            {"spacing",
+             {has(face::condense) ? "-2px"
+              : has(face::extend) ? "2px"
+                                  : "normal"}},
+            {"background", {has(face::highlight) ? "rgb(255, 255, 0)" : ""}},
+            {"position",
+             {has(face::superscript) ? "super"
+              : has(face::subscript) ? "sub"
+                                     : "baseline"}},
+            {"letters",
+             {has(face::titlecase)   ? "capitalize"
+              : has(face::uppercase) ? "uppercase"
+              : has(face::lowercase) ? "lowercase"
+                                     : "none"}},
+        };
+        constexpr const char* alignments[] = {"start", "center", "right", "justify"};
+        fields["aligned"] = {alignments[static_cast<std::size_t>(look.alignment)]};
+        fields["lines"] = linesOf(faces, isWholly, parameters);
+        fields["color"] = {"rgb(18, 52, 86)"};
+        if (look.style.isColorEnabled()) {
+            const Color color = look.style.color();
+            fields["color"] = {"rgb(" + std::to_string(color.red) + ", " + std::to_string(color.green) +
+                               ", " + std::to_string(color.blue) + ")"};
+        }
+        // <mark> is black by itself, whatever the colour of the paragraph around it.
+        if (has(face::highlight) && parameters.hasElements) fields["color"].emplace_back("rgb(0, 0, 0)");
+        const auto font = session.front()->fontName(look.style.font());
+        fields["font"] = {font ? host::toUtf8(*font) : "Base"};
+        const int size = look.style.isSizeEnabled() ? look.style.size() : 17;
+        fields["size"] = {std::to_string(size) + "px"};
+        if ((faces & (face::superscript | face::subscript)) != 0 && parameters.hasElements)
+            fields["size"].push_back(smaller(size));
+        return fields;
+    }
+
+private:
+    /// <sup> and <sub> are smaller than the text around, unless their own declarations say the size.
+    static std::string smaller(int size) {
+        char text[40];
+        std::snprintf(text, sizeof text, "%gpx", size / 1.2);
+        return text;
+    }
+
+    static std::vector<std::string> linesOf(std::uint16_t faces, std::uint16_t isWholly,
+                                            const HtmlParameters& parameters) {
+        using namespace host;
+        const std::string under = (faces & face::underline) != 0         ? "underline"
+                                  : (faces & face::doubleUnderline) != 0 ? "double"
+                                                                         : "";
+        if ((faces & face::strikethrough) == 0) {
+            // Of declarations that move to the paragraph one by one, the double style may leave its line.
+            if (under == "double" && parameters.hasInlineStyles && (isWholly & face::doubleUnderline) != 0)
+                return {under, "underline"};
+            return {under};
+        }
+        std::vector<std::string> lines{under.empty()       ? "line-through"
+                                       : under == "double" ? "double line-through"
+                                                           : "line-through " + under};
+        // A declaration on <s> itself takes the place of its line; and the style of one line is that of both.
+        if (under == "double" && parameters.hasElements) lines.emplace_back("double");
+        if (under == "double" && parameters.hasInlineStyles) lines.emplace_back("line-through underline");
+        return lines;
+    }
+};
+
+/// The faces that all characters of a paragraph have; a line under them counts as a double one.
+std::vector<std::uint16_t> wholly(const Text& text) {
+    std::vector<std::uint16_t> shared(text.size());
+    for (std::uint32_t first = 0; first < text.size();) {
+        std::uint32_t end = first;
+        std::uint16_t common = host::face::all | host::face::caseMask;
+        for (; end < text.size() && text.units()[end] != u'\r'; ++end) {
+            std::uint16_t faces = text.lookAt(end).style.faces();
+            if ((faces & host::face::underline) != 0) faces |= host::face::doubleUnderline;
+            common &= faces;
+        }
+        std::fill(shared.begin() + first, shared.begin() + end, common);
+        first = end + 1;
+    }
+    return shared;
+}
+
+std::string shortened(double number) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.2f", number);
+    return text;
+}
+
+/// Sizes are compared to a hundredth of a pixel.
+bool isOneOf(const std::vector<std::string>& wanted, const std::string& field, const std::string& found) {
+    return std::any_of(wanted.begin(), wanted.end(), [&](const std::string& value) {
+        return value == found || (field == "size" &&
+                                  shortened(std::atof(value.c_str())) == shortened(std::atof(found.c_str())));
+    });
+}
+
+TEST_F(HtmlInBrowser, looksAsStyled) {
+    constexpr unsigned count = 180;
+    const unsigned first = numberFromEnvironment("KESTREL_SEED", 1);
+    std::vector<Text> texts;
+    std::vector<std::string> pages;
+    for (unsigned seed = first; seed < first + count; ++seed) {
+        const HtmlParameters& parameters = htmlParameters()[seed % htmlParameters().size()];
+        const bool inVariable = seed / htmlParameters().size() % 2 == 1;
+        const Text text = StyledTexts(seed, *session.front()).next(!inVariable);
+        texts.push_back(textInHtml(text, parameters, inVariable));
+        pages.push_back(htmlOf(session, text, parameters, inVariable).utf8());
+    }
+    const nlohmann::json computed = computedStyles(pages);
+    ASSERT_EQ(computed.size(), count) << "the browser gave no answer";
+    for (unsigned i = 0; i < count; ++i) {
+        SCOPED_TRACE("KESTREL_SEED=" + std::to_string(first + i) + "\n" + pages[i]);
+        const std::vector<std::uint16_t> common = wholly(texts[i]);
+        std::uint32_t position = 0;
+        for (const auto& run : computed[i]) {
+            const auto found = run[1].get<Computed>();
+            for (const char16_t unit : host::fromUtf8(run[0].get<std::string>())) {
+                ASSERT_LT(position, texts[i].size());
+                ASSERT_EQ(unit, texts[i].units()[position]) << "at " << position;
+                if (unit != u'\r')
+                    for (const auto& [field, values] :
+                         expected(texts[i].lookAt(position), common[position],
+                                  htmlParameters()[(first + i) % htmlParameters().size()]))
+                        ASSERT_TRUE(isOneOf(values, field, found.at(field)))
+                            << "character " << position << ": " << field << " is \"" << found.at(field)
+                            << "\", not \"" << values.front() << "\"";
+                ++position;
+            }
+        }
+        ASSERT_EQ(position, texts[i].size());
+    }
+}
+
+} // namespace

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# The gallery shows what the plug-in answers now.
+
+set -euo pipefail
+
+bash docs/gallery.sh --text | diff docs/gallery.md - || {
+    echo "FAILED: docs/gallery.md is not up to date; ./kestrel gallery makes it anew" >&2
+    exit 1
+}
