@@ -14,6 +14,5 @@ int B64_Encode(const char* in, int length, char** out);
 /// Gives the number of bytes decoded: 3 for every four characters begun, less one for each of the last
 /// group's second, third and fourth characters that is "=". Nothing is checked or skipped: line breaks,
 /// blanks, bytes from 0x80 on, and "=" itself count as "A" where they stand. Characters that the last group
-/// lacks are
-/// "="; without any character there are 0 bytes. Without `out` it gives 0 and does nothing.
+/// lacks are "="; without any character there are 0 bytes. Without `out` it gives 0 and does nothing.
 int B64_Decode(const char* in, int length, char** out);

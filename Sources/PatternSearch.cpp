@@ -19,7 +19,8 @@ constexpr std::size_t kMostBranches = 2'000;
 constexpr double kMostWaysWithoutReading = 1e6;
 
 constexpr double kComparisons = 1e7;
-constexpr double kComparisonsPerCharacter = 100;
+constexpr double kComparisonsPerCharacter = 30;
+constexpr double kMostComparisons = 1.5e8; // some ten seconds of the slowest; an app is ended after twenty
 /// In one attempt the library counts its steps in an int, and several belong to one comparison.
 constexpr std::int64_t kMostComparisonsInOneAttempt = 100'000'000;
 constexpr std::int64_t kComparisonsOfAQuickLook = 1'000'000;
@@ -90,8 +91,9 @@ struct PatternSearch::Parts {
         : first(text.data()), last(text.data() + text.size()), atStart(compile(outline.atStart)),
           behindStart(outline.atStart == outline.behindStart ? atStart : compile(outline.behindStart)) {
         const auto size = static_cast<double>(text.size());
-        left = static_cast<std::int64_t>((kComparisons + kComparisonsPerCharacter * size) /
-                                         outline.waysWithoutReading);
+        left = static_cast<std::int64_t>(
+            std::min(kComparisons + kComparisonsPerCharacter * size, kMostComparisons) /
+            outline.waysWithoutReading);
         // An attempt passes each character of the text once, or goes back, which makes room.
         const double mostPassed = mostCharactersPassed(outline, atStart.mark_count());
         errorOfOneAttempt = size < mostPassed ? error_complexity : error_stack;

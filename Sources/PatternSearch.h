@@ -5,14 +5,14 @@
 /// The library itself would look on for hours, fill the memory or overflow the stack, depending on pattern
 /// and text. Here that ends in std::regex_error:
 ///
-/// | Error | Bound |
-/// |---|---|
-/// | error_complexity | comparisons of characters: ten million, and a hundred more for each character of the
-/// text, but at most a hundred million in the attempt at one position. A pattern with many ways through it
-/// that compare nothing, `(|)(|)(|)…`, has less | | error_stack | in a text so long that what an attempt
-/// leaves open might need more than some 512 megabytes: comparisons in the attempt at one position. With one
-/// group and one repetition that is beyond three million | | error_space | the pattern: 10,000 characters,
-/// 200 groups in each other, 2,000 groups, alternatives and repetitions |
+/// - error_complexity bounds comparisons of characters: ten million, and thirty more for each character of
+///   the text, but at most 150 million, and 100 million in the attempt at one position. A pattern with many
+///   ways through it that compare nothing, `(|)(|)(|)…`, has less.
+/// - error_stack bounds comparisons in the attempt at one position, in a text so long that what an attempt
+///   leaves open might need more than some 512 megabytes. With one group and one repetition that is beyond
+///   three million.
+/// - error_space bounds the pattern: 10,000 characters, 200 groups in each other, 2,000 groups, alternatives
+///   and repetitions.
 ///
 /// A malformed pattern is the library's own std::regex_error. Memory that cannot be had is std::bad_alloc.
 

@@ -57,6 +57,9 @@ TEST_F(NetworkNames, areFoundByAddress) {
         {u"127.0.0.23", "quo\"'ted\\"},
         {u"127.0.0.24", std::string(255, 'n')},
         {u"10.1", "10.0.0.1"}, // no name
+        // 1,023 bytes are read, and nothing behind them.
+        {u"127.0.0." + std::u16string(1014, u'0') + u"1", "localhost"},
+        {u"127.0.0." + std::u16string(1015, u'0') + u"1", "127.0.0.0"},
         {u"203.0.113.7", "203.0.113.7"},
         {u"300.1.1.1", kNotAnAddress},
         {u"255.255.255.255", kNotAnAddress},
