@@ -11,13 +11,16 @@
 #include <array>
 #include <cstdio>
 #include <iterator>
+#include <string_view>
 
 /// Which plug-in a solution talks to, and the log's handler.
 
 namespace {
 
-constexpr int kMajor = 3;
-constexpr int kMinor = 1;
+// The version's text is two digits and the point between them.
+static_assert(std::string_view(kPlugInVersion).size() == 3);
+constexpr int kMajor = kPlugInVersion[0] - '0';
+constexpr int kMinor = kPlugInVersion[2] - '0';
 constexpr int kPatch = 0;
 constexpr int kBuild = 4;
 

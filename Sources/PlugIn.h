@@ -15,7 +15,7 @@ extern bool gPlugInInitialized;
 /// True while the preferences message is handled.
 extern bool gPrefsOpen;
 
-/// Major and minor number.
+/// Major and minor number. The bundle takes its version from this line.
 inline constexpr const char* kPlugInVersion = "3.1";
 
 /// What ReadString writes.

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# A "Run Script" build phase of the app: puts the plug-in for the platform that is being built into the app, as
+# Frameworks/Kestrel.fmplugin, and signs it with the app's identity. KESTREL_XCFRAMEWORK is the path of
+# Kestrel.xcframework; the other variables are Xcode's.
+
+set -euo pipefail
+
+case $PLATFORM_NAME in
+iphoneos) slice=$KESTREL_XCFRAMEWORK/ios-arm64/Kestrel.framework ;;
+iphonesimulator) slice=$(echo "$KESTREL_XCFRAMEWORK"/ios-*-simulator/Kestrel.framework) ;;
+*)
+    echo "error: there is no Kestrel for $PLATFORM_NAME"
+    exit 1
+    ;;
+esac
+if [ ! -d "$slice" ]; then
+    echo "error: $slice is missing"
+    exit 1
+fi
+
+plugin=$TARGET_BUILD_DIR/$FRAMEWORKS_FOLDER_PATH/Kestrel.fmplugin
+rm -rf "$plugin"
+mkdir -p "$(dirname "$plugin")"
+cp -R "$slice" "$plugin"
+if [ "${CODE_SIGNING_ALLOWED-NO}" = YES ]; then
+    codesign --force --sign "$EXPANDED_CODE_SIGN_IDENTITY" --timestamp=none "$plugin"
+fi

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# usage: FM_SDK_DIR=DIR make-xcframework.sh [FOLDER]
+#
+# On a Mac: builds the plug-in for devices and for the simulator, and puts both into FOLDER/Kestrel.xcframework
+# (build/ by default). Inside they are called Kestrel.framework, since Xcode takes nothing else in there;
+# embed.sh gives the app its Kestrel.fmplugin.
+
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+
+fail() {
+    echo "make-xcframework: $*" >&2
+    exit 2
+}
+
+command -v xcodebuild >/dev/null || fail "this needs a Mac with Xcode"
+[ -n "${FM_SDK_DIR-}" ] || fail "FM_SDK_DIR is not set"
+mkdir -p "${1-$root/build}"
+result=$(cd "${1-$root/build}" && pwd)/Kestrel.xcframework
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+slices=()
+for preset in ios ios-simulator; do
+    (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset")
+    mkdir "$work/$preset"
+    cp -R "$root/build/$preset/Kestrel.fmplugin" "$work/$preset/Kestrel.framework"
+    xcrun strip -x "$work/$preset/Kestrel.framework/Kestrel"
+    slices+=(-framework "$work/$preset/Kestrel.framework")
+done
+
+rm -rf "$result"
+xcodebuild -create-xcframework "${slices[@]}" -output "$result"
