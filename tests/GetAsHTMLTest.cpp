@@ -65,6 +65,10 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
     host::CharacterStyle redAndItalic = red;
     redAndItalic.setFaces(face::italic);
     rich.append(u"more", {.style = redAndItalic});
+    host::Text usual;
+    for (const std::uint16_t bits :
+         {face::underline, face::strikethrough, face::highlight, face::superscript, face::subscript})
+        usual.append(u"x", looks(bits));
     const std::string kst = "<style type=\"text/css\">|.kst { color:#ff0000;font-size:12px; }|</style>|";
     const struct {
         const host::Text& text;
@@ -73,6 +77,8 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
     } cases[] = {
         {text, {}, "<b>Hello</b> world"},
         {text, {"ALL"}, "<b>Hello</b> world"},
+        {usual, {}, "<u>x</u><s>x</s><mark>x</mark><sup>x</sup><sub>x</sub>"},
+        {text, {"", ""}, "<span style=\"font-weight:bold;\">Hello</span> world"},
         {text, {"bold=strong|all"}, "<strong>Hello</strong> world"},
         {text, {"Bold=B"}, "<B>Hello</B> world"},
         {text, {"all=never|bold=x=y"}, "<x>Hello</x> world"},
@@ -206,6 +212,13 @@ TEST_F(GetAsHTML, reportsWhatGoesWrong) {
 }
 
 /// How the time grows the benchmark shows; what is asked of the host can be counted.
+TEST_F(GetAsHTML, believesNoCountThatTheTextMakesUp) {
+    setVariable(host::Text(u"x"));
+    host::faults().disarm();
+    html(u"$$t ) * 2000000000 + ( 0");
+    EXPECT_LT(host::faults().calls(), 1000U);
+}
+
 TEST_F(GetAsHTML, asksTheHostInProportionToTheText) {
     const auto everyCharacterDifferent = [](std::uint32_t size) {
         host::Text text;

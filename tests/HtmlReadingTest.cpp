@@ -122,6 +122,14 @@ TEST_F(HtmlReading, cutsWhereTheCssChanges) {
     EXPECT_EQ(runsOf(text), "ab 0+2|c\r 2+2 bold|");
     EXPECT_EQ(runsOf({u"a b", words}), "a 0+1|  1+1 underline|b 2+1|");
 
+    host::CharacterStyle first, second;
+    first.setFont(0);
+    second.setFont(1);
+    host::Text fonts(u"a", {.style = first});
+    fonts.append(u"b", {.style = second});
+    fonts.append(u"c", {.style = first});
+    EXPECT_EQ(runsOf(fonts), "a 0+1 font=Helvetica|b 1+1 font=Grüße|c 2+1 font=Helvetica|");
+
     // Different looks with the same CSS share a run, which keeps the first one's formattings.
     host::Text same(u"x", {.style = faces(face::outline)});
     same.append(host::Text(u"y"));

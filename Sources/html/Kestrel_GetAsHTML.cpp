@@ -58,7 +58,8 @@ void convertText(const fmx::Text& text, const fmx::ExprEnv& env, Conversion& con
 void convertValue(const fmx::Text& expression, const fmx::ExprEnv& env, Conversion& conversion,
                   fmx::TextAutoPtr& body) {
     const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, env);
-    const std::vector<std::string> alignments = getLineAligns(expression, env);
+    // A value has a line of its own at least.
+    const std::vector<std::string> alignments = getLineAligns(expression, env, lineEndings.size());
     const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
     TextReader reader(env);
     fmx::TextUniquePtr value;

@@ -194,12 +194,13 @@ std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::
     return endings;
 }
 
-std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env) {
+std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env,
+                                       std::size_t most) {
     fmx::TextUniquePtr value;
     evaluateOnFM("ValueCount(", expression, ")", env, value);
     const int count = std::stoi(StringFromFmText(*value));
     std::vector<std::string> aligns;
-    for (int k = 1; k <= count; ++k) {
+    for (int k = 1; k <= count && aligns.size() < most; ++k) {
         evaluateOnFM("GetAsCSS(GetValue(", expression, ";" + std::to_string(k) + "))", env, value);
         aligns.push_back(parseAlignmentFromGetAsCSS(StringFromFmText(*value)));
     }

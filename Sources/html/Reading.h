@@ -12,7 +12,9 @@
 #include "html/Fragment.h"
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -79,9 +81,11 @@ fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, cons
 /// without an end.
 std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env);
 
-/// The alignment of every value (lines between returns) of the expression's value. Throws
-/// std::invalid_argument when the host does not say how many there are.
-std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env);
+/// The alignment of every value (lines between returns) of the expression's value, of `most` at most: a text
+/// such as "$a ) * 1000000000 + ( 0" makes the host say any number. Throws std::logic_error when the host
+/// says none.
+std::vector<std::string> getLineAligns(const fmx::Text& expression, const fmx::ExprEnv& env,
+                                       std::size_t most = std::numeric_limits<std::size_t>::max());
 
 /// "left", "center", "right" or "full", from the first tag of a text that the host has marked with CSS.
 /// "left" also when the tag does not say, or says something else.
