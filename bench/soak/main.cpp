@@ -63,6 +63,7 @@ int soak(std::uint64_t calls) {
     std::mt19937_64 random(seed);
     std::uniform_int_distribution<std::size_t> which(0, realisticCalls.size() - 1);
     std::vector<std::u16string> calculations;
+    calculations.reserve(realisticCalls.size());
     for (const char* const calculation : realisticCalls)
         calculations.push_back(host::fromUtf8(calculation));
     Holdings first, last;

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "host/app/File.h"
+#include "host/app/ObjectCounts.h"
+#include "host/app/PlugIn.h"
+#include "host/app/Session.h"
+#include "host/fmwrapper/Bridge.h"
+#include "host/values/Encoding.h"
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+
+/// What a fuzzer holds to be true; the fuzzer reports the input that it does not hold for.
+inline void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+/// A function of the loaded plug-in, called over and over. It may answer what it likes, but nothing escapes
+/// and nothing is kept.
+class FuzzedFunction {
+public:
+    explicit FuzzedFunction(std::u16string_view name) {
+        session_.open(host::Solution{});
+        if (plugIn_.init() < 0) throw std::runtime_error("the plug-in does not start");
+        for (const host::RegisteredFunction& function : plugIn_.functions())
+            if (function.name == name) function_ = &function;
+        if (function_ == nullptr) throw std::runtime_error("the function is not registered");
+    }
+
+    [[nodiscard]] host::File& file() const { return *session_.front(); }
+    [[nodiscard]] static host::DataRef value(host::Text text) {
+        return std::make_shared<const host::Data>(std::move(text));
+    }
+
+    using Judge = std::function<void(fmx::errcode error, const host::Data& result)>;
+    void call(const host::DataVect& arguments, const Judge& judge = {}) const {
+        using host::bridge::out;
+        const host::ObjectCounts before = host::objectCounts();
+        {
+            const host::calc::Environment environment = session_.environment(session_.front());
+            host::Data result;
+            const fmx::errcode error = plugIn_.call(*function_, out<fmx::ExprEnv>(environment),
+                                                    out<fmx::DataVect>(arguments), out<fmx::Data>(result));
+            if (judge) judge(error, result);
+        }
+        file().fileVariables().clear();
+        require(host::objectCounts() == before && plugIn_.misdeeds().empty());
+    }
+
+private:
+    host::Session session_;
+    mutable host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
+    const host::RegisteredFunction* function_ = nullptr;
+};
