@@ -44,7 +44,7 @@ configure() {
 # Each error of the compilers and the linker, with the file's path from the root.
 build_errors() {
     ninja -C "$build" -k 0 -j "$(nproc)" >"$work/build.log" 2>&1 && return
-    sed -n -e "s#$root/##g" -e '/error: /p' "$work/build.log" | awk '!seen[$0]++ { found = 1; print }
+    sed -n -e "s#$root/##g" -e 's#^\(\.\./\)*##' -e '/error: /p' "$work/build.log" | awk '!seen[$0]++ { found = 1; print }
         END { if (!found) print "the build failed" }'
 }
 
