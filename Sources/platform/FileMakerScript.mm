@@ -1,6 +1,6 @@
 #import "platform/FileMakerScript.h"
 
-#import "platform/ObjectOwnership.h"
+#import "platform/BothRuntimes.h"
 
 @implementation FileMakerScript
 

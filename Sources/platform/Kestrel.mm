@@ -1,12 +1,11 @@
 #import "platform/Kestrel.h"
 
+#import "platform/BothRuntimes.h"
 #import "platform/FileMakerScript.h"
-#import "platform/ObjectOwnership.h"
 
 #include "platform/Delay.h"
 
 #include <dispatch/dispatch.h>
-#include <time.h> // localtime_r, tzset: POSIX, not in <ctime>
 
 /// Held for the life of the process.
 static NSMutableArray* _scheduledScripts = nil;
@@ -18,20 +17,6 @@ constexpr NSUInteger kExpectedScripts = 1000;
 
 /// From 0001-01-01, where the host's clock begins, to 1970-01-01.
 constexpr double kSecondsFromHostEpochToUnixEpoch = 62135596800.0;
-
-/// Seconds by which local time is ahead of GMT, summer time included, in the zone of this moment.
-double localOffset(NSDate* now) {
-#ifdef __APPLE__
-    [NSTimeZone resetSystemTimeZone]; // it is remembered otherwise, over a journey as well
-    return static_cast<double>([[NSTimeZone localTimeZone] secondsFromGMTForDate:now]);
-#else
-    // GNUstep's local zone is the machine's; it pays no heed to TZ, as everything else here does.
-    const auto moment = static_cast<time_t>([now timeIntervalSince1970]);
-    tm local{};
-    ::tzset(); // localtime_r alone need not notice that the zone has changed
-    return ::localtime_r(&moment, &local) == nullptr ? 0 : static_cast<double>(local.tm_gmtoff);
-#endif
-}
 
 /// The end of a delay. Exceptions stop here: the main queue is the host's, and knows nothing of them.
 void append(NSString* name, NSString* file, NSString* param) {
@@ -68,7 +53,7 @@ void append(NSString* name, NSString* file, NSString* param) {
 
 + (double)getTimestamp {
     NSDate* const now = [NSDate date];
-    return [now timeIntervalSince1970] + localOffset(now) + kSecondsFromHostEpochToUnixEpoch;
+    return [now timeIntervalSince1970] + platform::localOffset(now) + kSecondsFromHostEpochToUnixEpoch;
 }
 
 + (void)scheduleScript:(NSString*)name

@@ -1,8 +1,8 @@
 #include "platform/Platform.h"
 
+#import "platform/BothRuntimes.h"
 #import "platform/FileMakerScript.h"
 #import "platform/Kestrel.h"
-#import "platform/ObjectOwnership.h"
 #import "platform/RegexBridge.h"
 
 #include "platform/Units.h"

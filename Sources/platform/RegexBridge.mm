@@ -1,5 +1,7 @@
 #import "platform/RegexBridge.h"
 
+#import "platform/BothRuntimes.h"
+
 #include <chrono>
 
 namespace {
@@ -11,15 +13,6 @@ using Clock = std::chrono::steady_clock;
 /// without a word.
 constexpr unsigned kMostReports = 1'000;
 constexpr std::chrono::seconds kMostTime{2};
-
-#ifdef GNUSTEP_BASE_VERSION
-/// GNUstep hands what a block says about a match under way to ICU as it is, and ICU asks whether to go on.
-constexpr BOOL kGoOn = YES;
-constexpr BOOL kGiveUp = NO;
-#else
-constexpr BOOL kGoOn = NO;
-constexpr BOOL kGiveUp = YES;
-#endif
 
 } // namespace
 
@@ -46,7 +39,7 @@ constexpr BOOL kGiveUp = YES;
                                     ++count;
                                 } else if ((flags & NSMatchingProgress) != 0) {
                                     isGivenUp = isGivenUp || ++reports > kMostReports || Clock::now() > end;
-                                    *stop = isGivenUp ? kGiveUp : kGoOn;
+                                    *stop = isGivenUp ? platform::kGiveUp : platform::kGoOn;
                                 }
                               }];
     return isGivenUp ? nil : [NSString stringWithFormat:@"%i", count];
