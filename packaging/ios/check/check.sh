@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
 # usage: check.sh [--fault SOURCE [--export FUNCTION]]
+#        check.sh --lay-out FOLDER
+#        check.sh --read FOLDER
 #
 # Builds the plug-in's bundle for an iPhone, without a Mac, and reads it back: a line for each check, then what
 # the plug-in takes from outside and how large it is. Exit status 0 when all checks passed, 1 when one failed,
 # 2 when they could not be made. KESTREL_HOST and KESTREL_PLUGIN are the development host's program and the
 # plug-in that it loads, which tell the version.
 #
-# With --fault a source that has no place in the plug-in is built into it, and exported with --export: so the
-# checks themselves are tested.
+# The rest is for tests of the checks themselves. With --fault a source that has no place in the plug-in is built
+# into it, and exported with --export. With --lay-out nothing is checked, and all that the checks look at is put
+# into FOLDER; with --read nothing is built, and the checks look at such a FOLDER, in which something was changed.
 
 set -euo pipefail
 
@@ -15,9 +18,8 @@ here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 root=$(readlink -f "$here/../../..")
 build=$root/build/ios-check
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/kestrel
-bundle=$build/Kestrel.fmplugin
-library=$bundle/Kestrel
 entry_point=FMExternCallProc
+one_header=Sources/platform/BothRuntimes.h
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -48,15 +50,54 @@ build_errors() {
         END { if (!found) print "the build failed" }'
 }
 
-# --- Reading ----------------------------------------------------------------------------------------
+# --- Laying out what the checks look at -------------------------------------------------------------
 
 # The object files that the library is made of, separated by zero bytes. Others can lie about from before.
 objects() {
     sed -nE "/^# Sections/q; s#^\\[ *[1-9][0-9]*\\] #$build/#p" "$build/Kestrel.map" | tr '\n' '\0'
 }
 
+# What the object files refer to comes along as text: theirs is most of the time that the checks take.
+lay_out() {
+    local file
+    mkdir -p "$1"
+    cp -r "$build/Kestrel.fmplugin" "$build/Kestrel.map" "$root/Sources" "$1"
+    ninja -C "$build" -t commands KestrelPlugIn >"$1/commands"
+    objects | xargs -0 llvm-nm-19 --undefined-only --format=just-symbols | plain_names | sort -u \
+        >"$1/undefined-in-objects"
+    objects | while IFS= read -r -d '' file; do references "$file"; done >"$1/graph"
+}
+
 # Names as in C, or as a C++ programmer writes them.
 plain_names() { sed 's/^_//' | llvm-cxxfilt-19 -n; }
+
+# The functions of an object file with what each refers to, in the words of initialisers.awk.
+references() {
+    local file=$1 marks=$work/marks
+    llvm-nm-19 --defined-only "$file" | awk -v file="$file" -v marks="$marks" '
+        $3 ~ /^(ltmp|lCPI|L|l_)/ { next }
+        {
+            address = $1
+            name = $0
+            sub(/^[^ ]+ . /, "", name)
+            print address, "function", file, name > marks
+        }
+        $2 ~ /[a-z]/ { print "own", file, name }
+        name ~ /^\+\[.* load\]$/ { print "starts", file, name }'
+    llvm-objdump-19 --reloc --section=__mod_init_func "$file" 2>/dev/null |
+        awk -v file="$file" '$2 ~ /^ARM64_RELOC/ { print "starts", file, $3 }'
+    # Initialisers have a code section of their own beside __text; data in between does no harm.
+    llvm-objdump-19 --disassemble --reloc "$file" | awk -v file="$file" '
+        match($0, /:[ \t]+ARM64_RELOC_[A-Z0-9_]+[ \t]+/) {
+            address = $1
+            sub(/:$/, "", address)
+            print address, "refers", file, substr($0, RSTART + RLENGTH)
+        }' >>"$marks"
+    # By address; a function comes before what it refers to.
+    LC_ALL=C sort -k 1,1 -k 2,2 "$marks" | cut -d ' ' -f 2-
+}
+
+# --- Reading ----------------------------------------------------------------------------------------
 
 # undefined FILE...
 undefined() { llvm-nm-19 --undefined-only --format=just-symbols "$@" | awk 'NF && !/:$/' | sort -u | plain_names; }
@@ -79,6 +120,9 @@ plist_values() {
     fi
 }
 
+# states FILE KEY VALUE: the property list has the value, an element without content, for the key.
+states() { read_plist "$1" && grep -A 1 -F "<key>$2</key>" "$work/plist" | grep -qE "^[[:space:]]*$3\$"; }
+
 # Everything that several checks look at.
 read_library() {
     undefined "$library" >"$work/undefined"
@@ -88,26 +132,31 @@ read_library() {
     llvm-objdump-19 --macho --private-headers "$library" >"$work/headers"
     awk '$1 == "sectname" { section = $2 } $1 == "segname" && section { print $2 "," section; section = "" }' \
         "$work/headers" >"$work/sections"
-    objects | xargs -0 llvm-nm-19 --undefined-only --format=just-symbols | plain_names | sort -u \
-        >"$work/undefined-in-objects"
 }
 
 # --- Checks: each prints what is wrong, a line a finding ---------------------------------------------
 
 check_sources() {
     local source
-    (cd "$root" && find Sources -name '*.cpp' -o -name '*.mm') | sort | while read -r source; do
+    (cd "$inputs" && find Sources -name '*.cpp' -o -name '*.mm') | sort | while read -r source; do
         source=${source#Sources/}
-        grep -qE "\] Sources/CMakeFiles/[A-Za-z]+\.dir/$source\.o$" "$build/Kestrel.map" ||
+        grep -qE "\] Sources/CMakeFiles/[A-Za-z]+\.dir/$source\.o$" "$inputs/Kestrel.map" ||
             echo "Sources/$source is not part of the library"
     done
 }
 
+# Beside the one header nothing counts references by message, and Objective-C++ has no conditions.
 check_ownership() {
-    ninja -C "$build" -t commands KestrelPlugIn | grep -E ' -c .*/Sources/.*\.mm$' |
+    local message='(^|[])[:space:]])(retain|release|autorelease|dealloc)[[:space:]]*\]'
+    local condition='^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif|elifdef|elifndef)([^[:alnum:]_]|$)'
+    grep -E ' -c .*/Sources/.*\.mm$' "$inputs/commands" |
         grep -v -- ' -fobjc-arc ' | sed 's#.* -c .*/Sources/\(.*\)#Sources/\1 is compiled without ARC#'
-    grep -rnE 'objc_arc|\] *(retain|release|autorelease)\]' "$root/Sources" |
-        grep -v '/ObjectOwnership.h:' | sed "s#^$root/\([^:]*:[0-9]*\):.*#\1: belongs into ObjectOwnership.h#"
+    (
+        cd "$inputs"
+        grep -rnE "objc_arc|__OBJC__|GNUSTEP|$message" Sources
+        grep -rnE --include='*.mm' "$condition" Sources
+        grep -nE "$condition" Sources/platform/*.h
+    ) | sort -u | grep -v "^$one_header:" | sed "s#^\([^:]*:[0-9]*\):.*#\1: belongs into $one_header#"
 }
 
 # expect WHAT PATTERN: a line of the headers has it.
@@ -142,12 +191,14 @@ check_host_functions() {
 }
 
 check_system_functions() {
-    awk -F '\t' '$1 == "-" && $2 !~ /^FM_/ { print $2 " is nothing that iOS 16.0 has, by the list" }' "$work/owners"
+    awk -F '\t' '$1 == "-" && $2 !~ /^FM_/ {
+        print $2 " is not on the list of what iOS 16.0 has: do without, or look it up and add it, as " list " says" }' \
+        list=packaging/ios/check/symbols.txt "$work/owners"
 }
 
 check_classes() {
     local class
-    sed -nE 's/^@interface ([A-Za-z]+) *:.*/\1/p' "$root"/Sources/platform/*.h | while read -r class; do
+    sed -nE 's/^@interface ([A-Za-z]+) *:.*/\1/p' "$inputs"/Sources/platform/*.h | while read -r class; do
         grep -qxF "OBJC_CLASS_\$_$class" "$work/symbols" || echo "the class $class is missing"
     done
 }
@@ -160,37 +211,9 @@ check_foreign_matter() {
     llvm-strings-19 "$library" | grep -F -e "$root/" -e "$cache/" | sed 's/^/a path of this machine: /'
 }
 
-# The functions of an object file with what each refers to, in the words of initialisers.awk.
-references() {
-    local file=$1 marks=$work/marks
-    llvm-nm-19 --defined-only "$file" | awk -v file="$file" -v marks="$marks" '
-        $3 ~ /^(ltmp|lCPI|L|l_)/ { next }
-        {
-            address = $1
-            name = $0
-            sub(/^[^ ]+ . /, "", name)
-            print address, "function", file, name > marks
-        }
-        $2 ~ /[a-z]/ { print "own", file, name }
-        name ~ /^\+\[.* load\]$/ { print "starts", file, name }'
-    llvm-objdump-19 --reloc --section=__mod_init_func "$file" 2>/dev/null |
-        awk -v file="$file" '$2 ~ /^ARM64_RELOC/ { print "starts", file, $3 }'
-    # Initialisers have a code section of their own beside __text; data in between does no harm.
-    llvm-objdump-19 --disassemble --reloc "$file" | awk -v file="$file" '
-        match($0, /:[ \t]+ARM64_RELOC_[A-Z0-9_]+[ \t]+/) {
-            address = $1
-            sub(/:$/, "", address)
-            print address, "refers", file, substr($0, RSTART + RLENGTH)
-        }' >>"$marks"
-    # By address; a function comes before what it refers to.
-    LC_ALL=C sort -k 1,1 -k 2,2 "$marks" | cut -d ' ' -f 2-
-}
-
 check_initialisers() {
-    local file
-    objects | while IFS= read -r -d '' file; do references "$file"; done >"$work/graph"
-    grep -q '^function ' "$work/graph" || echo "the object files could not be read"
-    awk -f "$here/initialisers.awk" "$work/graph" | llvm-cxxfilt-19 -_ | sed 's/^_*/before the host is ready: /'
+    grep -q '^function ' "$inputs/graph" || echo "the object files could not be read"
+    awk -f "$here/initialisers.awk" "$inputs/graph" | llvm-cxxfilt-19 -_ | sed 's/^_*/before the host is ready: /'
 }
 
 check_bundle() {
@@ -232,9 +255,9 @@ used_categories() {
 }
 
 check_privacy() {
-    local category name manifest=$bundle/PrivacyInfo.xcprivacy
+    local category name empty manifest=$bundle/PrivacyInfo.xcprivacy
     # What no function reaches is left out of the library; the sources use it all the same.
-    { cat "$work/undefined-in-objects"; llvm-strings-19 "$library"; } | sort -u >"$work/names"
+    { cat "$inputs/undefined-in-objects"; llvm-strings-19 "$library"; } | sort -u >"$work/names"
     used_categories "$work/names" >"$work/used"
     plist_values "$manifest" NSPrivacyAccessedAPIType >"$work/declared"
     while read -r category name; do
@@ -243,7 +266,10 @@ check_privacy() {
     while read -r category; do
         grep -qF "$category " "$work/used" || echo "$category is declared, but nothing of it is used"
     done <"$work/declared"
-    grep -A 1 '<key>NSPrivacyTracking</key>' "$manifest" | grep -q '<false/>' || echo "it does not deny tracking"
+    states "$manifest" NSPrivacyTracking '<false/>' || echo "it does not deny tracking"
+    for empty in NSPrivacyTrackingDomains NSPrivacyCollectedDataTypes; do
+        states "$manifest" "$empty" '<array/>' || echo "$empty is not an empty list"
+    done
 }
 
 # --- The report -------------------------------------------------------------------------------------
@@ -295,7 +321,7 @@ print_size() {
         match($0, /\[ *[0-9]+\]/) { number = substr($0, RSTART + 1, RLENGTH - 2) + 0 }
         part == "files" && number { name[number] = $NF }
         part == "symbols" && /^0x/ { print number, $2 }
-        END { for (number in name) print "name", number, name[number] }' "$build/Kestrel.map" |
+        END { for (number in name) print "name", number, name[number] }' "$inputs/Kestrel.map" |
         while read -r number size rest; do
             if [ "$number" = name ]; then echo "name $size $rest"; else echo "size $number $((size))"; fi
         done |
@@ -308,7 +334,8 @@ run_checks() {
     read_library
     row sources "every file of Sources/ compiles for arm64-apple-ios16.0 without a warning, and is linked" \
         "$(check_sources)"
-    row ownership "ARC for all Objective-C++, the difference to the other runtime in one header" "$(check_ownership)"
+    row ownership "ARC for all Objective-C++, the difference to the other runtime in one header" \
+        "$(check_ownership)"
     row format "a dynamic library for arm64 and iOS 16.0" "$(check_format)"
     row libraries "linked with libSystem, libc++, Foundation and CoreFoundation alone" "$(check_libraries)"
     row exports "exports $entry_point alone" "$(check_exports)"
@@ -320,33 +347,44 @@ run_checks() {
     row initialisers "no initialiser calls the host" "$(check_initialisers)"
     row bundle "has its files, valid property lists and identity" "$(check_bundle)"
     row version "the bundle's version is what Kestrel_Version answers" "$(check_version)"
-    row privacy "the manifest declares what is used, and no tracking" "$(check_privacy)"
+    row privacy "the manifest declares what is used, no tracking and nothing collected" "$(check_privacy)"
 }
 
 fault_source=""
 fault_export=""
+laid_out=""
+inputs=$work/inputs
 while [ $# -gt 0 ]; do
     case $1 in
     --fault) fault_source=$(readlink -f "${2-}") || fail "--fault wants a source" ;;
     --export) fault_export=${2-} ;;
+    --lay-out) laid_out=${2-} ;;
+    --read) inputs=${2-} ;;
     *) fail "there is no option $1" ;;
     esac
+    [ -n "${2-}" ] || fail "$1 wants a value"
     shift 2
 done
 if [ -z "${KESTREL_HOST-}" ] || [ -z "${KESTREL_PLUGIN-}" ]; then fail "KESTREL_HOST and KESTREL_PLUGIN are not set"; fi
+bundle=$inputs/Kestrel.fmplugin
+library=$bundle/Kestrel
 
-mkdir -p "$root/build"
-exec 9>"$root/build/ios-check.lock"
-flock 9 # one at a time: they share the build folder
-say "building for the target"
-configure "$fault_source" "$fault_export"
-errors=$(build_errors)
-if [ -n "$errors" ]; then
-    row sources "" "$errors"
-    conclude
+if [ "$inputs" = "$work/inputs" ]; then
+    mkdir -p "$root/build"
+    exec 9>"$root/build/ios-check.lock"
+    flock 9 # one at a time: they share the build folder
+    say "building for the target"
+    configure "$fault_source" "$fault_export"
+    errors=$(build_errors)
+    if [ -n "$errors" ]; then
+        row sources "" "$errors"
+        conclude
+    fi
+    lay_out "${laid_out:-$inputs}"
+    [ -z "$laid_out" ] || exit 0
 fi
 run_checks
-if [ -z "$fault_source" ]; then
+if [ -z "$fault_source" ] && [ "$inputs" = "$work/inputs" ]; then
     print_owners
     print_size
     echo
