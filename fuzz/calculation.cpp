@@ -4,6 +4,8 @@
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/values/Encoding.h"
+#include "support/EndOfDay.h"
+#include "support/InputTime.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,27 +13,29 @@
 #include <string_view>
 
 /// Any text as a calculation, with the plug-in loaded and, as the first byte says, a host call that fails. It
-/// may answer what it likes, but nothing escapes, nothing is kept, and the next ordinary call works.
+/// may answer what it likes, but nothing escapes, the next ordinary call works, and behind the plug-in's
+/// shutdown nothing is kept.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static host::Session session;
-    static const std::uint64_t file = session.open(host::Solution{});
+    [[maybe_unused]] static const std::uint64_t file = session.open(host::Solution{});
     static host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
-    static const bool started = plugIn.init() > 0;
-    if (!started || size == 0) return 0;
+    if (size == 0) return 0;
 
     const host::ObjectCounts before = host::objectCounts();
+    if (plugIn.init() < 0) std::abort();
     constexpr std::uint8_t fromThenOn = 0x80, badAlloc = 0x40, place = 0x3F;
     if ((data[0] & place) != 0)
         host::faults().arm(data[0] & place,
                            (data[0] & badAlloc) != 0 ? host::Faults::Kind::badAlloc
                                                      : host::Faults::Kind::unknown,
                            (data[0] & fromThenOn) != 0);
+    const InputTime time;
     session.evaluate(host::fromUtf8({reinterpret_cast<const char*>(data + 1), size - 1}));
     host::faults().disarm();
-    session.find(u"Untitled")->fileVariables().clear();
 
-    if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
     if (session.evaluate(u"Kestrel_Version").value->asText().units() != u"3.1") std::abort();
-    return file == 0 ? 1 : 0;
+    endDay(session, plugIn);
+    if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
+    return time.answer();
 }

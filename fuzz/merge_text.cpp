@@ -1,4 +1,5 @@
 #include "support/FuzzedFunction.h"
+#include "support/InputTime.h"
 
 #include "host/app/Faults.h"
 
@@ -9,7 +10,7 @@
 /// ends. A text without delimiters comes back as it was; nothing escapes and nothing is kept.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const FuzzedFunction merge(u"Kestrel_MergeText");
+    static const FuzzedFunction merge(u"Kestrel_MergeText", FuzzedFunction::Evaluates::calculations);
     if (size < 2) return 0;
     host::Text text(host::fromUtf8({reinterpret_cast<const char*>(data + 2), size - 2}));
     host::CharacterStyle bold;
@@ -19,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const host::DataVect arguments{FuzzedFunction::value(text)};
     if (data[0] != 0) host::faults().arm(data[0], host::Faults::Kind::unknown, false);
+    const InputTime time;
     merge.call(arguments, [&](fmx::errcode error, const host::Data& result) {
         const bool failed = data[0] != 0 && host::faults().fired();
         host::faults().disarm();
@@ -28,5 +30,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const bool closes = text.units().find(u">>") != std::u16string_view::npos;
         if (!opens || !closes) require(result.asText().isIdenticalTo(text));
     });
-    return 0;
+    return time.answer();
 }

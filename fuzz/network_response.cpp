@@ -1,31 +1,93 @@
+#include "GetClientPublicIP.h"
 #include "PublicIPServices.h"
+#include "tests/WebServices.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <string>
 #include <string_view>
 
-/// Any bytes as a service's response, the first of them being the service's number. What is taken for an
-/// address is one in form; nothing is written past the buffer, and what is collected stood in the response.
+/// Any bytes as a service's response. What is taken for an address is one in form; nothing is written past
+/// the buffer, and what is collected stood in the response. The services that are asked then send the
+/// response on the network of our own: the whole lookup comes to the same, or ends with the code of what the
+/// service did.
+///
+/// The first byte is the service's number. The second says what the service does and how far before or
+/// behind the last byte that is looked at the response ends; blanks come before it.
+
+namespace {
+
+using Kind = Behaviour::Kind;
+using Buffer = std::array<char, kAddressBufferSize + 1>;
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+constexpr char kUntouched = '\x7F';
+Buffer untouched() {
+    Buffer buffer{};
+    buffer.fill(kUntouched);
+    return buffer;
+}
+
+std::string_view collectedIn(const Buffer& out) {
+    require(out.back() == kUntouched);
+    const auto* const end = static_cast<const char*>(std::memchr(out.data(), 0, kAddressBufferSize));
+    require(end != nullptr);
+    return {out.data(), static_cast<std::size_t>(end - out.data())};
+}
+
+bool isFoundIn(const PublicIPService& service, std::string_view response, Buffer& out) {
+    const bool isAddress = CopyAddress(service, response, out.data());
+    const std::string_view collected = collectedIn(out);
+    require(response.find(collected) != std::string_view::npos);
+    if (isAddress)
+        require(collected.size() <= kMostAddressCharacters &&
+                std::count(collected.begin(), collected.end(), '.') == 3);
+    return isAddress;
+}
+
+/// Asks a service that behaves so, and gives what it answered and the code.
+int ask(int service, const Behaviour& behaviour, Buffer& out) {
+    WebServices services({{service, behaviour}});
+    const int code = GetClientPublicIP(service, out.data());
+    if (code != kPublicIPFound && code != kNoAddress) require(collectedIn(out).empty());
+    return code;
+}
+
+void askForTheResponse(int service, std::string_view response) {
+    Buffer expected = untouched(), out = untouched();
+    const std::string bytes(response); // at the end of its memory
+    const bool isAddress =
+        isFoundIn(ServiceNumbered(service), std::string_view(bytes).substr(0, kResponseSize), expected);
+    require(ask(service, {Kind::answers, bytes}, out) == (isAddress ? kPublicIPFound : kNoAddress));
+    require(collectedIn(out) == collectedIn(expected));
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0) return 0;
-    const PublicIPService& service = ServiceNumbered(data[0] % 10);
-    const std::string_view response(reinterpret_cast<const char*>(data + 1), size - 1);
-    constexpr char untouched = '\x7F';
-    std::array<char, kAddressBufferSize + 1> out{};
-    out.fill(untouched);
-    const bool isAddress = CopyAddress(service, response, out.data());
+    if (size < 2) return 0;
+    const int service = data[0] % 10;
+    std::string response(reinterpret_cast<const char*>(data + 2), size - 2);
+    constexpr std::uint8_t kindMask = 3, placeShift = 2, middle = 32;
+    const std::size_t place = data[1] >> placeShift;
+    const std::size_t end = kResponseSize + place - middle;
+    if (place > 0 && response.size() < end) response.insert(0, end - response.size(), ' ');
 
-    if (out.back() != untouched) std::abort();
-    const auto* const end = static_cast<const char*>(std::memchr(out.data(), 0, kAddressBufferSize));
-    if (end == nullptr) std::abort();
-    const std::string_view collected(out.data(), static_cast<std::size_t>(end - out.data()));
-    if (!collected.empty() && response.find(collected) == std::string_view::npos) std::abort();
-    if (isAddress && (collected.size() > kMostAddressCharacters ||
-                      std::count(collected.begin(), collected.end(), '.') != 3))
-        std::abort();
+    Buffer out = untouched();
+    isFoundIn(ServiceNumbered(service), response, out);
+    if (std::find(std::begin(kServicesAsked), std::end(kServicesAsked), service) == std::end(kServicesAsked))
+        return 0;
+    switch (data[1] & kindMask) {
+    case 1: require(ask(service, {Kind::hangsUp, ""}, out) < 0); break;
+    case 2: require(ask(service, {Kind::breaksOff, ""}, out) == kNotReceived); break;
+    default: askForTheResponse(service, response); break;
+    }
     return 0;
 }

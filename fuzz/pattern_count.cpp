@@ -1,4 +1,5 @@
 #include "support/FuzzedFunction.h"
+#include "support/InputTime.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,6 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     host::DataVect arguments;
     for (const std::string_view part : {input.substr(std::min(end + 1, size)), input.substr(0, end)})
         arguments.push_back(FuzzedFunction::value(host::Text::fromUtf8(part)));
+    const InputTime time;
     count.call(arguments);
-    return 0;
+    return time.answer();
 }

@@ -4,19 +4,25 @@
 #include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
-#include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/values/Data.h"
 #include "host/values/Encoding.h"
+#include "support/EndOfDay.h"
+#include "support/InputTime.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
+#include <span>
 #include <string>
+#include <string_view>
 
 /// A day in the plug-in's life: calls of its functions with values of every type, between messages, files
 /// that open and close, a clock that jumps and host calls that fail. Whatever the order, nothing escapes, and
-/// when the day is over the plug-in keeps nothing.
+/// when the day is over the plug-in keeps nothing. The seeds are such days, each about what its name says.
 
 namespace {
 
@@ -68,10 +74,12 @@ constexpr std::array vocabulary{
 };
 
 host::Text someText(Bytes& bytes) {
-    host::Text text = host::Text::fromUtf8(
-        bytes.ConsumeBool()
-            ? std::string(vocabulary[bytes.ConsumeIntegralInRange<std::size_t>(0, vocabulary.size() - 1)])
-            : bytes.ConsumeRandomLengthString(80));
+    host::Text text =
+        host::Text::fromUtf8(bytes.ConsumeBool() ? std::string(bytes.PickValueInArray(vocabulary))
+                                                 : bytes.ConsumeRandomLengthString(80));
+    // Now and then it is longer than what functions read of it.
+    for (int doublings = bytes.ConsumeIntegralInRange(-10, 6); doublings > 0; --doublings)
+        text.append(text);
     for (int runs = bytes.ConsumeIntegralInRange(0, 3); runs > 0; --runs) {
         const auto start = bytes.ConsumeIntegralInRange<std::uint32_t>(0, text.size());
         const auto size = bytes.ConsumeIntegralInRange<std::uint32_t>(0, text.size());
@@ -89,18 +97,64 @@ host::Text someText(Bytes& bytes) {
     return text;
 }
 
+/// Of up to some 400 digits, before the point or behind it.
+host::Decimal someNumber(Bytes& bytes) {
+    constexpr int mostPlaces = 410, mostZeros = 380;
+    const host::Decimal digits(bytes.ConsumeIntegral<std::int64_t>());
+    const std::string power = "1e" + std::to_string(bytes.ConsumeIntegralInRange(-mostPlaces, mostZeros));
+    host::Decimal number = digits.times(host::Decimal::parse(host::fromUtf8(power)).value());
+    number.setPrecision(
+        bytes.ConsumeIntegralInRange(host::Decimal::minimumPrecision, host::Decimal::maximumPrecision));
+    return number;
+}
+
+host::Data someDateOrTime(Bytes& bytes) {
+    constexpr std::int64_t longestSpan = 400 * host::DateTime::microsPerDay;
+    constexpr std::array types{host::DataType::date, host::DataType::time, host::DataType::timestamp};
+    const host::DataType type = bytes.PickValueInArray(types);
+    host::DateTime value;
+    value.days = bytes.ConsumeIntegralInRange<std::int64_t>(0, host::DateTime::lastDay);
+    value.micros = type == host::DataType::time
+                       ? bytes.ConsumeIntegralInRange(-longestSpan, longestSpan)
+                       : bytes.ConsumeIntegralInRange<std::int64_t>(0, host::DateTime::microsPerDay - 1);
+    return {value, type};
+}
+
+/// A container: a picture, a file, or streams of kinds that nobody knows.
+host::Data someContainer(Bytes& bytes) {
+    constexpr std::array kinds{"FNAM", "MAIN", "FILE", "PDF ", "JPEG", "PNGf", "SIZE"};
+    constexpr std::size_t longest = 80;
+    host::Binary container;
+    container.setFileName(host::Text::fromUtf8(bytes.ConsumeRandomLengthString(longest)));
+    for (int streams = bytes.ConsumeIntegralInRange(0, 3); streams > 0; --streams) {
+        const std::string_view kind = bytes.PickValueInArray(kinds);
+        host::QuadChar type;
+        std::copy(kind.begin(), kind.end(), type.bytes.begin());
+        type.bytes[0] ^= bytes.ConsumeIntegral<std::uint8_t>();
+        const std::string content = bytes.ConsumeRandomLengthString(longest);
+        container.add(type, std::as_bytes(std::span(content)));
+    }
+    return host::Data(container);
+}
+
+/// A value of a type that its text was converted to, as far as that can be.
+host::Data someConverted(Bytes& bytes) {
+    constexpr std::array types{host::DataType::number, host::DataType::date, host::DataType::time,
+                               host::DataType::timestamp, host::DataType::binary};
+    host::Data value(someText(bytes));
+    value.convert(bytes.PickValueInArray(types));
+    return value;
+}
+
 host::Data someValue(Bytes& bytes) {
-    switch (bytes.ConsumeIntegralInRange(0, 7)) {
+    switch (bytes.ConsumeIntegralInRange(0, 9)) {
     case 0: return host::Data(host::Decimal(bytes.ConsumeIntegral<std::int64_t>()));
     case 1: return host::Data(host::Decimal(bytes.ConsumeIntegralInRange(-3, 30)));
-    case 2: {
-        host::Data value(someText(bytes));
-        constexpr std::array types{host::DataType::number, host::DataType::date, host::DataType::time,
-                                   host::DataType::timestamp, host::DataType::binary};
-        value.convert(types[bytes.ConsumeIntegralInRange<std::size_t>(0, types.size() - 1)]);
-        return value;
-    }
+    case 2: return someConverted(bytes);
     case 3: return host::Data::invalid();
+    case 4: return host::Data(someNumber(bytes));
+    case 5: return someDateOrTime(bytes);
+    case 6: return someContainer(bytes);
     default: return host::Data(someText(bytes));
     }
 }
@@ -109,22 +163,9 @@ class Day {
 public:
     Day(host::Session& session, host::PlugIn& plugIn) : session_(session), plugIn_(plugIn) {}
 
-    void live(Bytes& bytes) {
-        for (int steps = 0; steps < 60 && bytes.remaining_bytes() > 0; ++steps)
+    void live(Bytes& bytes, const InputTime& time) {
+        for (int steps = 0; steps < 60 && bytes.remaining_bytes() > 0 && !time.isUp(); ++steps)
             step(bytes);
-    }
-
-    /// The plug-in is told to give up everything, and nothing fails any more.
-    void end() {
-        host::faults().disarm();
-        host::clock().reset();
-        while (session_.files().size() > 1)
-            session_.close(session_.files().back()->id());
-        session_.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 )");
-        plugIn_.shutdown();
-        host::mainQueue().clear();
-        session_.runWaitingScripts();
-        session_.front()->fileVariables().clear();
     }
 
 private:
@@ -204,9 +245,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const host::ObjectCounts before = host::objectCounts();
     if (plugIn.init() != 60) std::abort();
     Bytes bytes(data, size);
-    Day day(session, plugIn);
-    day.live(bytes);
-    day.end();
+    const InputTime time;
+    Day(session, plugIn).live(bytes, time);
+    endDay(session, plugIn);
     if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
-    return 0;
+    return time.answer();
 }

@@ -1,4 +1,5 @@
 #include "support/FuzzedFunction.h"
+#include "support/InputTime.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -27,6 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     std::swap(arguments[0], arguments[1]);
 
+    const InputTime time;
     substitute.call(arguments);
-    return 0;
+    return time.answer();
 }

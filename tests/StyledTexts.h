@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HtmlLooks.h"
 #include "LoadedPlugIn.h"
 
 #include <array>
@@ -10,45 +11,12 @@
 #include <string_view>
 #include <vector>
 
-/// Random styled texts, what Kestrel_GetAsHTML may lose of them, and how a test gets them into it.
+/// Random styled texts, and how a test gets them into Kestrel_GetAsHTML.
 
 /// A number from the environment, for a run that wants more than the ordinary one.
 inline unsigned numberFromEnvironment(const char* name, unsigned otherwise) {
     const char* const value = std::getenv(name);
     return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
-
-/// A way to call the function, and what this way loses.
-struct HtmlParameters {
-    const char16_t *tags, *classes, *styles;
-    std::uint16_t lostFaces = 0;
-    bool losesSize = false, losesAlignment = false, losesCentering = false;
-    bool hasElements = true;     ///< for bold and the other formattings that HTML has elements for
-    bool hasInlineStyles = true; ///< that may move to the paragraph one by one
-};
-
-inline const std::vector<HtmlParameters>& htmlParameters() {
-    using namespace host::face;
-    static const std::vector<HtmlParameters> rows{
-        {.tags = u"all", .classes = u"all=kst", .styles = u"all", .hasInlineStyles = false},
-        {.tags = u"", .classes = u"", .styles = u"all", .hasElements = false},
-        {.tags = u"", .classes = u"ALL", .styles = u"", .hasElements = false, .hasInlineStyles = false},
-        {.tags = u"bold=strong\ritalic=em\rstrikethrough=del\rall",
-         .classes = u"color=c\rfont+size=type\rall=rest",
-         .styles = u"",
-         .hasInlineStyles = false},
-        {.tags = u"all\rcenter=div",
-         .classes = u"smallcaps=caps\rcolor=",
-         .styles = u"all",
-         .losesCentering = true},
-        {.tags = u"all",
-         .classes = u"",
-         .styles = u"color\rfont",
-         .lostFaces = doubleUnderline | condense | extend | smallCaps | titlecase,
-         .losesSize = true,
-         .losesAlignment = true},
-    };
-    return rows;
 }
 
 class StyledTexts {
@@ -135,56 +103,6 @@ private:
     std::vector<std::uint16_t> fonts_;
     host::Alignment alignment_ = host::Alignment::left;
 };
-
-/// The look of a character as far as it can be found again in the HTML.
-inline host::CharacterStyle lookInHtml(const host::CharacterStyle& style, char16_t unit,
-                                       const HtmlParameters& parameters) {
-    using namespace host;
-    std::uint16_t faces = style.faces();
-    const auto onlyFirst = [&faces](std::uint16_t first, std::uint16_t others) {
-        if ((faces & first) != 0) faces &= static_cast<std::uint16_t>(~others);
-    };
-    onlyFirst(face::underline, face::doubleUnderline | face::wordUnderline);
-    onlyFirst(face::doubleUnderline, face::wordUnderline);
-    onlyFirst(face::condense, face::extend);
-    onlyFirst(face::superscript, face::subscript);
-    if ((faces & face::wordUnderline) != 0 && unit == u' ') faces |= face::underline;
-    faces &= static_cast<std::uint16_t>(~(face::wordUnderline | face::outline | parameters.lostFaces));
-    CharacterStyle look;
-    if (faces != 0) look.setFaces(faces);
-    if (style.isColorEnabled()) {
-        Color color = style.color();
-        color.alpha = 255;
-        look.setColor(color);
-    }
-    if (style.isFontEnabled()) look.setFont(style.font());
-    if (style.isSizeEnabled() && !parameters.losesSize) look.setSize(style.size());
-    return look;
-}
-
-/// The text of a document that was made from this one. Returns have no look of their own; they have the
-/// alignment of their paragraph, if it is not empty. A return at the end makes no paragraph.
-inline host::Text textInHtml(const host::Text& text, const HtmlParameters& parameters, bool isAligned) {
-    using host::Alignment;
-    host::Text expected;
-    Alignment before = Alignment::left;
-    const bool endsWithReturn = !text.empty() && text.units().back() == u'\r';
-    for (std::uint32_t i = 0; i < text.size() - (endsWithReturn ? 1 : 0); ++i) {
-        const char16_t unit = text.units()[i];
-        const host::RunStyle& look = text.lookAt(i);
-        if (unit == u'\r') {
-            expected.append(u"\r", {.style = {}, .alignment = before});
-            before = Alignment::left;
-            continue;
-        }
-        const bool isLost = !isAligned || parameters.losesAlignment ||
-                            (parameters.losesCentering && look.alignment == Alignment::center);
-        before = isLost ? Alignment::left : look.alignment;
-        expected.append(std::u16string_view(&unit, 1),
-                        {.style = lookInHtml(look.style, unit, parameters), .alignment = before});
-    }
-    return expected;
-}
 
 /// The plug-in's answer for a text that is given itself, or by a variable's name (which stands for itself
 /// when the variable is empty).

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EndOfDay.h"
 #include "host/app/File.h"
 #include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
@@ -7,10 +8,12 @@
 #include "host/fmwrapper/Bridge.h"
 #include "host/values/Encoding.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 /// What a fuzzer holds to be true; the fuzzer reports the input that it does not hold for.
@@ -19,15 +22,16 @@ inline void require(bool holds) {
 }
 
 /// A function of the loaded plug-in, called over and over. It may answer what it likes, but nothing escapes
-/// and nothing is kept.
+/// and nothing is kept: not behind the call, or, by a function that evaluates calculations, which may ask the
+/// plug-in to keep something, not behind the plug-in's shutdown.
 class FuzzedFunction {
 public:
-    explicit FuzzedFunction(std::u16string_view name) {
+    enum class Evaluates : std::uint8_t { nothing, calculations };
+
+    explicit FuzzedFunction(std::u16string_view name, Evaluates evaluates = Evaluates::nothing)
+        : name_(name), isRestarted_(evaluates == Evaluates::calculations) {
         session_.open(host::Solution{});
-        if (plugIn_.init() < 0) throw std::runtime_error("the plug-in does not start");
-        for (const host::RegisteredFunction& function : plugIn_.functions())
-            if (function.name == name) function_ = &function;
-        if (function_ == nullptr) throw std::runtime_error("the function is not registered");
+        start();
     }
 
     [[nodiscard]] host::File& file() const { return *session_.front(); }
@@ -47,11 +51,25 @@ public:
             if (judge) judge(error, result);
         }
         file().fileVariables().clear();
+        if (isRestarted_) {
+            endDay(session_, plugIn_);
+            start();
+        }
         require(host::objectCounts() == before && plugIn_.misdeeds().empty());
     }
 
 private:
-    host::Session session_;
+    void start() const {
+        if (plugIn_.init() < 0) throw std::runtime_error("the plug-in does not start");
+        function_ = nullptr;
+        for (const host::RegisteredFunction& function : plugIn_.functions())
+            if (function.name == name_) function_ = &function;
+        if (function_ == nullptr) throw std::runtime_error("the function is not registered");
+    }
+
+    std::u16string name_;
+    bool isRestarted_;
+    mutable host::Session session_;
     mutable host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
-    const host::RegisteredFunction* function_ = nullptr;
+    mutable const host::RegisteredFunction* function_ = nullptr;
 };

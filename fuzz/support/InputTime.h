@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ctime>
+
+/// The processor time that an input has used so far.
+///
+/// Patterns end at a bound that is counted in comparisons. Under the sanitizers that is half a minute, so a
+/// few such inputs, and what the fuzzer makes of them, would take all of its time. They are tried like any
+/// other, but the fuzzer does not go on from them.
+class InputTime {
+public:
+    [[nodiscard]] bool isUp() const { return std::clock() - start_ > kMost; }
+    /// What the fuzzer is to be answered for the input.
+    [[nodiscard]] int answer() const { return isUp() ? kDoNotKeep : 0; }
+
+private:
+    static constexpr std::clock_t kMost = CLOCKS_PER_SEC;
+    static constexpr int kDoNotKeep = -1;
+    std::clock_t start_ = std::clock();
+};
