@@ -100,9 +100,9 @@ host::Text someText(Bytes& bytes) {
 /// Of up to some 400 digits, before the point or behind it.
 host::Decimal someNumber(Bytes& bytes) {
     constexpr int mostPlaces = 410, mostZeros = 380;
-    const host::Decimal digits(bytes.ConsumeIntegral<std::int64_t>());
-    const std::string power = "1e" + std::to_string(bytes.ConsumeIntegralInRange(-mostPlaces, mostZeros));
-    host::Decimal number = digits.times(host::Decimal::parse(host::fromUtf8(power)).value());
+    const std::string digits = std::to_string(bytes.ConsumeIntegral<std::int64_t>());
+    const std::string power = std::to_string(bytes.ConsumeIntegralInRange(-mostPlaces, mostZeros));
+    host::Decimal number = host::Decimal::parse(host::fromUtf8(digits + "e" + power)).value_or(0);
     number.setPrecision(
         bytes.ConsumeIntegralInRange(host::Decimal::minimumPrecision, host::Decimal::maximumPrecision));
     return number;

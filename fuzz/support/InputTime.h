@@ -9,12 +9,16 @@
 /// other, but the fuzzer does not go on from them.
 class InputTime {
 public:
-    [[nodiscard]] bool isUp() const { return std::clock() - start_ > kMost; }
+    /// An input of many steps ends here.
+    [[nodiscard]] bool isUp() const { return used() > kMost; }
     /// What the fuzzer is to be answered for the input.
-    [[nodiscard]] int answer() const { return isUp() ? kDoNotKeep : 0; }
+    [[nodiscard]] int answer() const { return used() > kMostToGoOnFrom ? kDoNotKeep : 0; }
 
 private:
-    static constexpr std::clock_t kMost = CLOCKS_PER_SEC;
+    static constexpr std::clock_t kMost = CLOCKS_PER_SEC, kMostToGoOnFrom = CLOCKS_PER_SEC / 10;
     static constexpr int kDoNotKeep = -1;
+
+    [[nodiscard]] std::clock_t used() const { return std::clock() - start_; }
+
     std::clock_t start_ = std::clock();
 };
