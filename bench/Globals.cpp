@@ -1,4 +1,5 @@
 #include "Benchmarks.h"
+#include "Inputs.h"
 #include "Loaded.h"
 #include "Measure.h"
 
@@ -7,7 +8,6 @@
 #include "FMWrapper/FMXTypes.h"
 
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -53,13 +53,13 @@ private:
 void benchGlobals() {
     const Loaded plugIn;
     const auto &set = plugIn.function(u"Kestrel_SetGlobal"), &get = plugIn.function(u"Kestrel_GetGlobal");
-    const auto value = std::make_shared<const host::Data>(host::Text(u"a value of ordinary length"));
+    const auto value = shared(host::Text(u"a value of ordinary length"));
     const auto& opaqueValue = out<fmx::Data>(*value);
     std::vector<std::u16string> keys;
     std::vector<host::DataVect> toSet, toGet;
     for (std::size_t position = 0; position < keyCount; ++position) {
         keys.push_back(keyAt(position));
-        toGet.push_back({std::make_shared<const host::Data>(host::Text(keys.back()))});
+        toGet.push_back({shared(host::Text(keys.back()))});
         toSet.push_back({toGet.back().front(), value});
     }
     Map map;
@@ -69,12 +69,12 @@ void benchGlobals() {
     Rounds ours, theirs;
 
     const auto clear = [&] {
-        const auto empty = std::make_shared<const host::Data>();
+        const host::DataRef empty = shared(host::Data());
         plugIn.call(set, {empty, empty}, result);
     };
     row(
-        "store a new global, cleared in the end", [&] { plugIn.call(set, toSet[ours.next(clear)], result); },
-        floor,
+        "Kestrel_SetGlobal, a new key, cleared in the end",
+        [&] { plugIn.call(set, toSet[ours.next(clear)], result); }, floor,
         [&] {
             const std::size_t position = theirs.next([&] { map.clear(); });
             fmx::DataUniquePtr stored;
@@ -89,10 +89,11 @@ void benchGlobals() {
         map.emplace(keys[position], std::move(stored));
     }
     row(
-        "overwrite a global", [&] { plugIn.call(set, toSet[ours.next(nothing)], result); }, floor,
+        "Kestrel_SetGlobal, a key that is there",
+        [&] { plugIn.call(set, toSet[ours.next(nothing)], result); }, floor,
         [&] { copy(opaqueValue, *map.find(keys[theirs.next(nothing)])->second); });
     row(
-        "read a global", [&] { plugIn.call(get, toGet[ours.next(nothing)], result); }, floor,
+        "Kestrel_GetGlobal", [&] { plugIn.call(get, toGet[ours.next(nothing)], result); }, floor,
         [&] { copy(*map.find(keys[theirs.next(nothing)])->second, out<fmx::Data>(result)); });
     clear();
 }

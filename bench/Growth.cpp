@@ -1,122 +1,197 @@
 #include "Benchmarks.h"
+#include "Conversion.h"
+#include "Inputs.h"
 #include "Loaded.h"
 #include "Measure.h"
+#include "StyledInputs.h"
 
+#include "host/app/File.h"
 #include "host/values/Encoding.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
-/// How the work of a function grows with its input: the same input once, twice and four times. What grows as
-/// it should takes twice the time each time; the figure is the time for twice the input over the time for it.
+/// How the work of a function grows with its input: the same input once, twice and four times, in processor
+/// time. What grows as it should takes twice the time each time.
 
 namespace bench {
 
 namespace {
 
-using host::Data;
 using host::DataVect;
 using host::Text;
-
-host::DataRef shared(Data value) { return std::make_shared<const Data>(std::move(value)); }
-host::DataRef words(std::u16string text) { return shared(Data(Text(std::move(text)))); }
-
-std::u16string repeated(std::u16string_view part, std::size_t count) {
-    std::u16string all;
-    all.reserve(part.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        all += part;
-    return all;
-}
-
-/// Runs of twenty characters in twelve styles, paragraphs of four hundred.
-Text styled(std::size_t runs) {
-    constexpr std::size_t styles = 12, runsPerParagraph = 20;
-    Text text;
-    for (std::size_t run = 0; run < runs; ++run) {
-        const bool endsParagraph = run % runsPerParagraph == runsPerParagraph - 1;
-        const host::CharacterStyle style(0, static_cast<std::uint16_t>((run % 4) << 8U),
-                                         static_cast<std::uint16_t>(10 + run % styles));
-        text.append(endsParagraph ? u"nineteen characters\r" : u"twenty characters & ", {.style = style});
-    }
-    return text;
-}
-
-std::u16string numbers(std::size_t lines) {
-    std::u16string list;
-    for (std::size_t line = 0; line < lines; ++line) {
-        const std::string number = std::to_string(line * 7'919 % lines) + "\r";
-        list.append(number.begin(), number.end());
-    }
-    return list;
-}
+using Action = std::function<void()>;
 
 struct Growth {
     const char16_t* function;
     const char* unit; ///< what is counted
     std::size_t start;
     DataVect (*arguments)(std::size_t count);
+    bool isInPicture = true;
 };
 
+std::uint32_t size(std::size_t count) { return static_cast<std::uint32_t>(count); }
+
 constexpr std::array growths{
-    Growth{u"Kestrel_GetAsHTML", "characters", 20'000,
-           [](std::size_t count) { return DataVect{shared(Data(styled(count / 20)))}; }},
     Growth{u"Kestrel_Encode", "characters", 200'000,
-           [](std::size_t count) {
-               return DataVect{words(u"UTF-8 to Base64"), words(repeated(u"größe 12 ", count / 9))};
-           }},
+           [](std::size_t count) { return texts({u"UTF-8 to Base64", repeated(u"größe 12 ", count)}); }},
     Growth{u"Kestrel_Decode", "characters", 200'000,
            [](std::size_t count) {
-               return DataVect{words(u"Base64 to UTF-8"), words(repeated(u"Z3LDtsOfZSAx", count / 12))};
+               return texts({u"Base64 to UTF-8", repeated(u"Z3LDtsOfZSAx", count / 12 * 12)});
            }},
     Growth{u"Kestrel_RegExp_Substitute", "characters", 200'000,
            [](std::size_t count) {
-               return DataVect{words(repeated(u"call 555-0101 now ", count / 18)), words(u"(\\d+)-\\d+"),
-                               words(u"\\1-xxxx")};
+               return texts({repeated(u"call 555-0101 now ", count), u"(\\d+)-\\d+", u"\\1-xxxx"});
            }},
-    Growth{u"Kestrel_MergeText", "expressions", 1'000,
-           [](std::size_t count) { return DataVect{words(repeated(u"Dear <<\"Ada\" & 1 + 2>>, ", count))}; }},
+    Growth{u"Kestrel_MergeText", "expressions", 25'000,
+           [](std::size_t count) {
+               constexpr std::u16string_view greeting = u"Dear <<\"Ada\" & 1 + 2>>, ";
+               return texts({repeated(greeting, count * greeting.size())});
+           }},
     Growth{u"Kestrel_Get", "lines to sort", 20'000,
-           [](std::size_t count) { return DataVect{words(u"sort"), words(numbers(count))}; }},
+           [](std::size_t count) { return texts({u"sort", unsortedNumbers(count)}); }},
+    Growth{u"Kestrel_ExecuteSQL", "rows", 10'000,
+           [](std::size_t count) {
+               return texts({u"SELECT id, name, city, born FROM people WHERE id <= " +
+                             host::fromUtf8(std::to_string(count))});
+           }},
+    Growth{u"Kestrel_GetAsHTML", "characters", 20'000,
+           [](std::size_t count) { return conversionOf(ordinaryText(size(count))); }},
+    Growth{u"Kestrel_GetAsHTML", "a new style at each", 100'000,
+           [](std::size_t count) { return conversionOf(newStyleEachCharacter(size(count))); }, false},
+    Growth{u"Kestrel_GetAsHTML", "characters, one run", 250'000,
+           [](std::size_t count) { return conversionOf(Text(std::u16string(count, u'x'))); }, false},
+    Growth{u"Kestrel_GetAsHTML", "empty paragraphs", 25'000,
+           [](std::size_t count) { return conversionOf(Text(std::u16string(count, u'\r'))); }, false},
+    Growth{u"Kestrel_GetAsHTML", "classes of one name", 2'500,
+           [](std::size_t count) { return conversionOf(newDeclarationsEachCharacter(size(count))); }, false},
+    Growth{u"Kestrel_GetAsHTML", "classes of one name", 50'000,
+           [](std::size_t count) { return conversionOf(newDeclarationsEachCharacter(size(count))); }, false},
+    Growth{u"Kestrel_GetAsHTML", "runs made equal", 25'000,
+           [](std::size_t count) { return conversionOf(runsThatBecomeEqual(size(count)), u"bold", u""); },
+           false},
+    Growth{u"Kestrel_GetAsHTML", "& in a paragraph", 250'000,
+           [](std::size_t count) { return conversionOf(Text(std::u16string(count, u'&'))); }, false},
 };
+
+constexpr std::size_t kSteps = 3;
+constexpr std::size_t kLargest = std::size_t{1} << (kSteps - 1);
+
+/// Where the picture's points go, if anywhere.
+class Record {
+public:
+    explicit Record(const char* path)
+        : file_(path == nullptr ? nullptr : std::fopen(path, "w"), std::fclose) {}
+
+    void add(const std::string& name, std::size_t count, double nanoseconds) const {
+        constexpr double perMillisecond = 1e6;
+        if (file_)
+            std::fprintf(file_.get(), "%s\t%zu\t%g\n", name.c_str(), count, nanoseconds / perMillisecond);
+    }
+    void endBlock() const {
+        if (file_) std::fputs("\n\n", file_.get());
+    }
+
+private:
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
+
+/// The sizes alternate, so that all see the same machine; a ratio is the median of the rounds' ratios.
+void growthRow(const std::string& name, std::size_t start, const std::array<Action, kSteps>& actions,
+               const Record* record) {
+    constexpr int rounds = 7;
+    std::array<std::size_t, kSteps> calls{};
+    std::array<std::vector<double>, kSteps> times, ratios;
+    for (std::size_t step = 0; step < kSteps; ++step)
+        calls[step] = callsForABatch(actions[step]);
+    for (int round = 0; round < rounds; ++round)
+        for (std::size_t step = 0; step < kSteps; ++step) {
+            times[step].push_back(nanosecondsPerCall<ProcessorClock>(actions[step], calls[step]));
+            ratios[step].push_back(times[step].back() / times[step == 0 ? 0 : step - 1].back());
+        }
+    const Spread time(times[0]), twice(ratios[1]), fourTimes(ratios[2]);
+    std::printf("  %-48s %10.3f ms;  twice %.2f x [%.2f .. %.2f], four times %.2f x [%.2f .. %.2f]\n",
+                name.c_str(), time.median / 1e6, twice.median, twice.least, twice.most, fourTimes.median,
+                fourTimes.least, fourTimes.most);
+    std::fflush(stdout);
+    if (record == nullptr) return;
+    for (std::size_t step = 0; step < kSteps; ++step)
+        record->add(name, start << step, Spread(times[step]).median);
+    record->endBlock();
+}
+
+void benchFunction(const Loaded& plugIn, const Growth& growth, const Record& record) {
+    const host::RegisteredFunction& function = plugIn.function(growth.function);
+    std::array<Action, kSteps> actions;
+    for (std::size_t step = 0; step < kSteps; ++step)
+        actions[step] = [&plugIn, &function, arguments = growth.arguments(growth.start << step)] {
+            host::Data result;
+            plugIn.call(function, arguments, result);
+            keep(result);
+        };
+    growthRow(host::toUtf8(growth.function) + ", " + std::to_string(growth.start) + " " + growth.unit,
+              growth.start, actions, growth.isInPicture ? &record : nullptr);
+}
+
+/// So many globals stored, read once each, and dropped.
+void benchGlobalsStored(const Loaded& plugIn, const Record& record) {
+    constexpr std::size_t start = 10'000;
+    const auto &set = plugIn.function(u"Kestrel_SetGlobal"), &get = plugIn.function(u"Kestrel_GetGlobal");
+    std::vector<DataVect> stores, reads;
+    for (std::size_t key = 0; key < start * kLargest; ++key) {
+        stores.push_back(texts({u"invoice total " + host::fromUtf8(std::to_string(key)), u"a value"}));
+        reads.push_back({stores.back().front()});
+    }
+    const DataVect clear = texts({u"", u""});
+    std::array<Action, kSteps> actions;
+    for (std::size_t step = 0; step < kSteps; ++step)
+        actions[step] = [&, count = start << step] {
+            host::Data result;
+            for (std::size_t key = 0; key < count; ++key)
+                plugIn.call(set, stores[key], result);
+            for (std::size_t key = 0; key < count; ++key)
+                plugIn.call(get, reads[key], result);
+            plugIn.call(set, clear, result);
+        };
+    growthRow("Kestrel_SetGlobal, _GetGlobal, " + std::to_string(start) + " keys", start, actions, &record);
+}
+
+/// Every line of a variable is asked of the host, which looks for it from the start each time.
+void benchLinesOfVariables(const Loaded& plugIn) {
+    constexpr std::uint32_t start = 2'500;
+    const host::RegisteredFunction& function = plugIn.function(u"Kestrel_GetAsHTML");
+    std::array<Action, kSteps> actions;
+    for (std::size_t step = 0; step < kSteps; ++step) {
+        const std::u16string variable = u"lines" + host::fromUtf8(std::to_string(step));
+        host::Session::current()->front()->fileVariables().set(variable, 1,
+                                                               shared(styledLines(start << step)));
+        actions[step] = [&plugIn, &function, arguments = conversionOf(Text(u"$$" + variable))] {
+            host::Data result;
+            plugIn.call(function, arguments, result);
+            keep(result);
+        };
+    }
+    growthRow("Kestrel_GetAsHTML, 2500 lines of a variable", start, actions, nullptr);
+}
 
 } // namespace
 
 void benchGrowth() {
-    std::FILE* const record = []() -> std::FILE* {
-        const char* path = std::getenv("KESTREL_GROWTH");
-        return path == nullptr ? nullptr : std::fopen(path, "w");
-    }();
-    const Loaded plugIn;
-    for (const auto& [name, unit, start, argumentsFor] : growths) {
-        constexpr int steps = 3;
-        const auto& function = plugIn.function(name);
-        const std::string shown = host::toUtf8(name) + ", " + std::to_string(start) + " " + unit;
-        std::array<double, steps> times{};
-        for (int step = 0; step < steps; ++step) {
-            const std::size_t count = start << static_cast<unsigned>(step);
-            const DataVect arguments = argumentsFor(count);
-            Data result;
-            const auto call = [&] { plugIn.call(function, arguments, result); };
-            // The best of several: what others on the machine do can only add to it.
-            double& best = times.at(static_cast<std::size_t>(step));
-            const std::size_t calls = callsForABatch(call);
-            for (int round = 0; round < 5; ++round) {
-                const double time = nanosecondsPerCall(call, calls);
-                best = best == 0 ? time : std::min(best, time);
-            }
-            if (record != nullptr) std::fprintf(record, "%s\t%zu\t%g\n", shown.c_str(), count, best / 1e6);
-        }
-        if (record != nullptr) std::fputs("\n\n", record);
-        std::printf("%-58s %9.3f ms;  twice that %5.2f x, four times %5.2f x the time of half\n",
-                    shown.c_str(), times[0] / 1e6, times[1] / times[0], times[2] / times[1]);
-        std::fflush(stdout);
-    }
-    if (record != nullptr) std::fclose(record);
+    const Record record(std::getenv("KESTREL_GROWTH"));
+    host::Solution solution = solutionWithFonts();
+    constexpr int mostRows = 40'000;
+    solution.schema = peopleInTable(mostRows);
+    const Loaded plugIn(std::move(solution));
+    benchGlobalsStored(plugIn, record);
+    for (const Growth& growth : growths)
+        benchFunction(plugIn, growth, record);
+    benchLinesOfVariables(plugIn);
 }
 
 } // namespace bench

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace bench {
 
@@ -20,9 +21,12 @@ public:
     }
 
     [[nodiscard]] const host::RegisteredFunction& function(std::u16string_view name) const {
-        for (const host::RegisteredFunction& candidate : plugIn_.functions())
+        for (const host::RegisteredFunction& candidate : functions())
             if (candidate.name == name) return candidate;
         throw std::runtime_error("a function is not registered");
+    }
+    [[nodiscard]] const std::vector<host::RegisteredFunction>& functions() const {
+        return plugIn_.functions();
     }
     /// As the host calls it, without a calculation around.
     void call(const host::RegisteredFunction& function, const host::DataVect& arguments,

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -18,13 +18,28 @@ void keep(const Value& value) {
     asm volatile("" : : "r,m"(value) : "memory"); // NOLINT(hicpp-no-assembler)
 }
 
+/// The time that the process has had a processor, so that other processes hardly show.
+struct ProcessorClock {
+    using duration = std::chrono::nanoseconds;
+    using rep = duration::rep;
+    using period = duration::period;
+    using time_point = std::chrono::time_point<ProcessorClock>;
+    static constexpr bool is_steady = true;
+
+    static time_point now() {
+        std::timespec time{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+    }
+};
+
 /// Nanoseconds of one call of `action`, over a batch that takes long enough to measure.
-template<class Action>
+template<class Clock = std::chrono::steady_clock, class Action>
 double nanosecondsPerCall(const Action& action, std::size_t calls) {
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = Clock::now();
     for (std::size_t i = 0; i < calls; ++i)
         action();
-    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
+    const std::chrono::duration<double, std::nano> taken = Clock::now() - start;
     return taken.count() / static_cast<double>(calls);
 }
 
@@ -38,9 +53,33 @@ std::size_t callsForABatch(const Action& action) {
     return calls;
 }
 
-/// A row of the table: what a thing costs, and what the least that must be done costs. Cost and floor
-/// alternate, so that both see the same machine; the ratio is the median of the rounds' ratios, its spread
-/// stands behind it.
+/// An odd number of measurements; sorts them.
+struct Spread {
+    explicit Spread(std::vector<double> values) {
+        std::sort(values.begin(), values.end());
+        least = values.front();
+        median = values[values.size() / 2];
+        most = values.back();
+    }
+    double least, median, most;
+};
+
+/// The rows' names since the last heading.
+inline std::vector<std::string>& rowNames() {
+    static std::vector<std::string> names;
+    return names;
+}
+
+inline void heading(const char* text) {
+    static bool isFirst = true;
+    std::printf("%s%s\n", isFirst ? "" : "\n", text);
+    isFirst = false;
+    rowNames().clear();
+}
+
+/// A row of the table: what a thing costs, and what the least that must be done costs, or a peer. Cost and
+/// floor alternate, so that both see the same machine; the ratio is the median of the rounds' ratios, its
+/// spread stands behind it.
 template<class Cost, class Floor>
 void row(const std::string& name, const Cost& cost, const std::string& floorName, const Floor& floor,
          double unitsPerCall = 1, const char* unit = "call") {
@@ -52,12 +91,12 @@ void row(const std::string& name, const Cost& cost, const std::string& floorName
         floors.push_back(nanosecondsPerCall(floor, floorCalls) / unitsPerCall);
         ratios.push_back(costs.back() / floors.back());
     }
-    for (auto* values : {&costs, &floors, &ratios})
-        std::sort(values->begin(), values->end());
-    const auto middle = static_cast<std::size_t>(rounds / 2);
-    std::printf("%-44s %10.2f ns/%-5s %7.2f x [%.2f .. %.2f] of %s (%.2f ns)\n", name.c_str(), costs[middle],
-                unit, ratios[middle], ratios.front(), ratios.back(), floorName.c_str(), floors[middle]);
+    const Spread ratio(ratios);
+    std::printf("  %-48s %10.2f ns/%-5s %6.2f x [%.2f .. %.2f] of %s (%.2f ns)\n", name.c_str(),
+                Spread(costs).median, unit, ratio.median, ratio.least, ratio.most, floorName.c_str(),
+                Spread(floors).median);
     std::fflush(stdout);
+    rowNames().push_back(name);
 }
 
 } // namespace bench

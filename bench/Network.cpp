@@ -1,5 +1,7 @@
 #include "Benchmarks.h"
+#include "Inputs.h"
 #include "Loaded.h"
+#include "LocalService.h"
 #include "Measure.h"
 
 #include "PublicIPServices.h"
@@ -7,59 +9,78 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cstring>
-#include <memory>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <string>
+#include <thread>
+#include <unistd.h>
 
-/// Lookups of what the machine knows by itself, beside the bare resolver: no row asks the network.
+/// Lookups of what the machine knows by itself, beside the bare resolver, and a web service on this machine:
+/// no row asks the network.
+
+namespace bench {
 
 namespace {
 
-host::DataVect argument(const char16_t* text) {
-    return {std::make_shared<const host::Data>(host::Text(text))};
+void lookUpName() {
+    addrinfo wanted{};
+    wanted.ai_family = AF_INET;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo("localhost", nullptr, &wanted, &found) == 0) ::freeaddrinfo(found);
+    keep(found);
 }
 
-void benchLookups() {
-    const bench::Loaded loaded;
-    const auto bareAddress = [] {
-        addrinfo wanted{};
-        wanted.ai_family = AF_INET;
-        addrinfo* found = nullptr;
-        if (::getaddrinfo("localhost", nullptr, &wanted, &found) == 0) ::freeaddrinfo(found);
-        bench::keep(found);
-    };
-    const auto bareName = [] {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        std::array<char, 1025> name{};
-        bench::keep(::getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, name.data(),
-                                  static_cast<socklen_t>(name.size()), nullptr, 0, 0));
-    };
-    const auto row = [&](const char* name, const char16_t* function, const char16_t* asked,
-                         const char* floorName, const auto& floor) {
-        const host::RegisteredFunction& ours = loaded.function(function);
-        const host::DataVect arguments = argument(asked);
-        host::Data result;
-        bench::row(name, [&] { loaded.call(ours, arguments, result); }, floorName, floor);
-    };
-    row("the address of a name", u"Kestrel_GetIPforName", u"localhost", "getaddrinfo", bareAddress);
-    row("the name of an address", u"Kestrel_GetNameForIP", u"127.0.0.1", "getnameinfo", bareName);
+void lookUpAddress() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    std::array<char, 1025> name{};
+    keep(::getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, name.data(),
+                       static_cast<socklen_t>(name.size()), nullptr, 0, 0));
 }
 
-void benchResponse() {
-    const std::string response = "HTTP/1.1 200 OK\r\n" + std::string(15'000, 'x') + "\r\n\r\n203.0.113.7";
-    std::array<char, kAddressBufferSize> out{};
-    bench::row(
-        "the address in a response of 15 kB",
-        [&] { bench::keep(CopyAddress(ServiceNumbered(2), response, out.data())); }, "strstr",
-        [&] { bench::keep(std::strstr(response.c_str(), "\r\n\r\n")); });
+/// One exchange with the service, by calls that wait.
+void askService() {
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(LocalService::name(), "http", &wanted, &found) != 0) return;
+    const int socket = ::socket(found->ai_family, found->ai_socktype, found->ai_protocol);
+    constexpr std::string_view request = "GET / HTTP/1.1\r\nHost: localhost\r\n\r\n";
+    std::array<char, 1024> response{};
+    if (::connect(socket, found->ai_addr, found->ai_addrlen) == 0 &&
+        ::send(socket, request.data(), request.size(), MSG_NOSIGNAL) > 0)
+        keep(::recv(socket, response.data(), response.size(), 0));
+    ::close(socket);
+    ::freeaddrinfo(found);
 }
 
 } // namespace
 
-void bench::benchNetwork() {
-    benchLookups();
-    benchResponse();
+void benchNetwork() {
+    const Loaded loaded;
+    const auto rowOf = [&](const char* name, const char16_t* function, const host::DataVect& arguments,
+                           const char* floorName, const auto& floor) {
+        const host::RegisteredFunction& ours = loaded.function(function);
+        host::Data result;
+        row(name, [&] { loaded.call(ours, arguments, result); }, floorName, floor);
+    };
+    rowOf("Kestrel_GetIPforName", u"Kestrel_GetIPforName", texts({u"localhost"}), "getaddrinfo", lookUpName);
+    row("- of it a thread, started and joined", [] { std::thread([] {}).join(); }, "getaddrinfo", lookUpName);
+    rowOf("Kestrel_GetNameForIP", u"Kestrel_GetNameForIP", texts({u"127.0.0.1"}), "getnameinfo",
+          lookUpAddress);
+    const LocalService service;
+    rowOf("Kestrel_GetClientPublicIPAddress", u"Kestrel_GetClientPublicIPAddress", {},
+          "the exchange by calls that wait", askService);
 }
+
+void benchResponseBesidePeers() {
+    const std::string response = "HTTP/1.1 200 OK\r\n" + std::string(15'000, 'x') + "\r\n\r\n203.0.113.7";
+    std::array<char, kAddressBufferSize> out{};
+    row(
+        "the address in a response of 15 kB",
+        [&] { keep(CopyAddress(ServiceNumbered(kServicesAsked[0]), response, out.data())); }, "strstr",
+        [&] { keep(std::strstr(response.c_str(), "\r\n\r\n")); });
+}
+
+} // namespace bench

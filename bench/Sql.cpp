@@ -1,8 +1,12 @@
 #include "Benchmarks.h"
+#include "Inputs.h"
 #include "Loaded.h"
 #include "Measure.h"
 
-#include <memory>
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXText.h"
+
 #include <sqlite3.h>
 #include <stdexcept>
 #include <string>
@@ -16,14 +20,6 @@ namespace bench {
 namespace {
 
 constexpr const char* query = "SELECT id, name, city, born FROM people ORDER BY id";
-
-std::string peopleInTable(int count) {
-    return "CREATE TABLE people (id INTEGER PRIMARY KEY, name TEXT, city TEXT, born DATE);"
-           "WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-           std::to_string(count) +
-           ") INSERT INTO people SELECT i, 'Ada Brandström ' || i, 'Stockholm', "
-           "date('1950-01-01', i % 20000 || ' days') FROM n;";
-}
 
 class Connection {
 public:
@@ -65,15 +61,27 @@ void benchRows(int count) {
     const Connection connection(solution.schema);
     const Loaded plugIn(std::move(solution));
     const host::RegisteredFunction& function = plugIn.function(u"Kestrel_ExecuteSQL");
-    const host::DataVect arguments{std::make_shared<const host::Data>(host::Text::fromUtf8(query))};
+    const host::DataVect arguments{shared(host::Text::fromUtf8(query))};
+    const auto& statement = host::bridge::out<fmx::Text>(arguments.front()->asText());
+    const auto stepped = [&] { keep(connection.answer().size()); };
+    const std::string size = std::to_string(count) + " rows of 4 fields";
     row(
-        "ExecuteSQL, " + std::to_string(count) + " rows of 4 fields",
+        "Kestrel_ExecuteSQL, " + size,
         [&] {
             host::Data result;
             plugIn.call(function, arguments, result);
             keep(result.asText().size());
         },
-        "SQLite stepped", [&] { keep(connection.answer().size()); }, count, "row");
+        "SQLite stepped", stepped, count, "row");
+    row(
+        "- of it the host's query: values, no text",
+        [&] {
+            const fmx::TextUniquePtr currentFile;
+            const fmx::DataVectUniquePtr noParameters;
+            const fmx::RowVectUniquePtr rows;
+            keep(plugIn.environment().ExecuteFileSQL(statement, *currentFile, *noParameters, *rows));
+        },
+        "SQLite stepped", stepped, count, "row");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Base64.h"
 #include "Benchmarks.h"
+#include "Inputs.h"
 #include "Loaded.h"
 #include "Measure.h"
 
@@ -11,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Base64 and templates, each beside the least that must be done.
+/// Base64 and templates, each beside the least that must be done; the coder also beside a peer.
 
 namespace {
 
@@ -32,29 +33,6 @@ void code(int (*coder)(const char*, int, char**), const std::string& in) {
     bench::keep(out);
 }
 
-/// The coder beside OpenSSL's, which writes into an array of just as many bytes, allocated alike.
-void benchCoder() {
-    constexpr std::size_t size = 3'000'000;
-    const std::string bytes = randomBytes(size);
-    std::string characters(size / 3 * 4 + 1, '\0');
-    const auto lengthOf = [](const std::string& text) { return static_cast<int>(text.size()); };
-    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(characters.data()),
-                    reinterpret_cast<const unsigned char*>(bytes.data()), lengthOf(bytes));
-    characters.pop_back();
-    const auto openSsl = [&](int (*block)(unsigned char*, const unsigned char*, int), const std::string& in,
-                             std::size_t room) {
-        const auto out = std::make_unique_for_overwrite<unsigned char[]>(room);
-        bench::keep(block(out.get(), reinterpret_cast<const unsigned char*>(in.data()), lengthOf(in)));
-        bench::keep(out.get());
-    };
-    bench::row(
-        "Base64 encoding", [&] { code(B64_Encode, bytes); }, "OpenSSL",
-        [&] { openSsl(EVP_EncodeBlock, bytes, characters.size() + 1); }, static_cast<double>(size), "byte");
-    bench::row(
-        "Base64 decoding", [&] { code(B64_Decode, characters); }, "OpenSSL",
-        [&] { openSsl(EVP_DecodeBlock, characters, size + 1); }, static_cast<double>(size), "byte");
-}
-
 /// The functions: the floor is the host's own conversions to bytes and back, and the coder.
 void benchFunctions(const bench::Loaded& loaded) {
     constexpr std::size_t size = 300'000;
@@ -64,12 +42,10 @@ void benchFunctions(const bench::Loaded& loaded) {
     const host::Text text(units);
     const std::string utf8 = text.utf8();
     host::Data result;
-    const host::DataVect encode{std::make_shared<const host::Data>(host::Text(u"UTF-8 to Base64")),
-                                std::make_shared<const host::Data>(text)};
+    const host::DataVect encode{bench::shared(host::Text(u"UTF-8 to Base64")), bench::shared(text)};
     loaded.call(loaded.function(u"Kestrel_Encode"), encode, result);
     const host::Text characters = result.asText();
-    const host::DataVect decode{std::make_shared<const host::Data>(host::Text(u"Base64 to UTF-8")),
-                                std::make_shared<const host::Data>(characters)};
+    const host::DataVect decode{bench::shared(host::Text(u"Base64 to UTF-8")), bench::shared(characters)};
 
     const auto floor = [](int (*coder)(const char*, int, char**), const host::Text& in, host::Encoding from,
                           host::Encoding to) {
@@ -105,7 +81,7 @@ void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool looks) 
         expressions.emplace_back();
         host::bridge::in<host::Text>(expressions.back().get()) = host::Text(expression);
     }
-    const host::DataVect arguments{std::make_shared<const host::Data>(letter)};
+    const host::DataVect arguments{bench::shared(letter)};
     host::Data result;
     bench::row(
         "Kestrel_MergeText, " + std::to_string(count) + (looks ? " with looks" : " expressions"),
@@ -123,10 +99,31 @@ void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool looks) 
 
 void bench::benchText() {
     const Loaded loaded;
-    benchCoder();
     benchFunctions(loaded);
-    constexpr std::size_t most = 100'000;
-    for (const std::size_t count : {most / 4, most / 2, most})
-        benchMergeText(loaded, count, false);
-    benchMergeText(loaded, most, true);
+    constexpr std::size_t expressions = 100'000;
+    benchMergeText(loaded, expressions, false);
+    benchMergeText(loaded, expressions, true);
+}
+
+/// The coder beside OpenSSL's, which writes into an array of just as many bytes, allocated alike.
+void bench::benchCoderBesidePeers() {
+    constexpr std::size_t size = 3'000'000;
+    const std::string bytes = randomBytes(size);
+    std::string characters(size / 3 * 4 + 1, '\0');
+    const auto lengthOf = [](const std::string& text) { return static_cast<int>(text.size()); };
+    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(characters.data()),
+                    reinterpret_cast<const unsigned char*>(bytes.data()), lengthOf(bytes));
+    characters.pop_back();
+    const auto openSsl = [&](int (*block)(unsigned char*, const unsigned char*, int), const std::string& in,
+                             std::size_t room) {
+        const auto out = std::make_unique_for_overwrite<unsigned char[]>(room);
+        bench::keep(block(out.get(), reinterpret_cast<const unsigned char*>(in.data()), lengthOf(in)));
+        bench::keep(out.get());
+    };
+    bench::row(
+        "Base64 encoding", [&] { code(B64_Encode, bytes); }, "OpenSSL",
+        [&] { openSsl(EVP_EncodeBlock, bytes, characters.size() + 1); }, static_cast<double>(size), "byte");
+    bench::row(
+        "Base64 decoding", [&] { code(B64_Decode, characters); }, "OpenSSL",
+        [&] { openSsl(EVP_DecodeBlock, characters, size + 1); }, static_cast<double>(size), "byte");
 }

@@ -8,41 +8,19 @@
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
 
+#include <chrono>
+#include <cstdio>
 #include <dlfcn.h>
-#include <map>
+#include <exception>
 #include <string>
 #include <unicode/ustring.h>
 #include <vector>
 
-/// What the frame of the plug-in costs, each thing beside the least that must be done for it.
+/// What loading the plug-in costs, and its conversions of texts; and all the other rows, under what they say.
 
 namespace {
 
 using host::bridge::out;
-
-void benchCall() {
-    host::Session session;
-    session.open(host::Solution{});
-    host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
-    plugIn.init();
-    const auto environment = session.environment(session.front());
-    const auto parsed = host::calc::parse(u"Kestrel_DoBashCmd ( 1 )", session.functions());
-
-    // The floor: the same handler, found by its name and called, without a calculation around it.
-    std::map<std::u16string, const host::RegisteredFunction*, std::less<>> table;
-    for (const host::RegisteredFunction& function : plugIn.functions())
-        table[function.name] = &function;
-    const host::DataVect arguments{std::make_shared<const host::Data>(host::Decimal(1))};
-    host::Data result;
-    bench::row(
-        "call of a function that does nothing",
-        [&] { bench::keep(host::calc::evaluate(*parsed.expression, environment).error); }, "a C call",
-        [&] {
-            const host::RegisteredFunction& function = *table.find(u"Kestrel_DoBashCmd")->second;
-            bench::keep(function.handler(function.id, out<fmx::ExprEnv>(environment),
-                                         out<fmx::DataVect>(arguments), out<fmx::Data>(result)));
-        });
-}
 
 void benchLoad() {
     host::Session session;
@@ -105,15 +83,30 @@ void benchConversions() {
 
 } // namespace
 
-int main() {
-    benchCall();
-    benchLoad();
-    benchConversions();
+int main() try {
+    const auto start = std::chrono::steady_clock::now();
+    bench::heading("Each function beside its floor");
+    bench::benchPlainCalls();
     bench::benchGlobals();
     bench::benchSql();
     bench::benchText();
+    bench::benchPatterns();
     bench::benchNetwork();
     bench::benchHtml();
-    bench::benchPatterns();
+    bench::requireRowsForAllFunctions();
+    benchLoad();
+    bench::heading("Beside other makers' code for the same work: below 1 x ours is quicker");
+    benchConversions();
+    bench::benchCoderBesidePeers();
+    bench::benchResponseBesidePeers();
+    bench::benchHtmlBesidePeers();
+    bench::heading("Growth: the time for twice and four times the input over that for half of it");
     bench::benchGrowth();
+    bench::heading("Memory");
+    bench::benchHtmlMemory();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    std::printf("\nmeasured in %.0f s\n", taken.count());
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "kestrel: %s\n", error.what());
+    return 1;
 }
