@@ -12,8 +12,12 @@
 #include "host/values/Encoding.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -39,13 +43,38 @@ void copy(const fmx::Data& from, fmx::Data& to) {
     }
 }
 
-void readClock() {
-    std::timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    keep(now);
+void nothing(const Loaded&) {}
+
+void evaluate(const Loaded& loaded, const char* calculation) {
+    const fmx::TextUniquePtr expression;
+    expression->Assign(calculation);
+    const fmx::DataUniquePtr value;
+    keep(loaded.environment().Evaluate(*expression, *value));
 }
 
-void sortNumbers() {
+/// Solutions find the last error in variables of theirs, which only a calculation can set or read.
+void recordError(const Loaded& loaded) {
+    evaluate(loaded, R"(Let ( [ $$Kestrel_LastError = 3 ; $$Kestrel_LastErrorMessage = "message" ] ; "" ))");
+}
+void readErrorMessage(const Loaded& loaded) {
+    evaluate(loaded,
+             R"(If ( IsEmpty ( $$Kestrel_LastErrorMessage ) ; "none" ; $$Kestrel_LastErrorMessage ))");
+}
+
+/// A word is matched in any case, as the host understands it.
+void lowerWord(const Loaded&) {
+    const fmx::TextUniquePtr word;
+    word->Assign("globalDieInterval");
+    word->Lowercase();
+}
+
+/// With the look at the system's time zone, which may have changed since the last call.
+void readLocalTime(const Loaded&) {
+    const std::time_t now = std::time(nullptr);
+    keep(std::localtime(&now));
+}
+
+void sortNumbers(const Loaded&) {
     static const std::string lines = host::toUtf8(unsortedNumbers(kLinesToSort));
     std::vector<double> numbers;
     for (const char* at = lines.c_str(); *at != '\0'; ++at) {
@@ -54,33 +83,34 @@ void sortNumbers() {
         at = end;
     }
     std::sort(numbers.begin(), numbers.end());
-    keep(numbers.data());
+    std::array<char, 32> digits{};
+    for (const double number : numbers)
+        keep(std::snprintf(digits.data(), digits.size(), "%g\r", number));
 }
-
-void nothing() {}
 
 /// A function with its arguments, each a calculation, and what any implementation does besides the call.
 struct PlainCall {
     const char* name;
     std::vector<std::u16string> arguments;
-    void (*work)() = nothing;
+    void (*work)(const Loaded&) = nothing;
     const char* workName = "";
 };
 
 const std::vector<PlainCall>& plainCalls() {
+    static constexpr const char *word = ", a word in lower case", *record = ", a variable set";
     static const std::vector<PlainCall> calls{
-        {"Kestrel_Version", {u"\"long\""}},
-        {"Kestrel_Get", {u"\"lastErrorMessage\""}},
-        {"Kestrel_Get", {u"\"sort\"", u"$$numbers"}, sortNumbers, ", sorting"},
-        {"Kestrel_Set", {u"\"globalDieInterval\"", u"60"}},
-        {"Kestrel_DoSystemScript", {u"\"ls\"", u"\"sh\""}},
-        {"Kestrel_GetDefaultPrinter", {}},
-        {"Kestrel_SetDefaultPrinter", {u"\"Laser\""}},
-        {"Kestrel_GetPrinterNames", {}},
-        {"Kestrel_GetSpecialWindows", {}},
-        {"Kestrel_SetScriptShortcut", {u"\"F1\"", u"\"Greet\""}},
+        {"Kestrel_Version", {u"\"long\""}, lowerWord, word},
+        {"Kestrel_Get", {u"\"lastErrorMessage\""}, readErrorMessage, ", a variable read"},
+        {"Kestrel_Get", {u"\"sort\"", u"$$numbers"}, sortNumbers, ", strtod, sort, snprintf"},
+        {"Kestrel_Set", {u"\"globalDieInterval\"", u"60"}, lowerWord, word},
+        {"Kestrel_DoSystemScript", {u"\"ls\"", u"\"sh\""}, recordError, record},
+        {"Kestrel_GetDefaultPrinter", {}, recordError, record},
+        {"Kestrel_SetDefaultPrinter", {u"\"Laser\""}, recordError, record},
+        {"Kestrel_GetPrinterNames", {}, recordError, record},
+        {"Kestrel_GetSpecialWindows", {}, recordError, record},
+        {"Kestrel_SetScriptShortcut", {u"\"F1\"", u"\"Greet\""}, recordError, record},
         {"Kestrel_ValueType", {u"Date ( 2 ; 29 ; 2024 )"}},
-        {"Kestrel_GetTimestamp", {}, readClock, ", clock_gettime"},
+        {"Kestrel_GetTimestamp", {}, readLocalTime, ", localtime"},
     };
     return calls;
 }
@@ -97,10 +127,10 @@ void benchPlainCall(const Loaded& loaded, const PlainCall& plain) {
     if (!arguments.empty() && name == "Kestrel_Get") name += ", " + arguments.front()->asText().utf8();
     row(
         name, [&] { loaded.call(function, arguments, result); },
-        std::string("an empty call, a host copy") + plain.workName,
+        std::string("empty call, host copy") + plain.workName,
         [&] {
             loaded.call(empty, arguments, ignored);
-            plain.work();
+            plain.work(loaded);
             copy(out<fmx::Data>(given), out<fmx::Data>(copied));
         });
 }
@@ -117,26 +147,29 @@ void benchStartOfScript(const Loaded& loaded) {
             loaded.call(function, arguments, result);
             keep(session.runWaitingScripts());
         },
-        "ScriptNames, start and run by the host",
+        "variable set, ScriptNames, start, run",
         [&] {
+            recordError(loaded);
             keep(session.evaluate(u"ScriptNames ( \"\" )").error);
             keep(session.startScript(session.front()->name(), u"Greet", arguments.back()));
             keep(session.runWaitingScripts());
         });
 }
 
-/// Calls through a calculation, as solutions make them.
+/// In a calculation, as solutions call; beside the same handler, found by its name and called.
 void benchEmptyCall(const Loaded& loaded) {
-    const host::RegisteredFunction& function = loaded.function(u"Kestrel_DoBashCmd");
     host::Session& session = *host::Session::current();
     const host::calc::Environment environment = session.environment(session.front());
     const auto parsed = host::calc::parse(u"Kestrel_DoBashCmd ( 1 )", session.functions());
+    std::map<std::u16string, const host::RegisteredFunction*, std::less<>> table;
+    for (const host::RegisteredFunction& function : loaded.functions())
+        table[function.name] = &function;
     const host::DataVect arguments{shared(host::Data(host::Decimal(1)))};
     host::Data result;
     row(
-        "Kestrel_DoBashCmd, which is empty, in a calculation",
-        [&] { keep(host::calc::evaluate(*parsed.expression, environment).error); }, "an empty call",
-        [&] { loaded.call(function, arguments, result); });
+        "Kestrel_DoBashCmd, in a calculation",
+        [&] { keep(host::calc::evaluate(*parsed.expression, environment).error); }, "name found, empty call",
+        [&] { loaded.call(*table.find(u"Kestrel_DoBashCmd")->second, arguments, result); });
 }
 
 } // namespace

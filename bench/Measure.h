@@ -73,6 +73,7 @@ inline std::vector<std::string>& rowNames() {
 inline void heading(const char* text) {
     static bool isFirst = true;
     std::printf("%s%s\n", isFirst ? "" : "\n", text);
+    std::fflush(stdout);
     isFirst = false;
     rowNames().clear();
 }
@@ -92,7 +93,7 @@ void row(const std::string& name, const Cost& cost, const std::string& floorName
         ratios.push_back(costs.back() / floors.back());
     }
     const Spread ratio(ratios);
-    std::printf("  %-48s %10.2f ns/%-5s %6.2f x [%.2f .. %.2f] of %s (%.2f ns)\n", name.c_str(),
+    std::printf("  %-50s %10.2f ns/%-5s %6.2f x [%.2f .. %.2f] of %s (%.2f ns)\n", name.c_str(),
                 Spread(costs).median, unit, ratio.median, ratio.least, ratio.most, floorName.c_str(),
                 Spread(floors).median);
     std::fflush(stdout);

@@ -100,7 +100,8 @@ int main() try {
     bench::benchCoderBesidePeers();
     bench::benchResponseBesidePeers();
     bench::benchHtmlBesidePeers();
-    bench::heading("Growth: the time for twice and four times the input over that for half of it");
+    bench::heading(
+        "Growth: the time for twice and four times the input over that for half of it; the floor is 2.00 x");
     bench::benchGrowth();
     bench::heading("Memory");
     bench::benchHtmlMemory();
