@@ -1,9 +1,13 @@
 #include "FunctionCalls.h"
 
+#include "html/GetAsHTML.h"
+#include "html/Reading.h"
+
 #include "host/values/Encoding.h"
 #include "host/values/Text.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <utility>
@@ -21,10 +25,28 @@ host::RunStyle looks(std::uint16_t faces, host::Alignment alignment = host::Alig
     return {.style = style, .alignment = alignment};
 }
 
+const host::RunStyle plain = looks(face::plain), bold = looks(face::bold),
+                     boldItalic = looks(face::bold | face::italic);
+
+host::Text joined(const std::vector<std::pair<const char16_t*, host::RunStyle>>& pieces) {
+    host::Text all;
+    for (const auto& [units, look] : pieces)
+        all.append(units, look);
+    return all;
+}
+
 std::string shown(std::string html) {
     std::replace(html.begin(), html.end(), '\r', '|');
     return html;
 }
+
+std::string block(const std::string& rules) { return "<style type=\"text/css\">|" + rules + "</style>|"; }
+
+struct Case {
+    host::Text text;
+    std::vector<std::string> parameters;
+    std::string html;
+};
 
 class GetAsHTML : public FunctionCalls {
 protected:
@@ -38,6 +60,10 @@ protected:
         EXPECT_EQ(answer.error, 0);
         EXPECT_TRUE(answer.value.asText().isPlain());
         return shown(answer.value.asText().utf8());
+    }
+    void expect(const std::vector<Case>& cases) {
+        for (const auto& [text, parameters, expected] : cases)
+            EXPECT_EQ(html(text, parameters), expected) << text.utf8();
     }
     void setVariable(const host::Text& value) {
         session.front()->fileVariables().set(u"t", 1, std::make_shared<const host::Data>(value));
@@ -55,26 +81,19 @@ protected:
 };
 
 TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
-    host::Text text(u"Hello", looks(face::bold));
-    text.append(host::Text(u" world"));
-    host::Text rich(u"both", looks(face::bold | face::italic));
-    host::CharacterStyle red;
-    red.setColor({255, 0, 0});
-    red.setSize(12);
-    rich.append(u"red", {.style = red});
-    host::CharacterStyle redAndItalic = red;
-    redAndItalic.setFaces(face::italic);
-    rich.append(u"more", {.style = redAndItalic});
+    const host::Text text = joined({{u"Hello", bold}, {u" world", plain}}), both(u"x", boldItalic);
+    host::RunStyle red, redAndItalic = looks(face::italic), redAndBoth = boldItalic;
+    for (host::RunStyle* const look : {&red, &redAndItalic, &redAndBoth})
+        look->style.setColor({255, 0, 0});
+    for (host::RunStyle* const look : {&red, &redAndItalic})
+        look->style.setSize(12);
+    const host::Text rich = joined({{u"both", boldItalic}, {u"red", red}, {u"more", redAndItalic}});
+    const host::Text all(u"x", redAndBoth);
     host::Text usual;
     for (const std::uint16_t bits :
          {face::underline, face::strikethrough, face::highlight, face::superscript, face::subscript})
         usual.append(u"x", looks(bits));
-    const std::string kst = "<style type=\"text/css\">|.kst { color:#ff0000;font-size:12px; }|</style>|";
-    const struct {
-        const host::Text& text;
-        std::vector<std::string> parameters;
-        std::string html;
-    } cases[] = {
+    expect({
         {text, {}, "<b>Hello</b> world"},
         {text, {"ALL"}, "<b>Hello</b> world"},
         {usual, {}, "<u>x</u><s>x</s><mark>x</mark><sup>x</sup><sub>x</sub>"},
@@ -83,21 +102,18 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
         {text, {"Bold=B"}, "<B>Hello</B> world"},
         {text, {"all=never|bold=x=y"}, "<x>Hello</x> world"},
         {text,
-         {"", "bold=loud"},
-         "<style type=\"text/css\">|.loud { font-weight:bold; }|</style>|"
-         "<span class=\"loud\">Hello</span> world"},
-        {text,
          {"bold", "all"},
-         "<style type=\"text/css\">|.kst { font-weight:bold; }|</style>|"
-         "<span class=\"kst\">Hello</span> world"},
+         block(".kst { font-weight:bold; }|") + "<span class=\"kst\">Hello</span> world"},
         {text, {"", "", "Bold|color"}, "<span style=\"font-weight:bold;\">Hello</span> world"},
-        {text, {"", "", ""}, "Hello world"},
         {text, {"", "", "italic"}, "Hello world"},
-        {rich, {}, kst + "<b><i>both</i></b><span class=\"kst\">red</span><i class=\"kst\">more</i>"},
+        {rich,
+         {},
+         block(".kst { color:#ff0000;font-size:12px; }|") +
+             "<b><i>both</i></b><span class=\"kst\">red</span><i class=\"kst\">more</i>"},
         {rich,
          {"bold+italic=em", "size=small", "color"},
-         "<style type=\"text/css\">|.small { font-size:12px; }|</style>|<em>both</em>"
-         "<span class=\"small\" style=\"color:#ff0000;\">redmore</span>"},
+         block(".small { font-size:12px; }|") +
+             "<em>both</em><span class=\"small\" style=\"color:#ff0000;\">redmore</span>"},
         {rich,
          {"", "", "all"},
          "<span style=\"font-style:italic;font-weight:bold;\">both</span><span style=\"color:#ff0000;"
@@ -105,82 +121,186 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
          "more</span>"},
         {rich,
          {"", "italic=x|all=x"},
-         "<style type=\"text/css\">|.x { font-style:italic; }|.x1 { font-weight:bold; }|"
-         ".x2 { color:#ff0000;font-size:12px; }|</style>|<span class=\"x x1\">both</span>"
-         "<span class=\"x2\">red</span><span class=\"x x2\">more</span>"},
+         block(".x { font-style:italic; }|.x1 { font-weight:bold; }|.x2 { color:#ff0000;font-size:12px; }|") +
+             "<span class=\"x x1\">both</span><span class=\"x2\">red</span><span class=\"x x2\">more</span>"},
+        // A combination becomes an element or a class all or not at all.
+        {both, {"bold+bold=b", "", ""}, "<b>x</b>"},
+        {both, {"bold+=b", "", ""}, "<b>x</b>"},
+        {both, {"bold++italic=b|bold+underline=b|=b|bold=", "", ""}, "x"},
+        {both, {"", "bold+underline=never|=never", ""}, "x"},
+        // Each formatting goes to one place: elements, classes, declarations, the earlier first.
+        {all,
+         {"bold=b|bold+italic=strong", "", "all"},
+         "<b style=\"color:#ff0000;font-style:italic;\">x</b>"},
+        {all,
+         {"bold=b", "italic=slanted", "color"},
+         block(".slanted { font-style:italic; }|") + "<b class=\"slanted\" style=\"color:#ff0000;\">x</b>"},
+        {all, {"italic=i|bold=b", "", "color"}, "<i><b style=\"color:#ff0000;\">x</b></i>"},
+        {both,
+         {"", "all=kst|bold=never", ""},
+         block(".kst { font-style:italic;font-weight:bold; }|") + "<span class=\"kst\">x</span>"},
+        // Names are numbered where they are taken, and listed in their order.
+        {{u"x", looks(face::bold | face::italic | face::underline)},
+         {"", "italic=kst|bold=kst|underline=kst1", ""},
+         block(".kst { font-style:italic; }|.kst1 { font-weight:bold; }|.kst11 { text-decoration:underline; "
+               "}|") +
+             "<span class=\"kst kst1 kst11\">x</span>"},
+        {both,
+         {"", "bold=z|italic=a", ""},
+         block(".a { font-style:italic; }|.z { font-weight:bold; }|") + "<span class=\"z a\">x</span>"},
+    });
+}
+
+TEST_F(GetAsHTML, declaresLooks) {
+    using namespace host::face;
+    const std::string twice = "-webkit-text-decoration-style:double;text-decoration:underline";
+    const struct {
+        std::uint16_t faces;
+        std::string css;
+    } cases[] = {
+        {host::face::plain, ""},
+        {host::face::bold | italic, "font-style:italic;font-weight:bold;"},
+        {highlight | outline | smallCaps, "background-color:#FFFF00;font-variant:small-caps;"},
+        {underline | doubleUnderline | wordUnderline, "text-decoration:underline;"},
+        {doubleUnderline | wordUnderline, twice + ";text-decoration-style:double;"},
+        {wordUnderline, ""},
+        {strikethrough, "text-decoration:line-through;"},
+        {underline | strikethrough, "text-decoration:underline line-through;"},
+        {doubleUnderline | strikethrough, twice + " line-through;text-decoration-style:double;"},
+        {condense | extend, "letter-spacing:-2px;"},
+        {extend, "letter-spacing:2px;"},
+        {superscript | subscript, "vertical-align:super;"},
+        {subscript, "vertical-align:sub;"},
+        {titlecase, "text-transform:capitalize;"},
+        {uppercase, "text-transform:uppercase;"},
+        {lowercase, "text-transform:lowercase;"},
     };
-    for (const auto& [styled, parameters, expected] : cases)
-        EXPECT_EQ(html(styled, parameters), expected);
+    const auto declared = [](const std::string& css) {
+        return css.empty() ? "x" : "<span style=\"" + css + "\">x</span>";
+    };
+    for (const auto& [faces, css] : cases)
+        EXPECT_EQ(html({u"x", looks(faces)}, {"", "", "all"}), declared(css)) << faces;
+
+    host::RunStyle look;
+    look.style.setColor({255, 0, 128});
+    EXPECT_EQ(html({u"x", look}, {"", "", "all"}), declared("color:#ff0080;"));
+    look.style.setSize(0);
+    look.style.setFont(session.front()->fontId(u"Grüße"));
+    EXPECT_EQ(html({u"x", look}, {"", "", "all"}),
+              declared("color:#ff0080;font-family:Grüße;font-size:0px;"));
+    look.style.setFont(99); // the file has no such font
+    EXPECT_EQ(html({u"x", look}, {"", "", "all"}), declared("color:#ff0080;font-size:0px;"));
+}
+
+TEST_F(GetAsHTML, cutsWhereTheCssChanges) {
+    host::RunStyle first, second;
+    first.style.setFont(session.front()->fontId(u"Helvetica"));
+    second.style.setFont(session.front()->fontId(u"Grüße"));
+    const auto inFont = [](const char* name, const char* text) {
+        return std::string("<span style=\"font-family:") + name + ";\">" + text + "</span>";
+    };
+    const host::RunStyle words = looks(face::wordUnderline);
+    expect({
+        {{u"a b", words}, {}, "a<u> </u>b"},
+        {joined({{u"a", first}, {u"b", second}, {u"c", first}}),
+         {"", "", "all"},
+         inFont("Helvetica", "a") + inFont("Grüße", "b") + inFont("Helvetica", "c")},
+        // Different looks with the same CSS share a run.
+        {joined({{u"x", looks(face::outline)}, {u"y", plain}, {u" ", looks(face::underline)}, {u" ", words}}),
+         {},
+         "xy<u>  </u>"},
+    });
 }
 
 TEST_F(GetAsHTML, splitsTextAtReturns) {
-    host::Text heading(u"a", looks(face::bold));
-    heading.append(host::Text(u"b\rc"));
-    const struct {
-        host::Text text;
-        std::vector<std::string> parameters;
-        const char* html;
-    } cases[] = {
+    const host::Text heading = joined({{u"a", bold}, {u"b\rc", plain}}), boldLines(u"a\rb", bold);
+    expect({
         {{}, {}, ""},
         {u"\r", {}, ""},
-        {u"one", {}, "one"},
+        {u"one", {"none=div"}, "one"},
         {u"one\r", {}, "one"},
         {u"one\rtwo", {}, "<p>one</p>|<p>two</p>|"},
         {u"one\r\rtwo\r", {}, "<p>one</p>|<p></p>|<p>two</p>|"},
         {u"\r\r", {}, "<p></p>|<p></p>|"},
-        {u"a\u2028b\u00A0c\n<&>", {}, "a<br/>|b&nbsp;c<br/>|&lt;&amp;&gt;"},
-        {u"\U0001F600\r\U0001F600", {}, "<p>\U0001F600</p>|<p>\U0001F600</p>|"},
         {u"a\rb", {"=div"}, "<div>a</div>|<div>b</div>|"}, // their alignment has no name
+        // What all runs share moves to the paragraph: the first block element, classes, declarations.
         {heading, {"bold=h2"}, "<p><h2>a</h2>b</p>|<p>c</p>|"},
         {heading.substring(0, 1), {"bold=h2"}, "<h2>a</h2>"},
-        {{u"a\rb", looks(face::bold)}, {"bold=h2"}, "<h2>a</h2>|<h2>b</h2>|"},
-        {{u"a\rb", looks(face::bold)},
+        {boldLines, {"bold=h2"}, "<h2>a</h2>|<h2>b</h2>|"},
+        {boldLines, {"bold=H2"}, "<p><H2>a</H2></p>|<p><H2>b</H2></p>|"},
+        {{u"a\rb", boldItalic}, {"bold=h2|italic=h2"}, "<h2>a</h2>|<h2>b</h2>|"},
+        {joined({{u"a", bold}, {u"b", boldItalic}, {u"\rc", plain}}),
+         {"bold=h2|italic=i"},
+         "<h2>a<i>b</i></h2>|<p>c</p>|"},
+        {joined({{u"a", boldItalic}, {u"b", looks(face::italic)}, {u"\rc", plain}}),
+         {"bold=h1|italic=div"},
+         "<div><h1>a</h1>b</div>|<p>c</p>|"},
+        {boldLines,
          {"", "", "bold"},
-         "<p style=\"font-weight:bold;\">a</p>|"
-         "<p style=\"font-weight:bold;\">b</p>|"},
-        {{u"a\rb", looks(face::bold)},
+         "<p style=\"font-weight:bold;\">a</p>|<p style=\"font-weight:bold;\">b</p>|"},
+        {boldLines,
          {"", "bold=x"},
-         "<style type=\"text/css\">|.x { font-weight:bold; }|"
-         "</style>|<p class=\"x\">a</p>|<p class=\"x\">b</p>|"},
-    };
-    for (const auto& [text, parameters, expected] : cases)
-        EXPECT_EQ(html(text, parameters), expected) << text.utf8();
+         block(".x { font-weight:bold; }|") + "<p class=\"x\">a</p>|<p class=\"x\">b</p>|"},
+    });
+}
+
+TEST_F(GetAsHTML, escapesOnce) {
+    expect({
+        {u"a\u2028b\u00A0c\n<&>\"'", {}, "a<br/>|b&nbsp;c<br/>|&lt;&amp;&gt;\"'"},
+        {u"&lt;\u2028\n", {}, "&amp;lt;<br/>|<br/>|"},
+        {u"\U0001F600\r\U0001F600", {}, "<p>\U0001F600</p>|<p>\U0001F600</p>|"},
+        {std::u16string{0xD83D, 0, u'x'}, {}, std::string("\uFFFD\0x", 5)},
+        {u"\u0126\u013C\u0A26\u20A0", {}, "\u0126\u013C\u0A26\u20A0"}, // low bytes of escapes
+    });
 }
 
 TEST_F(GetAsHTML, readsVariablesWithTheirAlignment) {
-    const host::RunStyle left = looks(0), right = looks(0, host::Alignment::right),
-                         center = looks(0, host::Alignment::center), full = looks(0, host::Alignment::full);
-    const auto text = [](const std::vector<std::pair<const char16_t*, host::RunStyle>>& pieces) {
-        host::Text all;
-        for (const auto& [units, look] : pieces)
-            all.append(units, look);
-        return all;
-    };
-    const auto block = [](const std::string& rows) {
-        return "<style type=\"text/css\">|" + rows + "</style>|";
-    };
-    const struct {
-        host::Text value;
-        std::vector<std::string> parameters;
-        std::string html;
-    } cases[] = {
-        {text({{u"one", left}}), {}, "one"},
-        {text({{u"one", center}}), {}, block(".kst { text-align:center; }|") + "<p class=\"kst\">one</p>|"},
-        {text({{u"one", center}}), {"all|center=div"}, "<div>one</div>|"},
-        {text({{u"one", full}}), {"", "", "full"}, "<p style=\"text-align:justify;\">one</p>|"},
-        {text({{u"one", full}}), {"", "", "bold"}, "<p>one</p>|"},
-        {text({{u"a\r", left}, {u"b\r", right}, {u"c", left}}),
+    using enum host::Alignment;
+    const auto aligned = [](host::Alignment alignment) { return looks(0, alignment); };
+    const host::Text toTheRight(u"one", aligned(right)), inTheMiddle(u"one", aligned(center)),
+        justified(u"one", aligned(full));
+    host::RunStyle small = aligned(center);
+    small.style.setColor({255, 0, 0});
+    host::RunStyle large = small;
+    small.style.setSize(12);
+    large.style.setSize(13);
+    const Case cases[] = {
+        {u"one", {}, "one"},
+        {inTheMiddle, {}, block(".kst { text-align:center; }|") + "<p class=\"kst\">one</p>|"},
+        {inTheMiddle, {"all|center=div"}, "<div>one</div>|"},
+        {inTheMiddle,
+         {"", "all|center=mid", ""},
+         block(".mid { text-align:center; }|") + "<p class=\"mid\">one</p>|"},
+        {inTheMiddle, {"", "center=", "all"}, "<p style=\"text-align:center;\">one</p>|"},
+        {toTheRight, {"right=div|right=h1"}, "<div>one</div>|"},
+        {toTheRight, {"", "bold=x", "left"}, "<p>one</p>|"},
+        {justified, {"", "", "full"}, "<p style=\"text-align:justify;\">one</p>|"},
+        {joined(
+             {{u"a\r", plain}, {u"b\r", aligned(center)}, {u"c\r", aligned(right)}, {u"d", aligned(full)}}),
+         {"center=center|right=right|full=full"},
+         "<p>a</p>|<center>b</center>|<right>c</right>|<full>d</full>|"},
+        {joined({{u"a\r", plain}, {u"b\r", aligned(right)}, {u"c", plain}}),
          {"", "right=r"},
          block(".r { text-align:right; }|") + "<p>a</p>|<p class=\"r\">b</p>|<p>c</p>|"},
-        {text({{u"a\r\rb\r", left}}), {}, "<p>a</p>|<p></p>|<p>b</p>|"},
-        {text({{u"a\u2028b", left}}), {}, "a<br/>|b"},
+        {u"a\r\rb\r", {}, "<p>a</p>|<p></p>|<p>b</p>|"},
+        {u"a\u2028b", {}, "a<br/>|b"},
         // A soft break ends a line and no value, so what follows is taken for the line before.
-        {text({{u"a\u2028b\rc\rd", left}}), {}, "<p>a<br/>|b<br/>|c</p>|<p>d</p>|"},
-        {text({{u"a\u2028b\rc", left}}), {}, "<p>a<br/>|b<br/>|c</p>|"},
-        {text({{u"a\u2028b\rc", center}}), {"center=div", "", ""}, "<div>a<br/>|b<br/>|c</div>|"},
-        {text({{u"<&", looks(face::bold, host::Alignment::center)}}),
+        {u"a\u2028b\rc\rd", {}, "<p>a<br/>|b<br/>|c</p>|<p>d</p>|"},
+        {u"a\u2028b\rc", {}, "<p>a<br/>|b<br/>|c</p>|"},
+        {{u"a\u2028b\rc", aligned(center)}, {"center=div", "", ""}, "<div>a<br/>|b<br/>|c</div>|"},
+        // What moves to the paragraph comes behind its own; an element of its own stays.
+        {{u"<&", looks(face::bold, center)},
          {"", "", "all"},
          "<p style=\"font-weight:bold;text-align:center;\">&lt;&amp;</p>|"},
+        {{u"x", looks(face::bold, center)}, {"bold=h2|center=div"}, "<div><h2>x</h2></div>|"},
+        {joined({{u"x", looks(face::bold | face::underline, center)}, {u"y", looks(face::bold, center)}}),
+         {"", "center=own|underline=b|bold=a", ""},
+         block(".a { font-weight:bold; }|.b { text-decoration:underline; }|.own { text-align:center; }|") +
+             "<p class=\"own a\"><span class=\"b\">x</span>y</p>|"},
+        {joined({{u"x", small}, {u"y", large}}),
+         {"", "", "all"},
+         "<p style=\"color:#ff0000;text-align:center;\"><span style=\"font-size:12px;\">x</span>"
+         "<span style=\"font-size:13px;\">y</span></p>|"},
     };
     for (const auto& [value, parameters, expected] : cases)
         EXPECT_EQ(htmlOfVariable(value, parameters), expected) << value.utf8();
@@ -270,6 +390,47 @@ TEST_F(GetAsHTML, namesTenThousandClasses) {
     const std::string out = html(text);
     EXPECT_NE(out.find("|.kst9999 { font-size:9999px; }|</style>|"), std::string::npos);
     EXPECT_NE(out.find("<span class=\"kst9999\">x</span>"), std::string::npos);
+}
+
+TEST_F(GetAsHTML, logsMergesOnRequestOnly) {
+    const host::Text text = joined({{u"a", bold}, {u"&", plain}, {u"b", boldItalic}});
+    for (const std::string wanted : {"", "1"}) {
+        ::setenv("KESTREL_LOG", wanted.c_str(), 1);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(html(text, {"", "", ""}), "a&amp;b");
+        ::unsetenv("KESTREL_LOG");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  wanted.empty() ? ""
+                                 : "Merging 2 fragments: 'a' + 'a&' \nMerging 2 fragments: 'a&' + 'a&b' \n");
+    }
+}
+
+TEST(HtmlAlignment, isReadFromTheFirstTag) {
+    const struct {
+        const char *css, *alignment;
+    } cases[] = {
+        {"<span style=\"text-align: center;\">x</span>", "center"},
+        {"<span style=\"color: #FF0000;text-align:full\">x</span>", "full"},
+        {"<span style=\"text-align: right;\"><i style=\"text-align: center;\">", "right"},
+        {"<span style=\"text-align: \";center\">", "left"},
+        {"<span style=\"text-align: ;center\">", "left"},
+        {"<span style=\"text-align: justify;\">", "left"},
+        {"<span style=\"text-align: full center\">", "center"}, // by the order of the words
+        {"<span>text-align: right;</span>", "left"},
+        {"text-align: right;", "left"},
+        {"", "left"},
+        {">", "left"},
+    };
+    for (const auto& [css, alignment] : cases)
+        EXPECT_EQ(parseAlignmentFromGetAsCSS(css), alignment) << css;
+}
+
+TEST(HtmlParagraphs, endWhereAReturnOrAnotherAlignmentSaysSo) {
+    using Ends = std::vector<bool>;
+    EXPECT_EQ(determineParagraphEnds({}, {}), Ends{});
+    EXPECT_EQ(determineParagraphEnds({13, 13, 0}, {"left", "left", "left"}), (Ends{true, true, false}));
+    EXPECT_EQ(determineParagraphEnds({0x2028, 0x2028, 0}, {"left", "right"}), (Ends{true, false, false}));
+    EXPECT_EQ(determineParagraphEnds({0}, {"left", "left", "full"}), (Ends{false, true, false}));
 }
 
 } // namespace
