@@ -1,15 +1,13 @@
 #include "Base64.h"
+#include "CommandOutput.h"
 #include "FunctionCalls.h"
 
-#include <array>
 #include <bitset>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <random>
+#include <unistd.h>
 
 /// Base64: the coder on bare arrays, and the two functions through the loaded library, both beside the
 /// system's `base64` and a coder that works bit by bit.
@@ -50,47 +48,20 @@ std::string decodedByBits(std::string characters) {
                         bytes.size() - static_cast<std::size_t>(std::count(last.begin(), last.end(), '=')));
 }
 
-/// A folder for files that the system's tool reads; gone at the end.
-class Folder {
-public:
-    Folder() { path_ = ::mkdtemp(path_.data()); }
-    ~Folder() { std::filesystem::remove_all(path_); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    void write(const std::string& name, std::string_view bytes) const {
-        std::ofstream(path_ + "/" + name, std::ios::binary) << bytes;
-    }
-    [[nodiscard]] std::string read(const std::string& name) const {
-        std::ifstream in(path_ + "/" + name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    /// Runs a command within the folder.
-    void run(const std::string& command) const {
-        // NOLINTNEXTLINE(cert-env33-c): the system's own tool is what we compare with
-        EXPECT_EQ(std::system(("cd '" + path_ + "' && " + command).c_str()), 0) << command;
-    }
-
-private:
-    std::string path_ = testing::TempDir() + "base64XXXXXX";
-};
+/// What the system's `base64` makes of the bytes.
+std::string madeByTheSystem(const std::string& options, std::string_view bytes) {
+    const std::string name = testing::TempDir() + "base64-" + std::to_string(::getpid());
+    std::ofstream(name, std::ios::binary) << bytes;
+    const std::string output = outputOf("base64 " + options + " '" + name + "' || echo failed");
+    std::filesystem::remove(name);
+    return output;
+}
 
 std::string randomBytes(std::mt19937& random, std::size_t size) {
     std::string bytes(size, '\0');
     for (char& byte : bytes)
         byte = static_cast<char>(random());
     return bytes;
-}
-
-TEST(Base64, knowsTheStandardsVectors) {
-    const struct {
-        const char *bytes, *characters;
-    } vectors[] = {{"f", "Zg=="},         {"fo", "Zm8="},         {"foo", "Zm9v"}, {"foob", "Zm9vYg=="},
-                   {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}, {"Man", "TWFu"}, {"\xC3\xA9", "w6k="}};
-    for (const auto& [bytes, characters] : vectors) {
-        EXPECT_EQ(encoded(bytes), characters);
-        EXPECT_EQ(decoded(characters), bytes);
-    }
 }
 
 TEST(Base64, answersWithoutInputOrWithoutADestination) {
@@ -119,24 +90,12 @@ TEST(Base64, decodesAnythingAsItsBitsSay) {
 }
 
 TEST(Base64, agreesWithTheSystemsToolOnEveryLength) {
-    constexpr std::size_t longest = 64;
     std::mt19937 random(64);
-    const Folder folder;
-    std::vector<std::string> inputs;
-    for (std::size_t size = 0; size <= longest; ++size) {
-        inputs.push_back(randomBytes(random, size));
-        folder.write(std::to_string(size), inputs.back());
-        folder.write(std::to_string(size) + ".ours", size == 0 ? "" : encoded(inputs.back()));
-    }
-    folder.run(
-        "for n in $(seq 0 64); do base64 -w0 $n >$n.theirs && base64 -d $n.ours >$n.back || exit 1; done");
-    for (std::size_t size = 0; size <= longest; ++size) {
-        const std::string name = std::to_string(size);
-        EXPECT_EQ(folder.read(name + ".back"), inputs[size]) << size;
-        if (size > 0) {
-            EXPECT_EQ(folder.read(name + ".theirs"), encoded(inputs[size])) << size;
-        }
-        EXPECT_EQ(decoded(folder.read(name + ".theirs")), inputs[size]) << size;
+    for (std::size_t size = 1; size <= 64; ++size) {
+        const std::string bytes = randomBytes(random, size), characters = encoded(bytes);
+        EXPECT_EQ(madeByTheSystem("-w0", bytes), characters);
+        EXPECT_EQ(madeByTheSystem("-d", characters), bytes) << characters;
+        EXPECT_EQ(decoded(characters), bytes) << characters;
     }
 }
 
@@ -179,14 +138,10 @@ TEST_F(Base64Functions, agreeWithTheSystemsToolOnAMegabyteOfText) {
     const Text text = longText();
     const std::string bytes = text.utf8();
     EXPECT_GE(bytes.size(), 1'000'000U);
-    const Folder folder;
-    folder.write("text", bytes);
-    folder.run("base64 -w0 text >theirs");
     const Text ours = encode(text);
-    EXPECT_TRUE(ours.utf8() == folder.read("theirs"));
+    EXPECT_TRUE(ours.utf8() == madeByTheSystem("-w0", bytes));
+    EXPECT_TRUE(madeByTheSystem("-d", ours.utf8()) == bytes);
     EXPECT_TRUE(decode(ours) == text);
-    folder.write("ours", ours.utf8());
-    folder.run("base64 -d ours | cmp - text");
 }
 
 TEST_F(Base64Functions, makeTheRoundTripInEveryNativeEncoding) {
@@ -212,12 +167,10 @@ TEST_F(Base64Functions, answerAndRecord) {
     } cases[] = {
         {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"\" )", "", unchanged},
         {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"\" )", "", unchanged},
-        {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"M\" )", "TQ==", unchanged},
         {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"é\" )", "w6k=", unchanged},
         {"Kestrel_Encode ( \"utf-8 TO base64\" ; 2024 )", "MjAyNA==", unchanged},
         {"Kestrel_Encode ( \"UTF-8 to Base64\" ; Left ( \"😀\" ; 1 ) )", "77+9", unchanged},
         {"Kestrel_Decode ( \"base64 to utf-8\" ; \"w6k=\" )", "é", unchanged},
-        {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"QQ==\" )", "A", unchanged},
         {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"TWFu¶TWFu\" )", "Man\0015\xEF\xBF\xBD", unchanged},
         {"Length ( Kestrel_Decode ( \"Base64 to UTF-8\" ; \"=\" ) )", "0", unchanged},
         {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"/w==\" )", "\xEF\xBF\xBD", unchanged},
@@ -237,16 +190,11 @@ TEST_F(Base64Functions, answerAndRecord) {
 }
 
 TEST_F(Base64Functions, takeExactlyTwoParameters) {
-    const Data selectors[] = {Data(u"UTF-8 to Base64"), Data(u"Base64 to UTF-8")};
-    const char16_t* const names[] = {u"Kestrel_Encode", u"Kestrel_Decode"};
-    for (int i = 0; i < 2; ++i)
-        for (std::size_t count = 0; count <= 4; ++count) {
-            if (count == 2) continue;
-            std::vector<Data> parameters(count, Data(u"TWFu"));
-            if (count > 0) parameters.front() = selectors[i];
-            const Answer answer = call(names[i], parameters);
-            EXPECT_EQ(answer.error, 0);
-            EXPECT_EQ(answer.value.asText().utf8(), "-50");
+    const std::pair<const char16_t*, Data> functions[] = {{u"Kestrel_Encode", Data(u"UTF-8 to Base64")},
+                                                          {u"Kestrel_Decode", Data(u"Base64 to UTF-8")}};
+    for (const auto& [name, selector] : functions)
+        for (const std::size_t count : {0U, 1U, 3U}) {
+            EXPECT_EQ(call(name, std::vector<Data>(count, selector)).value.asText().utf8(), "-50");
             EXPECT_EQ(lastError(), count < 2 ? "-50 Not enough parameters" : "-50 Too many parameters");
         }
 }

@@ -1,11 +1,10 @@
+#include "CommandOutput.h"
+
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -85,19 +84,11 @@ int runCalculations(const Block& block, const fs::path& document) {
     return count;
 }
 
-std::string outputOf(std::string command) {
+std::string outputAtTheRoot(std::string command) {
     const std::string door = "./kestrel ";
     if (command.starts_with(door)) command.replace(0, door.size(), "'" KESTREL_HOST_PATH "' ");
-    command = "{ cd '" KESTREL_SOURCE_DIR "' && export KESTREL_PLUGIN='" KESTREL_PLUGIN_PATH "' && " +
-              command + "; } 2>&1";
-    std::string output;
-    FILE* pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the documents' own commands
-    if (pipe == nullptr) return "cannot be run";
-    std::array<char, 4096> chunk{};
-    for (std::size_t size = 0; (size = std::fread(chunk.data(), 1, chunk.size(), pipe)) > 0;)
-        output.append(chunk.data(), size);
-    ::pclose(pipe);
-    return output;
+    return outputOf("{ cd '" KESTREL_SOURCE_DIR "' && export KESTREL_PLUGIN='" KESTREL_PLUGIN_PATH "' && " +
+                    command + "; } 2>&1");
 }
 
 /// Runs a block's commands ("$ …") and compares what follows each; gives how many there were.
@@ -109,7 +100,7 @@ int runCommands(const Block& block, const fs::path& document) {
         std::string expected;
         for (; i < block.lines.size() && !block.lines[i].starts_with("$ "); ++i)
             expected += block.lines[i] + "\n";
-        EXPECT_EQ(outputOf(command), expected) << document << ": " << command;
+        EXPECT_EQ(outputAtTheRoot(command), expected) << document << ": " << command;
         ++count;
     }
     return count;

@@ -1,3 +1,4 @@
+#include "CommandOutput.h"
 #include "StyledTexts.h"
 
 #include <algorithm>
@@ -101,18 +102,11 @@ protected:
         }
         const std::string quoted = "'" + folder.string();
         // Without the tests' own network, which a browser does not get along with.
-        const std::string command = "env -u LD_PRELOAD timeout 120 " + std::string(browser) +
-                                    " --headless --disable-gpu --disable-dev-shm-usage" +
-                                    (::geteuid() == 0 ? " --no-sandbox" : "") +
-                                    " --host-resolver-rules='MAP * ~NOTFOUND' --user-data-dir=" + quoted +
-                                    "/profile' --dump-dom " + quoted + "/pages.html' 2>/dev/null";
-        FILE* const pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the tester's own browser
-        if (pipe == nullptr) return {};
-        std::string page;
-        char buffer[65536];
-        for (std::size_t size = 0; (size = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            page.append(buffer, size);
-        ::pclose(pipe);
+        const std::string page = outputOf(
+            "env -u LD_PRELOAD timeout 120 " + std::string(browser) +
+            " --headless --disable-gpu --disable-dev-shm-usage" + (::geteuid() == 0 ? " --no-sandbox" : "") +
+            " --host-resolver-rules='MAP * ~NOTFOUND' --user-data-dir=" + quoted + "/profile' --dump-dom " +
+            quoted + "/pages.html' 2>/dev/null");
         const std::string mark = "<pre id=\"looks\">";
         const std::size_t start = page.find(mark);
         if (start == std::string::npos) return {};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+/// What a command of the machine writes to its standard output.
+inline std::string outputOf(const std::string& command) {
+    FILE* const pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the tests' own commands
+    if (pipe == nullptr) return "cannot be run";
+    std::string output;
+    std::array<char, 1 << 16> chunk{};
+    for (std::size_t size = 0; (size = std::fread(chunk.data(), 1, chunk.size(), pipe)) > 0;)
+        output.append(chunk.data(), size);
+    ::pclose(pipe);
+    return output;
+}
