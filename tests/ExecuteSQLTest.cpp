@@ -29,33 +29,30 @@ protected:
 };
 
 TEST_F(ExecuteSQL, answersCalculations) {
-    const struct {
-        const char *parameters, *result, *lastError;
-    } steps[] = {
-        {"\"VALUES ( 'a' , 'b' ) , ( 'c' , 'd' )\"", "a\tb\rc\td", "0 No Error Message"},
-        {"\"SELECT txt, num FROM t\" ; \"||\"", "a|.5\rb\t|\"|-12", "0 No Error Message"},
-        {"\"SELECT txt, num FROM t\" ; \"\" ; \"\"", "a\t.5\rb\t|\"\t-12", "0 No Error Message"},
-        {"\"SELECT num, num FROM t\" ; \", \" ; \"; \" ; \"ignored\"", ".5,.5;-12,-12", "0 No Error Message"},
-        {"\"SELECT num FROM t\" ; 12 ; 34", ".53-12", "0 No Error Message"},
-        {"\"SELECT d, h, m FROM t\" ; \" \" ; \"/\"", "2/29/2024 -1:00:05 2/29/2024 14:05:09/  ",
-         "0 No Error Message"},
+    const char *const none = "0 No Error Message", *const syntax = "8310 SQL Error",
+                      *const unknown = "8309 SQL Error";
+    expectSteps({
+        {"Kestrel_ExecuteSQL ( \"VALUES ( 'a' , 'b' ) , ( 'c' , 'd' )\" )", "a\tb\rc\td", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT txt, num FROM t\" ; \"||\" )", "a|.5\rb\t|\"|-12", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT txt, num FROM t\" ; \"\" ; \"\" )", "a\t.5\rb\t|\"\t-12", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT num, num FROM t\" ; \", \" ; \"; \" ; \"ignored\" )", ".5,.5;-12,-12",
+         none},
+        {"Kestrel_ExecuteSQL ( \"SELECT num FROM t\" ; 12 ; 34 )", ".53-12", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT d, h, m FROM t\" ; \" \" ; \"/\" )",
+         "2/29/2024 -1:00:05 2/29/2024 14:05:09/  ", none},
         // A container is its file's name, and SQL keeps none.
-        {"\"SELECT c, txt, c FROM t LIMIT 1\" ; \"|\"", "|a|", "0 No Error Message"},
-        {"\"SELECT txt FROM t WHERE num > 1\"", "", "0 No Error Message"},
-        {"\"VALUES ( NULL ) , ( NULL )\"", "\r", "0 No Error Message"},
-        {"\"SELEC\"", "8310", "8310 SQL Error"},
-        {"\"\"", "8310", "8310 SQL Error"},
-        {"\"SELECT txt FROM nowhere\"", "8309", "8309 SQL Error"},
-        {"\"SELECT \\\"txd\\\" FROM t\"", "8309", "8309 SQL Error"},
-        {"\"SELECT \\\"txt\\\" FROM t WHERE num = ?\"", "8309", "8309 SQL Error"},
-        {"\"UPDATE t SET num = num * 2\"", "", "0 No Error Message"},
-        {"\"DELETE FROM t WHERE num < 0 RETURNING txt\"", "b\t|\"", "0 No Error Message"},
-        {"\"SELECT num FROM t\"", "1", "0 No Error Message"},
-    };
-    for (const auto& [parameters, result, expectedError] : steps) {
-        EXPECT_EQ(textOf(std::string("Kestrel_ExecuteSQL ( ") + parameters + " )"), result) << parameters;
-        EXPECT_EQ(lastError(), expectedError) << parameters;
-    }
+        {"Kestrel_ExecuteSQL ( \"SELECT c, txt, c FROM t LIMIT 1\" ; \"|\" )", "|a|", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT txt FROM t WHERE num > 1\" )", "", none},
+        {"Kestrel_ExecuteSQL ( \"VALUES ( NULL ) , ( NULL )\" )", "\r", none},
+        {"Kestrel_ExecuteSQL ( \"SELEC\" )", "8310", syntax},
+        {"Kestrel_ExecuteSQL ( \"\" )", "8310", syntax},
+        {"Kestrel_ExecuteSQL ( \"SELECT txt FROM nowhere\" )", "8309", unknown},
+        {"Kestrel_ExecuteSQL ( \"SELECT \\\"txd\\\" FROM t\" )", "8309", unknown},
+        {"Kestrel_ExecuteSQL ( \"SELECT \\\"txt\\\" FROM t WHERE num = ?\" )", "8309", unknown},
+        {"Kestrel_ExecuteSQL ( \"UPDATE t SET num = num * 2\" )", "", none},
+        {"Kestrel_ExecuteSQL ( \"DELETE FROM t WHERE num < 0 RETURNING txt\" )", "b\t|\"", none},
+        {"Kestrel_ExecuteSQL ( \"SELECT num FROM t\" )", "1", none},
+    });
 }
 
 TEST_F(ExecuteSQL, givesTextOrTheNumberOfTheError) {

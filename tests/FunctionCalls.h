@@ -17,6 +17,18 @@ inline host::Solution solutionNamed(std::u16string name) {
     return solution;
 }
 
+inline std::u16string times(int count, const std::u16string& piece) {
+    std::u16string made;
+    for (; count > 0; --count)
+        made += piece;
+    return made;
+}
+
+/// What a calculation answers, and the last error that it leaves behind: nothing where it leaves that alone.
+struct Step {
+    const char *calculation, *result, *lastError = "";
+};
+
 /// Functions called with values that no calculation can write, and a store of globals that is empty before
 /// and after each test. The host may keep the library in memory from one test to the next.
 class FunctionCalls : public LoadedPlugIn {
@@ -38,6 +50,14 @@ protected:
     }
 
     void clearGlobals() { EXPECT_EQ(textOf("Kestrel_SetGlobal ( \"\" ; 1 )"), ""); }
+
+    void expectSteps(const std::vector<Step>& steps) {
+        for (const auto& [calculation, result, expectedError] : steps) {
+            textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"kept\" ] ; \"\" )");
+            EXPECT_EQ(textOf(calculation), result) << calculation;
+            EXPECT_EQ(lastError(), *expectedError == '\0' ? "7 kept" : expectedError) << calculation;
+        }
+    }
 
     Answer call(std::u16string_view name, const std::vector<host::Data>& arguments) {
         host::DataVect values;

@@ -3,8 +3,6 @@
 
 #include "cFMUtils.h"
 
-#include <cstdlib>
-#include <optional>
 #include <sstream>
 
 /// Values that outlive a calculation: the store itself, and the two functions through the loaded library.
@@ -82,41 +80,34 @@ TEST_F(Globals, keepEveryKindOfValueUnchanged) {
 }
 
 TEST_F(Globals, answerCalculations) {
-    const struct {
-        const char *calculation, *result, *lastError;
-    } steps[] = {
+    expectSteps({
         {"Kestrel_GetGlobal", "-50", "-50 Key must be specified"},
         {"Kestrel_SetGlobal", "-50", "-50 Key and value must be specified"},
         {"Kestrel_SetGlobal ( \"k\" )", "-50", "-50 Key and value must be specified"},
-        {"Kestrel_GetGlobal ( \"k\" )", "", ""},
-        {"Kestrel_SetGlobal ( \"k\" ; \"lower\" )", "lower", ""},
-        {"Kestrel_SetGlobal ( \"K\" ; \"upper\" )", "upper", ""},
-        {"Kestrel_SetGlobal ( \" k\" ; \"blank\" )", "blank", ""},
+        {"Kestrel_GetGlobal ( \"k\" )", ""},
+        {"Kestrel_SetGlobal ( \"k\" ; \"lower\" )", "lower"},
+        {"Kestrel_SetGlobal ( \"K\" ; \"upper\" )", "upper"},
+        {"Kestrel_SetGlobal ( \" k\" ; \"blank\" )", "blank"},
         {"Kestrel_GetGlobal ( \"k\" ) & Kestrel_GetGlobal ( \"K\" ) & Kestrel_GetGlobal ( \" k\" )",
-         "lowerupperblank", ""},
-        {"Kestrel_GetGlobal ( \"k\" ; \"ignored\" ; 1 )", "lower", ""},
-        {"Kestrel_GetGlobal ( \"k \" )", "", ""},
-        {"Kestrel_GetGlobal ( \"\" )", "", ""},
+         "lowerupperblank"},
+        {"Kestrel_GetGlobal ( \"k\" ; \"ignored\" ; 1 )", "lower"},
+        {"Kestrel_GetGlobal ( \"k \" )", ""},
+        {"Kestrel_GetGlobal ( \"\" )", ""},
         {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"die on close\" )", "-50",
          "-50 Unknown value of parameter moreOptions"},
         {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"\" )", "-50", "-50 Unknown value of parameter moreOptions"},
-        {"Kestrel_GetGlobal ( \"k\" )", "lower", ""},
-        {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"DieOnClose\" ; \"ignored\" )", "new", ""},
-        {"Kestrel_GetGlobal ( \"k\" )", "new", ""},
-        {"Kestrel_SetGlobal ( \"k\" ; \"\" ; \"invalid\" )", "", ""},
-        {"Kestrel_GetGlobal ( \"k\" )", "", ""},
-        {"Kestrel_SetGlobal ( \"none\" ; \"\" )", "", ""},
+        {"Kestrel_GetGlobal ( \"k\" )", "lower"},
+        {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"DieOnClose\" ; \"ignored\" )", "new"},
+        {"Kestrel_GetGlobal ( \"k\" )", "new"},
+        {"Kestrel_SetGlobal ( \"k\" ; \"\" ; \"invalid\" )", ""},
+        {"Kestrel_GetGlobal ( \"k\" )", ""},
+        {"Kestrel_SetGlobal ( \"none\" ; \"\" )", ""},
         // A key that is a number or a date is its text.
-        {"Kestrel_SetGlobal ( 007 ; Date ( 2 ; 3 ; 2024 ) )", "2/3/2024", ""},
-        {"Kestrel_ValueType ( Kestrel_GetGlobal ( \"7\" ) )", "Date", ""},
-        {"Kestrel_SetGlobal ( \"\" ; \"x\" ; \"invalid\" )", "", ""},
-        {"Kestrel_GetGlobal ( \"K\" ) & Kestrel_GetGlobal ( 7 )", "", ""},
-    };
-    for (const auto& [calculation, result, expectedError] : steps) {
-        textOf("Let ( [ $$Kestrel_LastError = \"\" ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
-        EXPECT_EQ(textOf(calculation), result) << calculation;
-        EXPECT_EQ(lastError(), std::string(expectedError).empty() ? " " : expectedError) << calculation;
-    }
+        {"Kestrel_SetGlobal ( 007 ; Date ( 2 ; 3 ; 2024 ) )", "2/3/2024"},
+        {"Kestrel_ValueType ( Kestrel_GetGlobal ( \"7\" ) )", "Date"},
+        {"Kestrel_SetGlobal ( \"\" ; \"x\" ; \"invalid\" )", ""},
+        {"Kestrel_GetGlobal ( \"K\" ) & Kestrel_GetGlobal ( 7 )", ""},
+    });
 }
 
 TEST_F(Globals, areOneStoreForAllFiles) {
@@ -172,49 +163,6 @@ TEST_F(Globals, outliveShutdown) {
     EXPECT_EQ(liveData(), 1);
     ASSERT_EQ(plugIn.init(), 60);
     EXPECT_EQ(textOf("Kestrel_GetGlobal ( \"k\" )"), "5");
-}
-
-TEST(GlobalsAtTheEnd, goWithTheLibrary) {
-    // Whether the library really goes is the loader's choice; if it stays, so do the values.
-    const host::ObjectCounts before = host::objectCounts();
-    host::Session session;
-    session.open(host::Solution{});
-    std::optional<host::PlugIn> plugIn(std::in_place, session, KESTREL_PLUGIN_PATH);
-    plugIn->init();
-    session.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 ) & Kestrel_SetGlobal ( \"k\" ; 5 )");
-    plugIn.reset();
-    const std::string left = (host::objectCounts() - before).describe();
-    plugIn.emplace(session, KESTREL_PLUGIN_PATH).init();
-    const host::calc::Result value = session.evaluate(u"Kestrel_GetGlobal ( \"k\" )");
-    EXPECT_EQ(left, value.value->asText().utf8() == "5" ? "1 Data" : "");
-    session.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 )");
-    EXPECT_EQ((host::objectCounts() - before).describe(), "");
-}
-
-/// How a process may end while the store holds values.
-enum class End : std::uint8_t { plainExit, shutDown, unloaded, unloadedAndLoadedAgain };
-
-[[noreturn]] void endAs(End end) {
-    static std::optional<host::Session> session;
-    static std::optional<host::PlugIn> plugIn;
-    session.emplace();
-    session->open(host::Solution{});
-    plugIn.emplace(*session, KESTREL_PLUGIN_PATH);
-    plugIn->init();
-    for (const char* key : {"1", "2", "3"})
-        session->evaluate(host::fromUtf8(std::string("Kestrel_SetGlobal ( ") + key +
-                                         " ; TextStyleAdd ( \"v\" ; Bold ) ; \"dieonclose\" )"));
-    const bool stored = session->evaluate(u"Kestrel_GetGlobal ( 2 )").value->asText().utf8() == "v";
-    if (end == End::shutDown) plugIn->shutdown();
-    if (end == End::unloaded || end == End::unloadedAndLoadedAgain) plugIn.reset();
-    if (end == End::unloadedAndLoadedAgain) plugIn.emplace(*session, KESTREL_PLUGIN_PATH).init();
-    std::exit(stored ? 0 : 1);
-}
-
-TEST(GlobalsAtTheEnd, letTheProcessGo) {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe"; // a process that has not loaded the library before
-    for (const End end : {End::plainExit, End::shutDown, End::unloaded, End::unloadedAndLoadedAgain})
-        EXPECT_EXIT(endAs(end), testing::ExitedWithCode(0), "") << static_cast<int>(end);
 }
 
 class Store : public testing::Test {
@@ -322,29 +270,12 @@ TEST_F(Store, cleansWhatIsBoundToClosedFiles) {
 }
 
 TEST(KeysInTheLog, areUtf8) {
-    const struct {
-        kst::u16string key;
-        const char* utf8;
-    } cases[] = {
-        {u"", ""},
-        {u"plain", "plain"},
-        {u"\u007F\u0080\u07FF\u0800\uFFFF", "\u007F\u0080\u07FF\u0800\uFFFF"},
-        {u"\U00010000\U0010FFFF", "\U00010000\U0010FFFF"},
-        {{0xD800}, "\uFFFD"},
-        {{0xDC00, 0xD800}, "\uFFFD\uFFFD"},
-        {{0xD800, 0xD83D, 0xDE00, u'x'}, "\uFFFD\U0001F600x"},
-    };
-    for (const auto& [key, utf8] : cases) {
-        std::ostringstream stream;
-        kst::operator<<(stream, key);
-        EXPECT_EQ(stream.str(), utf8);
-    }
-}
-
-TEST(TheCleaningTimer, asksForANewLook) {
-    kst::gStatusChecked = true;
-    kst::TimerCallback(nullptr, nullptr);
-    EXPECT_FALSE(kst::gStatusChecked);
+    using kst::operator<<;
+    std::ostringstream stream;
+    stream << kst::u16string(u"\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF") << '|'
+           << kst::u16string{0xD800, 0xD83D, 0xDE00, u'x', 0xDC00, 0xD800};
+    EXPECT_EQ(stream.str(),
+              "\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF|\uFFFD\U0001F600x\uFFFD\uFFFD");
 }
 
 } // namespace

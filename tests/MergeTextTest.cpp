@@ -17,58 +17,39 @@ CharacterStyle faces(std::uint16_t which) {
     return style;
 }
 
-struct Letter {
-    char16_t unit = 0;
-    CharacterStyle look;
-    bool operator==(const Letter&) const = default;
-};
-using Letters = std::vector<Letter>;
-
-Letters lettersOf(const Text& text) {
-    Letters letters;
-    for (std::uint32_t i = 0; i < text.size(); ++i)
-        letters.push_back({text.units()[i], text.lookAt(i).style});
-    return letters;
-}
-
-Text textFrom(const Letters& letters) {
-    Text text;
-    for (const Letter& letter : letters)
-        text.append(std::u16string(1, letter.unit), {letter.look, {}});
-    return text;
-}
-
 /// The merge, slow and simple.
 class SlowMerge {
 public:
     explicit SlowMerge(host::Session& session) : session_(session) {}
 
-    Letters operator()(const Letters& source) const {
-        Letters output;
+    Text operator()(const Text& source) const {
+        const std::u16string_view units = source.units();
+        const auto isPair = [&](std::u16string_view pair, std::size_t at) {
+            return at < units.size() && units.substr(at, 2) == pair;
+        };
+        Text output;
         const auto copy = [&](std::size_t from, std::size_t to) {
-            for (; from < to; ++from)
-                output.push_back(source[from]);
+            output.append(source, static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to - from));
         };
         std::size_t at = 0;
         for (;;) {
-            const std::size_t open = find(source, u'<', at), close = find(source, u'>', at);
-            if (open == none || close == none) break;
+            const std::size_t open = units.find(u"<<", at), close = units.find(u">>", at);
+            if (open == units.npos || close == units.npos) break;
             if (open > close) {
                 copy(at, open + 2);
                 at = open + 2;
                 continue;
             }
             std::size_t begin = open;
-            while (isPair(source, u'<', begin + 1))
+            while (isPair(u"<<", begin + 1))
                 ++begin;
             copy(at, begin);
-            for (const Letter& letter : filled({source.begin() + static_cast<std::ptrdiff_t>(begin) + 2,
-                                                source.begin() + static_cast<std::ptrdiff_t>(close)},
-                                               source[begin + 2].look))
-                output.push_back(letter);
+            const auto first = static_cast<std::uint32_t>(begin + 2);
+            output.append(filled(source.substring(first, static_cast<std::uint32_t>(close) - first),
+                                 source.lookAt(first).style));
             std::size_t end = close;
-            for (; isPair(source, u'>', end + 1); ++end)
-                output.push_back(source[end]);
+            for (; isPair(u">>", end + 1); ++end)
+                copy(end, end + 1);
             at = end + 2;
         }
         copy(at, source.size());
@@ -76,31 +57,18 @@ public:
     }
 
 private:
-    static constexpr std::size_t none = static_cast<std::size_t>(-1);
-
-    static bool isPair(const Letters& text, char16_t unit, std::size_t at) {
-        return at + 1 < text.size() && text[at].unit == unit && text[at + 1].unit == unit;
-    }
-    static std::size_t find(const Letters& text, char16_t unit, std::size_t from) {
-        for (; from < text.size(); ++from)
-            if (isPair(text, unit, from)) return from;
-        return none;
-    }
-
-    Letters filled(const Letters& expression, const CharacterStyle& look) const {
-        const host::calc::Result result = session_.evaluate(textFrom(expression).units());
-        Letters letters;
+    Text filled(const Text& expression, const CharacterStyle& look) const {
+        const host::calc::Result result = session_.evaluate(expression.units());
+        Text text(u"<<");
         if (result.error == 0) {
-            letters = lettersOf(result.value->asText());
-            if (!letters.empty() && !letters.front().look.isAllDisabled()) return letters;
+            text = result.value->asText();
+            if (!text.empty() && !text.lookAt(0).style.isAllDisabled()) return text;
         } else {
-            letters = expression;
-            letters.insert(letters.begin(), 2, {u'<', {}});
-            letters.insert(letters.end(), 2, {u'>', {}});
+            text.append(expression);
+            text.append(Text(u">>"));
         }
-        for (Letter& letter : letters)
-            letter.look.apply(look);
-        return letters;
+        text.applyStyle(look);
+        return text;
     }
 
     host::Session& session_;
@@ -117,30 +85,13 @@ protected:
 };
 
 TEST_F(MergeText, agreesWithASlowMergeOnRandomTemplates) {
-    const std::u16string half{0xD83D};
-    const std::u16string pieces[] = {u"<",
-                                     u"<",
-                                     u"<<",
-                                     u"<<",
-                                     u">",
-                                     u">",
-                                     u">>",
-                                     u">>",
-                                     u"1+2",
-                                     u"\"x\"",
-                                     u"TextStyleAdd ( \"ab\" ; Bold ) & \"c\"",
-                                     u"\"c\" & TextStyleAdd ( \"ab\" ; Bold )",
-                                     u"\"\"",
-                                     u"+",
-                                     u" ",
-                                     u"text",
-                                     u"\U0001F600",
-                                     half,
-                                     u"\r",
-                                     u"$none",
-                                     u"\"<<\"",
-                                     u"<<1>>",
-                                     u"<<\"é\">>"};
+    const std::u16string half{0xD83D}, boldFirst = u"TextStyleAdd ( \"ab\" ; Bold ) & \"c\"",
+                                       boldLast = u"\"c\" & TextStyleAdd ( \"ab\" ; Bold )";
+    const std::u16string pieces[] = {
+        u"<",     u"<",     u">",      u">",         u"+",          u" ",      half,     u"<<",
+        u"<<",    u">>",    u">>",     u"\r",        u"1+2",        u"\"\"",   u"text",  u"\"x\"",
+        u"$none", u"<<1>>", u"\"<<\"", u"<<\"é\">>", u"\U0001F600", boldFirst, boldLast,
+    };
     const CharacterStyle looks[] = {{},
                                     faces(host::face::bold),
                                     faces(host::face::italic),
@@ -155,10 +106,9 @@ TEST_F(MergeText, agreesWithASlowMergeOnRandomTemplates) {
             if (random() % 3 == 0) look = &looks[random() % std::size(looks)];
             source.append(Text(pieces[random() % std::size(pieces)], {*look, {}}));
         }
-        const Letters expected = slowly(lettersOf(source));
-        const Text answer = merged(source);
-        ASSERT_TRUE(lettersOf(answer) == expected)
-            << source.utf8() << "\ngives " << answer.utf8() << "\nnot   " << textFrom(expected).utf8();
+        const Text expected = slowly(source), answer = merged(source);
+        ASSERT_TRUE(answer.isIdenticalTo(expected))
+            << source.utf8() << "\ngives " << answer.utf8() << "\nnot   " << expected.utf8();
         evaluations += answer == source ? 0 : 1;
     }
     EXPECT_GT(evaluations, 1'000);

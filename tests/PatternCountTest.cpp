@@ -21,12 +21,6 @@ protected:
 };
 
 TEST_F(PatternCount, readsTheFirst1023Bytes) {
-    const auto times = [](int number, const std::u16string& piece) {
-        std::u16string made;
-        for (; number > 0; --number)
-            made += piece;
-        return made;
-    };
     const struct {
         const char* what;
         std::u16string text, pattern;

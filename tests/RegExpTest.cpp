@@ -1,4 +1,5 @@
 #include "FunctionCalls.h"
+#include "StyledTexts.h"
 
 #include "host/values/Style.h"
 
@@ -59,28 +60,20 @@ std::wstring substitutedSlowly(const std::wstring& text, const std::wstring& pat
 
 class RegExp : public FunctionCalls {
 protected:
-    std::string substituted(const std::u16string& text, const std::u16string& pattern,
-                            const std::u16string& replacement = u"X") {
-        return call(u"Kestrel_RegExp_Substitute", {Data(text), Data(pattern), Data(replacement)})
-            .value.asText()
-            .utf8();
-    }
-    Text styledSubstitute(const Text& text, const Text& pattern, const Text& replacement) {
+    Text substituted(const Text& text, const Text& pattern, const Text& replacement = u"X") {
         return call(u"Kestrel_RegExp_Substitute", {Data(text), Data(pattern), Data(replacement)})
             .value.asText();
     }
     /// The last error of a call that is expected to fail with 2400.
     std::string failure(const std::u16string& text, const std::u16string& pattern) {
         textOf("Let ( [ $$Kestrel_LastError = \"\" ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
-        const std::string result = substituted(text, pattern);
+        const std::string result = substituted(text, pattern).utf8();
         return result == "2400" ? lastError() : "no failure: " + result.substr(0, 40);
     }
 };
 
 TEST_F(RegExp, answersCalculations) {
-    const struct {
-        const char *calculation, *result;
-    } rows[] = {
+    expectSteps({
         {R"~(Kestrel_RegExp_Substitute ( "a1b a2b" ; "a(\\d)b" ; "X" ))~", "aX aXb"},
         {R"~(Kestrel_RegExp_Substitute ( "2024-05-06" ; "(\\d+)-(\\d+)-(\\d+)" ; "Y" ; "M" ; "D" ))~",
          "Y-M-D"},
@@ -104,11 +97,7 @@ TEST_F(RegExp, answersCalculations) {
         {R"~(Kestrel_RegExp_PatternCount ( "aaa" ; "(?i)A" ; "ignored" ))~", "3"},
         {R"~(Length ( Kestrel_RegExp_PatternCount ( "aaa" ; "b" ) ) & Kestrel_ValueType ( Kestrel_RegExp_PatternCount ( "a" ; "a" ) ))~",
          "1Text"},
-    };
-    for (const auto& [calculation, result] : rows)
-        EXPECT_EQ(textOf(calculation), result) << calculation;
-    EXPECT_EQ(lastError(), " ");
-
+    });
     for (const std::vector<Data>& tooFew : {std::vector<Data>{}, {Data(u"a")}, {Data(u"a"), Data(u"b")}}) {
         EXPECT_EQ(call(u"Kestrel_RegExp_Substitute", tooFew).value.asNumber(), host::Decimal(-50));
         EXPECT_EQ(lastError(), "-50 At least three parameters needed");
@@ -126,17 +115,14 @@ TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
     } rows[] = {
         // One group in another: the second begins before the place that is reached.
         {u"-ab-", u"((a)b)", {Data(u"1"), Data(u"2")}, "-12-"},
-        {u"-abc-", u"((a)bc)", {Data(u"1"), Data(u"2")}, "-12-"},
         {u"-abcd-", u"((a)b(c))d", {Data(u"1"), Data(u"2"), Data(u"3")}, "-12b3d-"},
         // Groups that took no part.
         {u"ac", u"(a)(b)?(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "13"},
         {u"ac", u"(b)?(a)(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "ac"},
-        {u"ac", u"(a)(?!(b))", {Data(u"1"), Data(u"2")}, "1c"},
         // A later group that is empty.
         {u"ac", u"(a)(b*)(c)", {Data(u"1"), Data(u"2"), Data(u"3")}, "123"},
         // Nothing matched, but a group that looks ahead.
         {u"aab", u"(?=(a))", {Data(u"X")}, "XaXab"},
-        {u"aab", u"(?=(b))", {Data(u"X")}, "aaXb"},
         {u"ab", u"a(?=(b))", {Data(u"X")}, "aXb"},
         // Anchors and borders of words see what stands before.
         {u"aaa", u"^(a)", {Data(u"X")}, "Xaa"},
@@ -145,9 +131,7 @@ TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
         {u"aa a", u"\\b(a)", {Data(u"X")}, "Xa X"},
         {u"aa a", u"\\B(a)", {Data(u"X")}, "aX a"},
         {u"a.a\n", u"(.)", {Data(u"X")}, "XXX\n"},
-        {u"a.a", u"([.])", {Data(u"X")}, "aXa"},
         {u"a]b.", u"([\\].])", {Data(u"X")}, "aXbX"},
-        {u"a^b", u"(\\^)", {Data(u"X")}, "aXb"},
         {u"a^b", u"([b^])", {Data(u"X")}, "aXX"},
         {u"aB", u"([[:lower:]])", {Data(u"X")}, "XB"},
         {u"a:b.", u"([[:alpha:].])", {Data(u"X")}, "X:XX"},
@@ -228,38 +212,35 @@ TEST_F(RegExp, doesAsASlowImplementationDoes) {
 }
 
 TEST_F(RegExp, reportsMalformedPatterns) {
-    for (const char16_t* pattern : {u"(",
-                                    u")",
-                                    u"a)",
-                                    u"[",
-                                    u"[a",
-                                    u"[[:nothing:]]",
-                                    u"[b-",
-                                    u"*",
-                                    u"(a)**",
-                                    u"a{2,1}",
-                                    u"a{",
-                                    u"\\",
-                                    u"\\2(a)",
-                                    u"(?<n>a)",
-                                    u"\\99999999999",
-                                    u"(a){99999999999}",
-                                    u"[[.nothing.]]",
-                                    u"[[:alpha",
-                                    u"(?",
-                                    u"(?="}) {
+    const char16_t* const patterns[] = {
+        u"(",
+        u")",
+        u"a)",
+        u"[",
+        u"[a",
+        u"[[:nothing:]]",
+        u"[b-",
+        u"*",
+        u"(a)**",
+        u"a{2,1}",
+        u"a{",
+        u"\\",
+        u"\\2(a)",
+        u"(?<n>a)",
+        u"\\99999999999",
+        u"(a){99999999999}",
+        u"[[.nothing.]]",
+        u"[[:alpha",
+        u"(?",
+        u"(?=",
+    };
+    for (const char16_t* const pattern : patterns) {
         const std::string error = failure(u"some text", pattern);
         EXPECT_TRUE(error.starts_with("2400 ")) << host::toUtf8(pattern) << ": " << error;
     }
 }
 
 TEST_F(RegExp, endsWhateverThePattern) {
-    const auto times = [](int count, const std::u16string& piece) {
-        std::u16string made;
-        for (; count > 0; --count)
-            made += piece;
-        return made;
-    };
     const std::u16string as(4'000, u'a');
     const struct {
         const char* what;
@@ -287,23 +268,21 @@ TEST_F(RegExp, endsWhateverThePattern) {
     for (const auto& row : rows)
         EXPECT_EQ(failure(row.text, row.pattern), row.error) << row.what;
     // The bounds are beyond what is in use.
-    EXPECT_EQ(substituted(u"a", times(200, u"(") + u"a" + times(200, u")")), "X");
-    EXPECT_EQ(substituted(u"ab", u"(b)" + times(900, u"c?|a")).substr(0, 1), "c");
-    EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"(" + times(9'998, u"a") + u")"), "Xaa");
+    EXPECT_EQ(substituted(u"a", times(200, u"(") + u"a" + times(200, u")")).utf8(), "X");
+    EXPECT_EQ(substituted(u"ab", u"(b)" + times(900, u"c?|a")).units().substr(0, 1), u"c");
+    EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"(" + times(9'998, u"a") + u")").utf8(), "Xaa");
 }
 
 TEST_F(RegExp, doesHonestWorkOfAnyLength) {
-    std::u16string text;
-    while (text.size() < 1'000'000)
-        text += u"lorem 12 ipsum dolor\r";
-    const std::string result = substituted(text, u"(\\d+) ", u"n");
+    const std::u16string text = times(50'000, u"lorem 12 ipsum dolor\r");
+    const std::string result = substituted(text, u"(\\d+) ", u"n").utf8();
     EXPECT_EQ(result.size(), text.size() / 21 * 19 + 1);
     EXPECT_TRUE(result.starts_with("lorem nipsum dolor\rlorem nipsum"));
     // So far to the first match that the search goes on step by step.
     const std::u16string far = std::u16string(1'100'000, u'x') + u"a1 a1a";
-    EXPECT_EQ(substituted(far, u"(?:^|\\b)(a)(?=\\d)").substr(1'100'000), "a1 X1a");
+    EXPECT_EQ(substituted(far, u"(?:^|\\b)(a)(?=\\d)").units().substr(1'100'000), u"a1 X1a");
     // One match from end to end.
-    EXPECT_EQ(substituted(std::u16string(200'000, u'a'), u"(.*)", u"X"), "X");
+    EXPECT_EQ(substituted(std::u16string(200'000, u'a'), u"(.*)").utf8(), "X");
 }
 
 /// Every look in turn: on the pattern and on the middle of the text.
@@ -312,12 +291,7 @@ std::vector<host::CharacterStyle> allStyles() {
     styles[0].setFont(1);
     styles[1].setSize(24);
     styles[2].setColor({255, 0, 0, 255});
-    for (const std::uint16_t face :
-         {host::face::bold, host::face::italic, host::face::underline, host::face::outline,
-          host::face::highlight, host::face::condense, host::face::extend, host::face::strikethrough,
-          host::face::smallCaps, host::face::superscript, host::face::subscript, host::face::uppercase,
-          host::face::lowercase, host::face::titlecase, host::face::wordUnderline,
-          host::face::doubleUnderline})
+    for (const std::uint16_t face : everyFace)
         styles.emplace_back().setFaces(face);
     return styles;
 }
@@ -341,28 +315,26 @@ TEST_F(RegExp, replacesOnlyInThePatternsStyle) {
         Text expected = withStyle(u"a1 a", styles[i], 3, 1);
         expected.append(replacement);
         expected.append(Text(u" a3"));
-        EXPECT_TRUE(styledSubstitute(text, pattern, replacement).isIdenticalTo(expected)) << i;
+        EXPECT_TRUE(substituted(text, pattern, replacement).isIdenticalTo(expected)) << i;
 
         // Another style, one trait more, or a style elsewhere in the match: copied as it was.
         for (const host::CharacterStyle& other : {styles[(i + 1) % styles.size()], ofReplacement}) {
-            EXPECT_TRUE(styledSubstitute(text, withStyle(u"a(\\d)", other), replacement).isIdenticalTo(text))
-                << i;
+            EXPECT_TRUE(substituted(text, withStyle(u"a(\\d)", other), replacement).isIdenticalTo(text)) << i;
             Text more = withStyle(u"a1", other);
             more.applyStyle(styles[i]);
             const bool isTheSame = more.lookAt(0).style == styles[i];
-            EXPECT_TRUE(isTheSame || styledSubstitute(more, pattern, replacement).isIdenticalTo(more)) << i;
+            EXPECT_TRUE(isTheSame || substituted(more, pattern, replacement).isIdenticalTo(more)) << i;
         }
         const Text late = withStyle(u"a1", styles[i], 1, 1);
-        EXPECT_TRUE(styledSubstitute(late, pattern, replacement).isIdenticalTo(late)) << i;
+        EXPECT_TRUE(substituted(late, pattern, replacement).isIdenticalTo(late)) << i;
 
         // A plain pattern does not ask.
-        Text everywhere = Text(u"a");
-        everywhere.append(replacement);
-        everywhere.append(withStyle(u" a", styles[i], 1, 1));
-        everywhere.append(replacement);
-        everywhere.append(Text(u" a"));
-        everywhere.append(replacement);
-        EXPECT_TRUE(styledSubstitute(text, Text(u"a(\\d)"), replacement).isIdenticalTo(everywhere)) << i;
+        Text everywhere;
+        for (const Text& before : {Text(u"a"), withStyle(u" a", styles[i], 1, 1), Text(u" a")}) {
+            everywhere.append(before);
+            everywhere.append(replacement);
+        }
+        EXPECT_TRUE(substituted(text, Text(u"a(\\d)"), replacement).isIdenticalTo(everywhere)) << i;
     }
 }
 
@@ -371,8 +343,8 @@ TEST_F(RegExp, addsThePatternsEndWithoutItsStyle) {
     bold.setFaces(host::face::bold);
     Text expected(u"b");
     expected.append(withStyle(u"xyz", bold));
-    EXPECT_TRUE(styledSubstitute(withStyle(u"xyz", bold), withStyle(u"(a)b", bold), Text(u"X"))
-                    .isIdenticalTo(expected));
+    EXPECT_TRUE(
+        substituted(withStyle(u"xyz", bold), withStyle(u"(a)b", bold), Text(u"X")).isIdenticalTo(expected));
 }
 
 } // namespace

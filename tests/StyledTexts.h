@@ -13,6 +13,12 @@
 
 /// Random styled texts, and how a test gets them into Kestrel_GetAsHTML.
 
+inline constexpr std::array everyFace{
+    host::face::bold,      host::face::italic,      host::face::underline,     host::face::highlight,
+    host::face::condense,  host::face::extend,      host::face::strikethrough, host::face::smallCaps,
+    host::face::uppercase, host::face::superscript, host::face::subscript,     host::face::lowercase,
+    host::face::titlecase, host::face::outline,     host::face::wordUnderline, host::face::doubleUnderline};
+
 /// A number from the environment, for a run that wants more than the ordinary one.
 inline unsigned numberFromEnvironment(const char* name, unsigned otherwise) {
     const char* const value = std::getenv(name);
@@ -47,15 +53,10 @@ private:
 
     host::CharacterStyle style() {
         using namespace host;
-        constexpr std::array faces{
-            face::bold,      face::italic,      face::underline,     face::highlight,
-            face::condense,  face::extend,      face::strikethrough, face::smallCaps,
-            face::uppercase, face::superscript, face::subscript,     face::lowercase,
-            face::titlecase, face::outline,     face::wordUnderline, face::doubleUnderline};
         CharacterStyle style;
         if (oneIn(4)) return style;
         std::uint16_t chosen = 0;
-        for (const std::uint16_t bits : faces)
+        for (const std::uint16_t bits : everyFace)
             if (oneIn(6)) chosen |= bits;
         if (chosen != 0) style.setFaces(chosen);
         if (oneIn(8)) style.enableFace(face::bold); // said, and perhaps said to be off
