@@ -178,16 +178,6 @@ TEST_F(Base64Functions, answerAndRecord) {
     EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Decode ( \"7\" ; 7 ) )"), "Number");
 }
 
-TEST_F(Base64Functions, takeExactlyTwoParameters) {
-    const std::pair<const char16_t*, Data> functions[] = {{u"Kestrel_Encode", Data(u"UTF-8 to Base64")},
-                                                          {u"Kestrel_Decode", Data(u"Base64 to UTF-8")}};
-    for (const auto& [name, selector] : functions)
-        for (const std::size_t count : {0U, 1U, 3U}) {
-            EXPECT_EQ(call(name, std::vector<Data>(count, selector)).value.asText().utf8(), "-50");
-            EXPECT_EQ(lastError(), count < 2 ? "-50 Not enough parameters" : "-50 Too many parameters");
-        }
-}
-
 TEST_F(Base64Functions, passZerosOnAndCutTextsAtThem) {
     EXPECT_EQ(encode(std::u16string(u"ab\0c", 4)).utf8(), "YWI=");
     // Nothing is left to encode then; the coder still gives its one group.

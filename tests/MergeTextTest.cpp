@@ -217,11 +217,6 @@ TEST_F(MergeText, readsItsFirstParameterAndLeavesTheLastErrorAlone) {
     EXPECT_EQ(textOf("Kestrel_MergeText ( \"<<1+>>\" )"), "<<1+>>");
     EXPECT_EQ(call(u"Kestrel_MergeText", {Data(u"<<1>>"), Data(u"<<2>>")}).value.asText().utf8(), "1");
     EXPECT_EQ(lastError(), "7 kept");
-    const Answer answer = call(u"Kestrel_MergeText", {});
-    EXPECT_EQ(answer.error, 0);
-    EXPECT_EQ(answer.value.nativeType(), host::DataType::number);
-    EXPECT_EQ(answer.value.asText().utf8(), "-50");
-    EXPECT_EQ(lastError(), "-50 Not enough parameters");
 }
 
 } // namespace

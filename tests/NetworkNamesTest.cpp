@@ -81,20 +81,6 @@ TEST_F(NetworkNames, leaveTheLastErrorAloneWhenTheyAreNotFound) {
     EXPECT_EQ(lastError(), "7 old");
 }
 
-TEST_F(NetworkNames, mustBeGiven) {
-    const struct {
-        const char16_t* function;
-        const char* error;
-    } cases[] = {{u"Kestrel_GetIPforName", "-50 Host name is not specified"},
-                 {u"Kestrel_GetNameForIP", "-50 IP address is not specified"}};
-    for (const auto& [function, error] : cases) {
-        const Answer answer = call(function, {});
-        EXPECT_EQ(answer.error, 0);
-        EXPECT_EQ(answer.value.asNumber(), host::Decimal(-50));
-        EXPECT_EQ(lastError(), error);
-    }
-}
-
 TEST_F(NetworkNames, costNoDescriptors) {
     textOf("Kestrel_GetIPforName ( \"localhost\" ) & Kestrel_GetNameForIP ( \"127.0.0.1\" )");
     const std::size_t before = openDescriptors();

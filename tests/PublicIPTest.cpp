@@ -22,10 +22,6 @@ const std::string kNotAvailable = "Public IP is not available";
 class PublicIP : public LoadedPlugIn {
 protected:
     std::string ask() { return textOf("Kestrel_GetClientPublicIPAddress"); }
-    std::string askAll(const Behaviour& behaviour) {
-        WebServices services(behaviour);
-        return ask();
-    }
     static double secondsOf(const std::function<void()>& action) {
         const auto start = Clock::now();
         action();
@@ -50,7 +46,6 @@ TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
         {2, kHeaders + "\r\n\r\n1234.1.1.1", "-8"},
         {2, kHeaders + "\r\n\r\n1.1.1.1234", "-8"},
         {2, kHeaders + "\r\n\r\n255.255.255.255.", "-8"},
-        {2, kHeaders + "\r\n\r\n", "-8"},
         {2, kHeaders + "\r\n", "-8"},
         {2, kHeaders + std::string("\0\r\n\r\n1.2.3.4", 12), "-8"},
         {2, "1.2.3.4", "-8"},
@@ -95,17 +90,15 @@ TEST_F(PublicIP, isAskedForPlainly) {
     EXPECT_EQ(services.lastRequest(), "GET / HTTP/1.1\r\nHost: v4.ident.me\r\n\r\n");
 }
 
-TEST_F(PublicIP, leavesTheLastErrorAloneWhenItIsFound) {
+TEST_F(PublicIP, leavesParametersAndTheLastErrorAlone) {
     textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"old\" ] ; \"\" )");
-    EXPECT_EQ(askAll({Kind::answers, "\r\n\r\n203.0.113.7"}), "203.0.113.7");
+    {
+        WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
+        EXPECT_EQ(textOf("Kestrel_GetClientPublicIPAddress ( 9 ; \"x\" )"), "203.0.113.7");
+    }
     EXPECT_EQ(lastError(), "7 old");
     EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_GetClientPublicIPAddress )"), "Number");
     EXPECT_EQ(lastError(), "-3 " + kNotAvailable);
-}
-
-TEST_F(PublicIP, ignoresParameters) {
-    WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
-    EXPECT_EQ(textOf("Kestrel_GetClientPublicIPAddress ( 9 ; \"x\" )"), "203.0.113.7");
 }
 
 TEST_F(PublicIP, isNotAvailableWhenAllServicesFailAlike) {
@@ -123,7 +116,8 @@ TEST_F(PublicIP, isNotAvailableWhenAllServicesFailAlike) {
     };
     for (const auto& [behaviour, codes] : cases) {
         textOf("Let ( $$Kestrel_LastErrorMessage = \"\" ; \"\" )");
-        const std::string code = askAll(behaviour);
+        const WebServices services(behaviour);
+        const std::string code = ask();
         EXPECT_NE(std::find(codes.begin(), codes.end(), code), codes.end()) << code;
         EXPECT_TRUE(lastError().ends_with(kNotAvailable)) << code;
         EXPECT_TRUE(lastError().starts_with(code)) << lastError();
@@ -142,42 +136,29 @@ TEST_F(PublicIP, triesElevenTimesToConnect) {
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 11) << printed;
 }
 
-TEST_F(PublicIP, waitsForAServiceNoLongerThanItsShare) {
+TEST_F(PublicIP, waitsForAServiceOrTheResolverNoLongerThanAServicesShare) {
     const Behaviour late{Kind::answersLate, "\r\n\r\n192.0.2.1",
                          kServiceTime + std::chrono::milliseconds{300}};
-    WebServices services({{2, late}, {6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
-    std::string result;
-    const double seconds = secondsOf([&] { result = ask(); });
-    EXPECT_EQ(result, "203.0.113.7");
-    EXPECT_GE(seconds, 1.8);
-    EXPECT_LT(seconds, 3.0);
-    EXPECT_EQ(services.clients(), (std::vector<int>{2, 6}));
-}
-
-TEST_F(PublicIP, waitsForTheResolverNoLongerThanAServicesShare) {
-    WebServices services({{6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
-    const own_network::Stuck stuck("api.ipify.org");
-    std::string result;
-    const double seconds = secondsOf([&] { result = ask(); });
-    EXPECT_EQ(result, "203.0.113.7");
-    EXPECT_GE(seconds, 1.8);
-    EXPECT_LT(seconds, 3.0);
+    for (const char* const stuckName : {"nobody", "api.ipify.org"}) {
+        WebServices services({{2, late}, {6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
+        const own_network::Stuck stuck(stuckName);
+        const double seconds = secondsOf([&] { EXPECT_EQ(ask(), "203.0.113.7"); });
+        EXPECT_GE(seconds, 1.8);
+        EXPECT_LT(seconds, 3.0);
+        const bool isAsked = stuckName == std::string("nobody");
+        EXPECT_EQ(services.clients(), isAsked ? (std::vector<int>{2, 6}) : std::vector<int>{6});
+    }
 }
 
 TEST_F(PublicIP, givesUpWithinTenSecondsWhenNobodyAnswers) {
     WebServices services(Behaviour{Kind::keepsSilent, ""});
-    std::string result;
-    EXPECT_LE(secondsOf([&] { result = ask(); }), 10.0);
-    EXPECT_EQ(result, "-7");
+    EXPECT_LE(secondsOf([&] { EXPECT_EQ(ask(), "-7"); }), 10.0);
     EXPECT_EQ(lastError(), "-7 " + kNotAvailable);
     EXPECT_EQ(services.clients(), (std::vector<int>{2, 6, 5, 8, 9}));
 }
 
 TEST_F(PublicIP, losesNoDescriptorInTenThousandCalls) {
-    {
-        WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
-        EXPECT_EQ(ask(), "203.0.113.7");
-    }
+    EXPECT_EQ(ask(), "-3"); // what is opened once for all
     const std::size_t before = openDescriptors();
     {
         WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
@@ -200,11 +181,8 @@ TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
         bool isAddress;
     } cases[] = {
         {"\r\n\r\n203.0.113.7", "203.0.113.7", 2, true},
-        {"\r\n\r\n203.0.113", "203.0.113", 2, false},
         {"\r\n\r\n12345.1", "1234", 2, false},
         {"\r\n\r\n111.222.333.444.5", "111.222.333.444.", 2, false},
-        {"\r\n\r\n", "", 2, false},
-        {"no marker", "", 2, false},
         {"My IP address: 1.2.3.4<br>", "1.2.3.4", 1, true},
         {"IP Information: 1.2.3.4</h1>", "1.2.3.4", 3, true},
         {"\r\n\r\nd\r\n192.0.2.1", "192.0.2.1", 4, true},

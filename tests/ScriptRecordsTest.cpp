@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +23,11 @@ protected:
         std::string name = (fs::temp_directory_path() / "kestrel-records-XXXXXX").string();
         ASSERT_NE(::mkdtemp(name.data()), nullptr);
         folder = name;
-        const char* const former = std::getenv("TMPDIR");
-        if (former != nullptr) former_ = former;
-        wasSet_ = former != nullptr;
+        if (const char* const former = std::getenv("TMPDIR")) former_ = former;
         ::setenv("TMPDIR", name.c_str(), 1);
     }
     void TearDown() override {
-        wasSet_ ? ::setenv("TMPDIR", former_.c_str(), 1) : ::unsetenv("TMPDIR");
+        former_ ? ::setenv("TMPDIR", former_->c_str(), 1) : ::unsetenv("TMPDIR");
         fs::remove_all(folder);
     }
 
@@ -42,8 +41,7 @@ protected:
     }
 
 private:
-    std::string former_;
-    bool wasSet_ = false;
+    std::optional<std::string> former_;
 };
 
 TEST_F(ScriptRecords, keepTheLastTextWhole) {
@@ -99,32 +97,16 @@ TEST_F(ScriptRecords, areFoundInTheTemporaryFolderOfTheMoment) {
     EXPECT_EQ(cFileManager::getTempDirectory(), "/tmp");
 }
 
-TEST(FileManager, joinsPaths) {
-    const struct {
-        const char *path, *name, *joined;
-    } cases[] = {{"/tmp", "a", "/tmp/a"},   {"/var/t/", "a", "/var/t/a"},
-                 {"/tmp", "/a", "/tmp//a"}, {"", "a", "/a"},
-                 {"/", "a", "/a"},          {"/tmp", "", "/tmp/"}};
-    for (const auto& [start, name, joined] : cases) {
-        std::string path = start;
-        EXPECT_EQ(cFileManager::appendFilePath(path, name), joined);
-        EXPECT_EQ(path, joined);
-    }
-}
-
 TEST_F(ScriptRecords, areFilesAndNothingElse) {
     const fs::path file = folder / "file";
     setScriptStatus("x", "");
     fs::rename(folder / "status_x.txt", file);
     fs::create_symlink(file, folder / "link");
     fs::create_symlink(folder / "nowhere", folder / "broken");
-    const struct {
-        std::string path;
-        bool exists;
-    } cases[] = {{file, true},    {folder / "link", true},    {folder / "broken", false},
-                 {folder, false}, {folder / "absent", false}, {"", false}};
-    for (const auto& [path, exists] : cases)
-        EXPECT_EQ(cFileManager::fileExists(path), exists) << path;
+    for (const fs::path& path : {file, folder / "link"})
+        EXPECT_TRUE(cFileManager::fileExists(path)) << path;
+    for (const fs::path& path : {folder / "broken", folder, folder / "absent", fs::path()})
+        EXPECT_FALSE(cFileManager::fileExists(path)) << path;
 }
 
 } // namespace

@@ -91,7 +91,7 @@ private:
         EXPECT_EQ(::listen(listener, 64), 0);
         listeners_.push_back(listener);
         threads_.emplace_back([this, listener, number, behaviour] {
-            while (waitFor(listener, std::chrono::hours{1})) {
+            while (waitFor(listener)) {
                 const int client = ::accept(listener, nullptr, nullptr);
                 if (client < 0) continue;
                 {
@@ -105,7 +105,7 @@ private:
     }
 
     /// True when there is something to read, false after the time or when all is to stop.
-    bool waitFor(int descriptor, std::chrono::milliseconds time) const {
+    bool waitFor(int descriptor, std::chrono::milliseconds time = std::chrono::hours{1}) const {
         std::array<pollfd, 2> polled{{{descriptor, POLLIN, 0}, {stop_[0], POLLIN, 0}}};
         const nfds_t first = descriptor < 0 ? 1 : 0;
         const int count =
@@ -113,14 +113,13 @@ private:
         return count > 0 && polled[1].revents == 0;
     }
 
-    std::string read(int client, const std::string& end) {
+    std::string requestOf(int client) const {
         std::string request;
         std::array<char, 256> chunk{};
-        while (!request.ends_with(end) && waitFor(client, std::chrono::hours{1})) {
-            const ssize_t size = ::recv(client, chunk.data(), end.empty() ? 1 : chunk.size(), 0);
+        while (!request.ends_with("\r\n\r\n") && waitFor(client)) {
+            const ssize_t size = ::recv(client, chunk.data(), chunk.size(), 0);
             if (size <= 0) break;
             request.append(chunk.data(), static_cast<std::size_t>(size));
-            if (end.empty()) break;
         }
         return request;
     }
@@ -129,17 +128,17 @@ private:
         using enum Behaviour::Kind;
         if (behaviour.kind == hangsUp) return;
         if (behaviour.kind == breaksOff) {
-            waitFor(client, std::chrono::hours{1});
+            waitFor(client);
             std::array<char, 1> some{};
             ::recv(client, some.data(), some.size(), 0);
             return;
         }
-        std::string request = read(client, "\r\n\r\n");
+        std::string request = requestOf(client);
         {
             const std::lock_guard lock(mutex_);
             lastRequest_ = std::move(request);
         }
-        if (behaviour.kind == keepsSilent) waitFor(client, std::chrono::hours{1});
+        if (behaviour.kind == keepsSilent) waitFor(client);
         if (behaviour.kind == answersLate) waitFor(-1, behaviour.pause);
         constexpr std::chrono::milliseconds drip{20};
         const std::size_t step = behaviour.kind == drips ? 1 : behaviour.bytes.size();
