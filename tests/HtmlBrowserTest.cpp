@@ -2,7 +2,7 @@
 #include "StyledTexts.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -119,25 +119,28 @@ protected:
         using namespace host;
         const std::uint16_t faces = look.style.faces();
         const auto has = [faces](std::uint16_t bits) { return (faces & bits) == bits; };
-        Expected fields{
-            {"weight", {has(face::bold) ? "700" : "400"}},
-            {"slant", {has(face::italic) ? "italic" : "normal"}},
-            {"caps", {has(face::smallCaps) ? "small-caps" : "normal"}},
-            {"spacing",
-             {has(face::condense) ? "-2px"
-              : has(face::extend) ? "2px"
-                                  : "normal"}},
-            {"background", {has(face::highlight) ? "rgb(255, 255, 0)" : ""}},
-            {"position",
-             {has(face::superscript) ? "super"
-              : has(face::subscript) ? "sub"
-                                     : "baseline"}},
-            {"letters",
-             {has(face::titlecase)   ? "capitalize"
-              : has(face::uppercase) ? "uppercase"
-              : has(face::lowercase) ? "lowercase"
-                                     : "none"}},
+        Expected fields{{"weight", {"400"}},     {"slant", {"normal"}}, {"caps", {"normal"}},
+                        {"spacing", {"normal"}}, {"background", {""}},  {"position", {"baseline"}},
+                        {"letters", {"none"}}};
+        // Of two rows for one field the later wins.
+        constexpr struct {
+            std::uint16_t bits;
+            const char *field, *value;
+        } rows[] = {
+            {face::bold, "weight", "700"},
+            {face::italic, "slant", "italic"},
+            {face::smallCaps, "caps", "small-caps"},
+            {face::extend, "spacing", "2px"},
+            {face::condense, "spacing", "-2px"},
+            {face::highlight, "background", "rgb(255, 255, 0)"},
+            {face::subscript, "position", "sub"},
+            {face::superscript, "position", "super"},
+            {face::lowercase, "letters", "lowercase"},
+            {face::uppercase, "letters", "uppercase"},
+            {face::titlecase, "letters", "capitalize"},
         };
+        for (const auto& [bits, field, value] : rows)
+            if (has(bits)) fields[field] = {value};
         constexpr const char* alignments[] = {"start", "center", "right", "justify"};
         fields["aligned"] = {alignments[static_cast<std::size_t>(look.alignment)]};
         fields["lines"] = linesOf(faces, isWholly, parameters);
@@ -154,18 +157,11 @@ protected:
         const int size = look.style.isSizeEnabled() ? look.style.size() : 17;
         fields["size"] = {std::to_string(size) + "px"};
         if ((faces & (face::superscript | face::subscript)) != 0 && parameters.hasElements)
-            fields["size"].push_back(smaller(size));
+            fields["size"].push_back(std::to_string(size / 1.2) + "px"); // unless they say their own
         return fields;
     }
 
 private:
-    /// <sup> and <sub> are smaller than the text around, unless their own declarations say the size.
-    static std::string smaller(int size) {
-        char text[40];
-        std::snprintf(text, sizeof text, "%gpx", size / 1.2);
-        return text;
-    }
-
     static std::vector<std::string> linesOf(std::uint16_t faces, std::uint16_t isWholly,
                                             const HtmlParameters& parameters) {
         using namespace host;
@@ -205,17 +201,11 @@ std::vector<std::uint16_t> wholly(const Text& text) {
     return shared;
 }
 
-std::string shortened(double number) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.2f", number);
-    return text;
-}
-
 /// Sizes are compared to a hundredth of a pixel.
 bool isOneOf(const std::vector<std::string>& wanted, const std::string& field, const std::string& found) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const std::string& value) {
-        return value == found || (field == "size" &&
-                                  shortened(std::atof(value.c_str())) == shortened(std::atof(found.c_str())));
+        return value == found ||
+               (field == "size" && std::abs(std::atof(value.c_str()) - std::atof(found.c_str())) < 0.006);
     });
 }
 

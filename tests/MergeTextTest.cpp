@@ -123,7 +123,6 @@ TEST_F(MergeText, fillsPlaceholders) {
         {u"Sum: <<1+2>>", u"Sum: 3"},
         {u"<<1>><<2>>, <<3>>", u"12, 3"},
         {u"<<1+>>", u"<<1+>>"},
-        {u"<<1+>>>>", u"<<1+>>>>"},
         {u"<<<1+1>>>", u"<2>"},
         {u"<<<<1+1>>>>", u"<<2>>"},
         {u"<< <<1+1>>", u"<< <<1+1>>"}, // the expression begins at the first run
@@ -131,8 +130,6 @@ TEST_F(MergeText, fillsPlaceholders) {
         {u"a>>b<<1+1>> <<2>>", u"a>>b<<1+1>> <<2>>"}, // that ">>" is again without a partner
         {u">> << <<2>>", u">> << 2"},
         {u"<<1+1", u"<<1+1"},
-        {u"1+1>>", u"1+1>>"},
-        {u"<<1>> and <<2", u"1 and <<2"},
         {u"<<\"<\">><<\"<1>\" & \">\">>", u"<<1>>"}, // values are not templates
         {u"<<\"\">>", u""},
         {u"<<$none>>.", u"."},

@@ -37,7 +37,6 @@ TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
         std::string result;
     } cases[] = {
         {2, kHeaders + "\r\n\r\n203.0.113.7", "203.0.113.7"},
-        {2, kHeaders + "\r\n\r\n255.255.255.255", "255.255.255.255"},
         {2, kHeaders + "\r\n\r\na.b.c.d", "a.b.c.d"},
         {2, kHeaders + "\r\n\r\n...", "..."},
         {2, kHeaders + "\r\n\r\n1.2.3.4" + std::string("\0 56", 4), "1.2.3.4"},
@@ -66,7 +65,6 @@ TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
         // 16,000 bytes are looked at, headers and all.
         {8, std::string(15'982, ' ') + "Your IP is 1.2.3.4<!>", "-8"},
         {8, std::string(15'981, ' ') + "Your IP is 1.2.3.4<!>", "1.2.3.4"},
-        {8, std::string(20'000, ' ') + "Your IP is 1.2.3.4<!>", "-8"},
         {2, "\r\n\r\n" + std::string(16'000, '.'), "-8"},
     };
     for (const auto& [service, response, result] : cases) {
@@ -181,6 +179,7 @@ TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
         bool isAddress;
     } cases[] = {
         {"\r\n\r\n203.0.113.7", "203.0.113.7", 2, true},
+        {"\r\n\r\n", "", 2, false},
         {"\r\n\r\n12345.1", "1234", 2, false},
         {"\r\n\r\n111.222.333.444.5", "111.222.333.444.", 2, false},
         {"My IP address: 1.2.3.4<br>", "1.2.3.4", 1, true},
