@@ -1,6 +1,10 @@
 #include "FunctionCalls.h"
 
+#include "StringUtils.h"
+#include "cFMUtils.h"
 #include "html/GetAsHTML.h"
+#include "html/Output.h"
+#include "html/PostProcessing.h"
 #include "html/Reading.h"
 
 #include "host/values/Encoding.h"
@@ -375,6 +379,44 @@ TEST_F(GetAsHTML, logsMergesOnRequestOnly) {
                   wanted.empty() ? ""
                                  : "Merging 2 fragments: 'a' + 'a&' \nMerging 2 fragments: 'a&' + 'a&b' \n");
     }
+}
+
+TEST_F(GetAsHTML, readsOneCharacter) {
+    const host::calc::Environment place = session.environment(session.front());
+    const host::Text words(u"a ", looks(face::wordUnderline));
+    const auto& text = host::bridge::out<fmx::Text>(words);
+    TextReader reader(host::bridge::out<fmx::ExprEnv>(place));
+    EXPECT_TRUE(reader.formattingsFromFMCharacter(text, 0).empty());
+    EXPECT_TRUE(reader.formattingsFromFMCharacter(text, 1).contains("underline"));
+    const cFragment blank = reader.formattedFragmentFromFMCharacter(text, 1);
+    EXPECT_EQ(blank.getInlineCSS(), "text-decoration:underline;");
+    EXPECT_TRUE(blank.characters.empty() && blank.length == 0 && blank.narrowText.empty());
+}
+
+TEST(HtmlText, isEscapedInPlace) {
+    const fmx::TextUniquePtr text = cFMUtils::getUTF16data("&lt;\u00A0\u2028\n");
+    addEntitiesAndFixEndlines(*text);
+    EXPECT_EQ(host::bridge::in<host::Text>(&*text).utf8(), "&amp;lt;&nbsp;<br/>\r<br/>\r");
+}
+
+TEST(HtmlFragment, isAValueThatIsEmptyAfterMoving) {
+    cFragment fragment;
+    fragment.addChar(0xD83D);
+    fragment.addChar(0);
+    fragment.formattings["bold"];
+    fragment.tags = fragment.cssClasses = {"a"};
+    fragment.inlineStyles["color"] = "red";
+    const fmx::TextUniquePtr text = cFMUtils::getUTF16data("before");
+    fragment.getText(*text);
+    EXPECT_EQ(UnitsFromFMText(*text), fragment.characters);
+    const cFragment copy = fragment;
+    cFragment moved;
+    moved = std::move(fragment);
+    EXPECT_TRUE(fragmentsHaveEqualAppearance(moved, copy));
+    EXPECT_TRUE(moved.characters == copy.characters && moved.formattings == copy.formattings);
+    // NOLINTNEXTLINE(bugprone-use-after-move): that is what is asked
+    EXPECT_TRUE(fragment.characters.empty() && fragment.narrowText.empty() && fragment.formattings.empty() &&
+                fragment.tags.empty() && fragment.cssClasses.empty() && fragment.inlineStyles.empty());
 }
 
 TEST(HtmlAlignment, isReadFromTheFirstTag) {

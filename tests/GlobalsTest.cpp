@@ -272,4 +272,10 @@ TEST(KeysInTheLog, areUtf8) {
               "\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF|\uFFFD\U0001F600x\uFFFD\uFFFD");
 }
 
+TEST(TheCleaningTimer, asksForANewLook) {
+    kst::gStatusChecked = true;
+    kst::TimerCallback(nullptr, nullptr);
+    EXPECT_FALSE(kst::gStatusChecked);
+}
+
 } // namespace
