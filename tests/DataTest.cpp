@@ -27,47 +27,44 @@ TEST(DataConversions, followOneTable) {
     const DateTime moment{.days = 739'940, .micros = 58'000 * DateTime::microsPerSecond};
     constexpr const char* none = "none";
     const struct {
-        const char* name;
         Data value;
         const char *text, *number, *date, *time, *timestamp; ///< as converted, in the text's form
         bool boolean;
     } rows[] = {
-        {"text", Data(Text(u"abc")), "abc", none, none, none, none, false},
-        {"text of a number", Data(Text(u"x0.5")), "x0.5", ".5", none, none, none, true},
-        {"text of a date", Data(Text(u"11/21/2026")), "11/21/2026", "11212026", "11/21/2026", "0:00:00",
-         "11/21/2026 0:00:00", true},
-        {"text of both", Data(Text(u"11/21/2026 4:06:40 PM")), "11/21/2026 4:06:40 PM", "1121202640640",
-         "11/21/2026", "16:06:40", "11/21/2026 16:06:40", true},
-        {"number", Data(Decimal(739'940)), "739940", "739940", "11/21/2026", "205:32:20", "1/9/1 13:32:20",
+        {Data(Text(u"abc")), "abc", none, none, none, none, false},
+        {Data(Text(u"x0.5")), "x0.5", ".5", none, none, none, true},
+        {Data(Text(u"11/21/2026")), "11/21/2026", "11212026", "11/21/2026", "0:00:00", "11/21/2026 0:00:00",
          true},
-        {"negative", Data(*Decimal::parse(u"-1.5")), "-1.5", "-1.5", none, "-0:00:01.5", none, true},
-        {"too large", Data(*Decimal::parse(u"1e399")), nullptr, nullptr, none, none, none, true},
-        {"date", Data(moment, DataType::date), "11/21/2026", "739940", "11/21/2026", none,
-         "11/21/2026 0:00:00", true},
-        {"time", Data(moment, DataType::time), "16:06:40", "58000", none, "16:06:40", none, true},
-        {"timestamp", Data(moment, DataType::timestamp), "11/21/2026 16:06:40", "63930874000", "11/21/2026",
+        {Data(Text(u"11/21/2026 4:06:40 PM")), "11/21/2026 4:06:40 PM", "1121202640640", "11/21/2026",
          "16:06:40", "11/21/2026 16:06:40", true},
-        {"container", Data(container()), "a7.txt", none, none, none, none, false},
+        {Data(Decimal(739'940)), "739940", "739940", "11/21/2026", "205:32:20", "1/9/1 13:32:20", true},
+        {Data(*Decimal::parse(u"-1.5")), "-1.5", "-1.5", none, "-0:00:01.5", none, true},
+        {Data(*Decimal::parse(u"1e399")), nullptr, nullptr, none, none, none, true},
+        {Data(moment, DataType::date), "11/21/2026", "739940", "11/21/2026", none, "11/21/2026 0:00:00",
+         true},
+        {Data(moment, DataType::time), "16:06:40", "58000", none, "16:06:40", none, true},
+        {Data(moment, DataType::timestamp), "11/21/2026 16:06:40", "63930874000", "11/21/2026", "16:06:40",
+         "11/21/2026 16:06:40", true},
+        {Data(container()), "a7.txt", none, none, none, none, false},
     };
+    constexpr DataType types[] = {DataType::text, DataType::number, DataType::date, DataType::time,
+                                  DataType::timestamp};
     for (const auto& row : rows) {
-        const std::array<std::pair<DataType, const char*>, 5> columns{{{DataType::text, row.text},
-                                                                       {DataType::number, row.number},
-                                                                       {DataType::date, row.date},
-                                                                       {DataType::time, row.time},
-                                                                       {DataType::timestamp, row.timestamp}}};
-        EXPECT_EQ(row.value.asBoolean(), row.boolean) << row.name;
-        for (const auto& [type, expected] : columns) {
+        EXPECT_EQ(row.value.asBoolean(), row.boolean) << row.value.asText().utf8();
+        const char* const columns[] = {row.text, row.number, row.date, row.time, row.timestamp};
+        for (std::size_t i = 0; i < std::size(types); ++i) {
+            const char* const expected = columns[i];
             if (expected == nullptr) continue;
-            SCOPED_TRACE(std::string(row.name) + " as " + std::string(host::typeWord(type)));
+            SCOPED_TRACE(row.value.asText().utf8() + " as " + std::string(host::typeWord(types[i])));
             Data converted = row.value;
-            const bool done = converted.convert(type);
+            const bool done = converted.convert(types[i]);
             // Anything can be an empty number, but a date or a time needs a reading.
-            ASSERT_EQ(done, expected != none || type == DataType::number);
+            ASSERT_EQ(done, expected != none || types[i] == DataType::number);
             if (!done) {
                 EXPECT_TRUE(converted.isIdenticalTo(row.value));
                 continue;
             }
-            EXPECT_EQ(converted.nativeType(), type);
+            EXPECT_EQ(converted.nativeType(), types[i]);
             EXPECT_EQ(converted.asText().utf8(), expected == none ? "" : expected);
             EXPECT_EQ(converted.isEmpty(), expected == none);
         }
@@ -106,6 +103,16 @@ TEST(DataReadings, stayWithTheirOwnValue) {
     EXPECT_EQ(first.asText().utf8(), "5");
     first.setText(Text(u"7"));
     EXPECT_EQ(first.asNumber(), Decimal(7));
+}
+
+TEST(DataNumbers, areWhatDigitsATextHas) {
+    const struct {
+        const char16_t *text, *number;
+    } cases[] = {{u"abc12", u"12"}, {u"1.2.3", u"1.23"}, {u"-5", u"-5"},
+                 {u"a-5", u"-5"},   {u"5-", u"5"},       {u"$1,234.50", u"1234.5"}};
+    for (const auto& [text, number] : cases)
+        EXPECT_EQ(Data(Text(text)).asNumber().text(), number) << host::toUtf8(text);
+    EXPECT_FALSE(Data(Text()).number());
 }
 
 TEST(DataNumbers, inLongTextsAreBounded) {

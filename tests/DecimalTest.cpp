@@ -13,7 +13,7 @@
 #include <string>
 #include <tuple>
 
-/// Powers, roots and rounding of decimals, and the bounds of their work.
+/// Decimals against numbers of a thousand digits, and the bounds of their work.
 
 namespace {
 
@@ -28,6 +28,32 @@ Wide wide(const Decimal& number) { return Wide(host::toUtf8(number.text())); }
 const Wide& halfStep() {
     static const Wide step("5e-17");
     return step;
+}
+
+TEST(DecimalArithmetic, isExactOrRoundedOnce) {
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937_64 random(seed);
+        const auto number = [&] {
+            std::u16string text = random() % 2 == 0 ? u"-" : u"";
+            const auto write = [&](std::uint64_t digits) {
+                while (digits-- > 0)
+                    text += static_cast<char16_t>(u'0' + random() % 10);
+            };
+            write(random() % 20 + 1);
+            text += u'.';
+            write(random() % 16);
+            return read(text);
+        };
+        const Decimal a = number(), b = number();
+        EXPECT_EQ(wide(a.plus(b)), Wide(wide(a) + wide(b)));
+        EXPECT_EQ(wide(a.minus(b)), Wide(wide(a) - wide(b)));
+        EXPECT_EQ(a < b, wide(a) < wide(b));
+        EXPECT_LE(Wide(abs(wide(a.times(b)) - wide(a) * wide(b))), halfStep());
+        if (const auto quotient = a.dividedBy(b))
+            EXPECT_LE(Wide(abs(wide(*quotient) * wide(b) - wide(a))), Wide(halfStep() * abs(wide(b))));
+        EXPECT_EQ(read(a.text()), a);
+    }
 }
 
 TEST(DecimalPower, ofWholeExponentsIsRoundedOnce) {
@@ -51,36 +77,34 @@ TEST(DecimalPower, ofWholeExponentsIsRoundedOnce) {
 
 TEST(DecimalPower, hasResultsFarFromADouble) {
     const struct {
-        const char16_t *base, *exponent, *power; ///< no power: there is none
-    } cases[] = {
-        {u".1", u"-20", u"100000000000000000000"},
-        {u".01", u"-3", u"1000000"},
-        {u"2", u"-2000", u"0"},
-        {u"-1", u"1e30", u"1"},
-        {u"-1", u"1000000000000000000000000000001", u"-1"},
-        {u"-1", u"-9223372036854775808", u"1"},
-        {u".5", u"1e300", u"0"},
-        {u"1.0000000000000001", u"1e16", u"2.7182818284590451"},
-        {u"4", u".5", u"2"},
-        {u"2", u".5", u"1.414213562373095"},
-        {u"8", u"-.3333333333333333", u".5"},
-        {u"1e40", u"1.5", u"1000000000000000000000000000000000000000000000000000000000000"},
-        {u"1e360", u".1", u"1000000000000000000000000000000000000"},
-        {u".5", u"2000.5", u"0"},
-        {u"0", u".5", u"0"},
-        {u"0", u"-.5", nullptr},
-        {u"-8", u".5", nullptr},
-    };
+        const char *base, *exponent, *power; ///< no power: there is none
+    } cases[] = {{".1", "-20", "100000000000000000000"},
+                 {".01", "-3", "1000000"},
+                 {"2", "-2000", "0"},
+                 {"2", "-2", ".25"},
+                 {"0", "-1", nullptr},
+                 {"-1", "1e30", "1"},
+                 {"-1", "1000000000000000000000000000001", "-1"},
+                 {"-1", "-9223372036854775808", "1"},
+                 {".5", "1e300", "0"},
+                 {"1.0000000000000001", "1e16", "2.7182818284590451"},
+                 {"4", ".5", "2"},
+                 {"2", ".5", "1.414213562373095"},
+                 {"8", "-.3333333333333333", ".5"},
+                 {"1e40", "1.5", "1000000000000000000000000000000000000000000000000000000000000"},
+                 {"1e360", ".1", "1000000000000000000000000000000000000"},
+                 {".5", "2000.5", "0"},
+                 {"0", ".5", "0"},
+                 {"0", "-.5", nullptr},
+                 {"-8", ".5", nullptr}};
     for (const auto& [base, exponent, expected] : cases) {
-        const auto power = read(base).power(read(exponent));
-        const std::string name = host::toUtf8(base) + " ^ " + host::toUtf8(exponent);
-        ASSERT_EQ(power.has_value(), expected != nullptr) << name;
-        if (power) {
-            EXPECT_EQ(host::toUtf8(power->text()), host::toUtf8(expected)) << name;
-        }
+        const auto power = read(host::fromUtf8(base)).power(read(host::fromUtf8(exponent)));
+        const std::string result = power ? host::toUtf8(power->text()) : "none";
+        EXPECT_EQ(result, expected == nullptr ? "none" : expected) << base << " ^ " << exponent;
     }
     EXPECT_EQ(Decimal(4, 400).power(read(u".5"))->text(), u"2");
     EXPECT_EQ(Decimal(3).power(Decimal(-1, 400))->text().size(), 401U);
+    EXPECT_EQ(Decimal(1).dividedBy(Decimal(3, 400))->text().size(), 401U);
 }
 
 TEST(DecimalBounds, areKeptByEveryOperation) {
@@ -106,8 +130,9 @@ TEST(DecimalBounds, areKeptByEveryOperation) {
         EXPECT_THROW(std::ignore = work(), std::overflow_error) << name;
     EXPECT_THROW(std::ignore = Decimal::fromDouble(std::numeric_limits<double>::infinity()),
                  std::range_error);
-    EXPECT_FALSE(Decimal::parse(u"1." + std::u16string(1'000'000, u'9')));
-    EXPECT_FALSE(Decimal::parse(u"1e99999999999"));
+    for (const std::u16string& text : {u"1." + std::u16string(1'000'000, u'9'), std::u16string(100'000, u'9'),
+                                       std::u16string(u"1e99999999999"), std::u16string(u"1e400")})
+        EXPECT_FALSE(Decimal::parse(text)) << host::toUtf8(text.substr(0, 20));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
@@ -130,6 +155,13 @@ TEST(DecimalRounding, leavesNoMoreThanHalfAStep) {
             EXPECT_LE(Wide(abs(wide(*root) - sqrt(value))), halfStep()) << "seed " << seed;
         }
     }
+}
+
+TEST(DecimalText, isReadWholeOrNotAtAll) {
+    for (const char16_t* text : {u"", u"-", u".", u"1.2.3", u"a", u"1e", u"--1", u"1 "})
+        EXPECT_FALSE(Decimal::parse(text)) << host::toUtf8(text);
+    EXPECT_EQ(read(u"-007.50").text(), u"-7.5");
+    EXPECT_EQ(read(u"9223372036854775808").toInt64(), 9'223'372'036'854'775'807);
 }
 
 TEST(DecimalDouble, comesBackAsItWas) {

@@ -22,54 +22,78 @@ const RunStyle bold = [] {
     return look;
 }();
 
+RunStyle randomLook(std::mt19937& random) {
+    RunStyle look;
+    if (random() % 2 == 0) look.style.setFaces(random() % 2 == 0 ? host::face::bold : host::face::italic);
+    if (random() % 4 == 0) look.style.setSize(12);
+    if (random() % 4 == 0) look.alignment = host::Alignment::center;
+    return look;
+}
+
+/// Against a text without runs: a unit and a look for every character. Runs are as few as can be.
 TEST(TextSeams, staySmallestWhateverIsChanged) {
     using Model = std::vector<std::pair<char16_t, RunStyle>>;
-    for (unsigned seed = 0; seed < 1000; ++seed) {
+    for (unsigned seed = 0; seed < 3000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         Text text;
         Model model;
-        for (int step = 0; step < 25 && model.size() < 400; ++step) {
+        for (int step = 0; step < 30 && model.size() < 500; ++step) {
             const auto position = static_cast<std::uint32_t>(random() % (model.size() + 2));
-            const auto size = static_cast<std::uint32_t>(random() % 5);
+            const std::uint32_t size =
+                random() % 8 == 0 ? Text::end : static_cast<std::uint32_t>(random() % 6);
             const auto first = model.begin() + std::min<std::ptrdiff_t>(position, std::ssize(model));
             const auto last = first + std::min<std::ptrdiff_t>(size, model.end() - first);
-            switch (random() % 4) {
+            const RunStyle look = randomLook(random);
+            switch (random() % 7) {
             case 0: {
                 Text source(std::u16string(1, static_cast<char16_t>(u'a' + random() % 26)));
-                if (random() % 2 == 0) source.append(std::u16string_view(u"-"), bold);
+                source.append(std::u16string_view(u"-"), look);
                 text.insert(source, position);
-                Model added;
-                for (std::uint32_t i = 0; i < source.size(); ++i)
-                    added.emplace_back(source.units()[i], source.lookAt(i));
-                model.insert(first, added.begin(), added.end());
+                model.insert(first, {{source.units()[0], {}}, {u'-', look}});
                 break;
             }
             case 1: {
-                text.insert(text, position); // of itself
                 const Model copy = model;
-                model.insert(model.begin() + (first - model.begin()), copy.begin(), copy.end());
+                text.insert(text, position); // of itself
+                model.insert(first, copy.begin(), copy.end());
                 break;
             }
-            case 2:
-                text.applyStyle(bold.style, position, size);
-                std::for_each(first, last, [](auto& unit) { unit.second.style.apply(bold.style); });
+            case 2: {
+                const Model cut(first, last);
+                const bool ofItself = random() % 2 == 0;
+                ofItself ? text.append(text, position, size) : text.append(text.substring(position, size));
+                model.insert(model.end(), cut.begin(), cut.end());
                 break;
-            default: {
-                const auto alignment = static_cast<host::Alignment>(random() % 2);
-                text.setAlignment(alignment, position, size);
-                std::for_each(first, last, [&](auto& unit) { unit.second.alignment = alignment; });
             }
+            case 3:
+                text.erase(position, size);
+                model.erase(first, last);
+                break;
+            case 4:
+                text.applyStyle(look.style, position, size);
+                std::for_each(first, last, [&](auto& unit) { unit.second.style.apply(look.style); });
+                break;
+            case 5:
+                text.removeStyle(look.style);
+                for (auto& [unit, of] : model)
+                    of.style.remove(look.style);
+                break;
+            default:
+                text.setAlignment(look.alignment, position, size);
+                std::for_each(first, last, [&](auto& unit) { unit.second.alignment = look.alignment; });
             }
             std::u16string units;
             std::vector<Text::Run> runs;
-            for (const auto& [unit, look] : model) {
-                if (runs.empty() || runs.back().look != look)
-                    runs.push_back({static_cast<std::uint32_t>(units.size()), look});
+            for (const auto& [unit, of] : model) {
+                if (runs.empty() || runs.back().look != of)
+                    runs.push_back({static_cast<std::uint32_t>(units.size()), of});
                 units += unit;
             }
             ASSERT_EQ(text.units(), units) << "step " << step;
             ASSERT_TRUE(text.runs() == runs) << "step " << step;
+            for (std::uint32_t i = 0; i < text.size(); ++i)
+                ASSERT_TRUE(text.lookAt(i) == model[i].second) << "step " << step << ", unit " << i;
         }
     }
 }
@@ -87,6 +111,8 @@ TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
         {Text::Case::lower, u"\u039F\u03A3", u"\u039F\u03A3 \u0130", u"\u03BF\u03C3",
          u"\u03BF\u03C2 i\u0307"},
         {Text::Case::upper, u"\uFB03", u"\u0390z", u"FFI", u"\u0399\u0308\u0301Z"},
+        {Text::Case::upper, u"stra\u00DFe ", u"\u00DFx \u01C6\U00010428", u"STRASSE ",
+         u"SSX \u01C4\U00010400"},
         {Text::Case::upper, u"\xD801", u"\xDC28\u00DF", u"\xD801", u"\xDC00SS"}, // a look inside a pair
     };
     for (const auto& row : cases) {
@@ -99,8 +125,18 @@ TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
 }
 
 TEST(TextFind, agreesWithTryingEveryPlace) {
-    static constexpr std::u16string_view letters[] = {
-        u"a", u"A", u"s", u"\u00DF", u"\u1E9E", u"\uFB03", u"f", u"\xD801\xDC28", u"\xD801\xDC00", u"\xDC00"};
+    static constexpr std::u16string_view letters[] = {u"a",
+                                                      u"A",
+                                                      u"s",
+                                                      u"\u00DF",
+                                                      u"\u1E9E",
+                                                      u"\uFB03",
+                                                      u"f",
+                                                      u"\xD801\xDC28",
+                                                      u"\xD801\xDC00",
+                                                      u"\xDC00",
+                                                      u"\u03A3",
+                                                      u"\u03C2"};
     for (unsigned seed = 0; seed < 300; ++seed) {
         std::mt19937 random(seed);
         const auto write = [&](std::size_t characters) {
@@ -137,11 +173,17 @@ TEST(TextFind, agreesWithTryingEveryPlace) {
     }
 }
 
-TEST(TextCompare, takesEmptyViews) {
+TEST(TextCompare, takesEmptyTexts) {
+    for (const Text& text : {Text(), Text(u"abc")}) {
+        EXPECT_EQ(text.findIgnoringCase(Text(), 0), Text::end);
+        EXPECT_EQ(text.findBackwardIgnoringCase(Text(), 100), Text::end);
+    }
+    EXPECT_EQ(Text().findIgnoringCase(Text(u"a"), 0), Text::end);
     EXPECT_EQ(host::compareIgnoringCase({}, {}), 0);
     EXPECT_LT(host::compareIgnoringCase({}, u"a"), 0);
     EXPECT_GT(host::compareIgnoringCase(u"a", {}), 0);
     EXPECT_EQ(host::compareIgnoringCase(u"STRASSE", u"stra\u00DFe"), 0);
+    EXPECT_EQ(host::compareIgnoringCase(u"\u0391\u03A3", u"\u03B1\u03C2"), 0);
     EXPECT_LT(host::compareIgnoringCase(u"\uFFEE", u"\U0001F600"), 0); // by code points, not by units
 }
 
