@@ -99,23 +99,11 @@ TEST_F(MainQueue, TimesSaturate) {
         dispatch_time_t when;
         std::int64_t delta;
         dispatch_time_t expected;
-    } cases[] = {
-        {forever, 0, forever},
-        {forever, least, forever},
-        {forever - 1, most, forever},
-        {forever - 2, 1, forever - 1},
-        {forever - 1, 1, forever},
-        {now, 0, now},
-        {5, least, 1},
-        {1, -1'000, 1},
-        {2, -1'000, 1},
-        {1, -1, 1},
-        {now, 1, now + 1},
-        {now, 1'000, now + 1},
-        {now, 1'001, now + 2},
-        {now, -1'999, now - 1},
-        {1, least, 1},
-    };
+    } cases[] = {{forever, 0, forever},         {5, least, 1},  {now, 0, now},
+                 {forever, least, forever},     {1, -1'000, 1}, {now, 1, now + 1},
+                 {forever - 1, most, forever},  {2, -1'000, 1}, {now, 1'000, now + 1},
+                 {forever - 1, 1, forever},     {1, -1, 1},     {now, 1'001, now + 2},
+                 {forever - 2, 1, forever - 1}, {1, least, 1},  {now, -1'999, now - 1}};
     for (const auto& [when, delta, expected] : cases)
         EXPECT_EQ(dispatch_time(when, delta), expected) << when << " + " << delta;
     EXPECT_GT(dispatch_time(now, most), now);
@@ -213,6 +201,12 @@ TEST_F(TimeOfDay, IsTheHostsClockOnceThatHasBeenMoved) {
         host::clock().set(moment);
         EXPECT_EQ(timeOfDay(), moment);
     }
+    host::clock().set(host::Clock::Micros::max());
+    host::clock().advance(host::Clock::Micros::max());
+    EXPECT_EQ(timeOfDay(), 253'402'300'799s);
+    host::clock().set(0s);
+    host::clock().release();
+    EXPECT_LT(timeOfDay(), 1h);
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <locale>
-#include <optional>
 
 /// State that is read and changed by words, number sorting, and the words for types.
 
@@ -14,6 +13,7 @@ namespace {
 
 using host::Data;
 using host::DataType;
+using enum DataType;
 
 class Selectors : public FunctionCalls {
 protected:
@@ -26,34 +26,38 @@ protected:
 };
 
 TEST_F(Selectors, answerAndRecord) {
+    EXPECT_EQ(textOf("Kestrel_Get ( \"lastError\" ) & Kestrel_Get ( \"lastErrorMessage\" )"),
+              "0No Error Message");
+    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Get ( \"lastError\" ) ) & "
+                     "Kestrel_ValueType ( Kestrel_Get ( \"timestamp\" ) )"),
+              "NumberTimestamp");
     const char* const unchanged = "7 kept";
     const struct {
         const char *calculation, *result, *lastError;
         DataType type;
     } cases[] = {
-        {"Kestrel_Get", "-50", "-50 Not enough parameters", DataType::number},
-        {"Kestrel_Get ( \"\" )", "-50", "-50 Unrecognized selector", DataType::number},
-        {"Kestrel_Get ( \" lastError\" )", "-50", "-50 Unrecognized selector", DataType::number},
-        {"Kestrel_Get ( \"globalDieInterval\" )", "-50", "-50 Unrecognized selector", DataType::number},
-        {"Kestrel_Get ( \"lastError\" )", "7", unchanged, DataType::number},
-        {"Kestrel_Get ( \"LASTERROR\" )", "7", unchanged, DataType::number},
-        {"Kestrel_Get ( \"lastErrorMessage\" ; 1 ; 2 )", "kept", unchanged, DataType::text},
-        {"Kestrel_Get ( \"stderr\" )", "No Error Message", unchanged, DataType::text},
-        {"Let ( $$Kestrel_LastScriptStderr = \"told\" ; Kestrel_Get ( \"stderr\" ) )", "told", unchanged,
-         DataType::text},
-        {"Kestrel_Get ( \"sort\" ; \"3¶1¶2\" )", "1\r2\r3\r", unchanged, DataType::text},
-        {"Kestrel_Get ( \"sort\" )", "2400", "2400 std::exception", DataType::number},
-        {"Kestrel_Get ( \"inlineDocumentation\" )", "", unchanged, DataType::text},
-        {"Kestrel_Get ( \"scriptStatus\" )", "?", "-4 Not Implemented", DataType::text},
-        {"Kestrel_Get ( \"scriptResult\" )", "?", "-4 Not Implemented", DataType::text},
-        {"Kestrel_Set ( \"\" ; 1 )", "-50", "-50 Unrecognized selector", DataType::number},
-        {"Kestrel_Set ( \"lastError\" ; 1 )", "-50", "-50 Unrecognized selector", DataType::number},
-        {"Kestrel_Set ( \"inlineDocumentation\" ; \"off\" )", "", unchanged, DataType::text},
-        {"Kestrel_Set ( \"SCRIPTTERMINATE\" ; 1 )", "", unchanged, DataType::text},
-        {"Kestrel_Set ( \"globalDieInterval\" ; \"abc\" )", "abc", unchanged, DataType::text},
-        {"Kestrel_Set ( \"globalDieInterval\" ; -5 )", "-5", unchanged, DataType::number},
-        {"Kestrel_Set ( \"globalDieInterval\" ; 10 ^ 399 ) > 0", "1", unchanged, DataType::number},
-        {"Kestrel_Set ( \"globalDieInterval\" ; 60 ; \"ignored\" )", "60", unchanged, DataType::number},
+        {"Kestrel_Get", "-50", "-50 Not enough parameters", number},
+        {"Kestrel_Get ( \"\" )", "-50", "-50 Unrecognized selector", number},
+        {"Kestrel_Get ( \" lastError\" )", "-50", "-50 Unrecognized selector", number},
+        {"Kestrel_Get ( \"globalDieInterval\" )", "-50", "-50 Unrecognized selector", number},
+        {"Kestrel_Get ( \"LASTERROR\" )", "7", unchanged, number},
+        {"Kestrel_Get ( \"lastErrorMessage\" ; 1 ; 2 )", "kept", unchanged, text},
+        {"Let ( [ a = Kestrel_Get ( \"stderr\" ) ; $$Kestrel_LastScriptStderr = \"told\" ] ; "
+         "a & Kestrel_Get ( \"stderr\" ) )",
+         "No Error Messagetold", unchanged, text},
+        {"Kestrel_Get ( \"sort\" ; \"3¶1¶2\" )", "1\r2\r3\r", unchanged, text},
+        {"Kestrel_Get ( \"sort\" )", "2400", "2400 std::exception", number},
+        {"Kestrel_Get ( \"inlineDocumentation\" )", "", unchanged, text},
+        {"Kestrel_Get ( \"scriptStatus\" )", "?", "-4 Not Implemented", text},
+        {"Kestrel_Get ( \"scriptResult\" )", "?", "-4 Not Implemented", text},
+        {"Kestrel_Set ( \"\" ; 1 )", "-50", "-50 Unrecognized selector", number},
+        {"Kestrel_Set ( \"lastError\" ; 1 )", "-50", "-50 Unrecognized selector", number},
+        {"Kestrel_Set ( \"inlineDocumentation\" ; \"off\" )", "", unchanged, text},
+        {"Kestrel_Set ( \"SCRIPTTERMINATE\" ; 1 )", "", unchanged, text},
+        {"Kestrel_Set ( \"globalDieInterval\" ; \"abc\" )", "abc", unchanged, text},
+        {"Kestrel_Set ( \"globalDieInterval\" ; -5 )", "-5", unchanged, number},
+        {"Kestrel_Set ( \"globalDieInterval\" ; 10 ^ 399 ) > 0", "1", unchanged, number},
+        {"Kestrel_Set ( \"globalDieInterval\" ; 60 ; \"ignored\" )", "60", unchanged, number},
     };
     for (const auto& [calculation, result, expectedError, type] : cases) {
         textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"kept\" ] ; \"\" )");
@@ -67,24 +71,6 @@ TEST_F(Selectors, answerAndRecord) {
     EXPECT_EQ(call(u"Kestrel_Set", {Data(u"globalDieInterval")}).value.asText().utf8(), "-50");
     EXPECT_EQ(lastError(), "-50 Not enough parameters");
 }
-
-/// Sets the time zone, and back at the end; the clock goes back to the machine's time as well.
-class TimeZone {
-public:
-    TimeZone() {
-        if (const char* former = std::getenv("TZ")) former_ = former;
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-    ~TimeZone() {
-        former_ ? ::setenv("TZ", former_->c_str(), 1) : ::unsetenv("TZ");
-        host::clock().reset();
-    }
-    void set(const char* zone) { ::setenv("TZ", zone, 1); }
-
-private:
-    std::optional<std::string> former_;
-};
 
 TEST_F(Selectors, keepTheCleanPeriodAsItIsGiven) {
     // The handler that is linked into the tests has its variable where they can see it.
@@ -102,18 +88,6 @@ TEST_F(Selectors, keepTheCleanPeriodAsItIsGiven) {
     }
 }
 
-TEST_F(Selectors, tellTheLocalTime) {
-    TimeZone zones;
-    for (const char* zone : {"Asia/Kolkata", "America/St_Johns", "Pacific/Apia", "XST5XDT,0/0,J365/25"}) {
-        zones.set(zone);
-        EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Get ( \"timestamp\" ) )"), "Timestamp");
-        EXPECT_EQ(textOf("Abs ( GetAsNumber ( Kestrel_Get ( \"timestamp\" ) ) - "
-                         "GetAsNumber ( Get ( CurrentTimestamp ) ) ) < 2"),
-                  "1")
-            << zone;
-    }
-}
-
 TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
     const struct {
         const char* zone;
@@ -126,15 +100,18 @@ TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
         {"Europe/Berlin", 1'792'890'000, "Date ( 10 ; 25 ; 2026 )", "Time ( 2 ; 0 ; 0 )"},
         {"America/St_Johns", 1'772'947'799, "Date ( 3 ; 8 ; 2026 )", "Time ( 1 ; 59 ; 59 )"},
         {"America/St_Johns", 1'772'947'800, "Date ( 3 ; 8 ; 2026 )", "Time ( 3 ; 0 ; 0 )"},
+        {"XST5XDT,0/0,J365/25", 1'700'000'000, "Date ( 11 ; 14 ; 2023 )",
+         "Time ( 18 ; 13 ; 20 )"}, // always summer
         // The island that went to bed on a Thursday and woke on a Saturday.
         {"Pacific/Apia", 1'325'239'199, "Date ( 12 ; 29 ; 2011 )", "Time ( 23 ; 59 ; 59 )"},
         {"Pacific/Apia", 1'325'239'200, "Date ( 12 ; 31 ; 2011 )", "Time ( 0 ; 0 ; 0 )"},
         {"Asia/Kolkata", 0, "Date ( 1 ; 1 ; 1970 )", "Time ( 5 ; 30 ; 0 )"},
     };
-    TimeZone zones;
+    const char* const former = std::getenv("TZ");
+    const std::string kept = former == nullptr ? "" : former;
     host::clock().hold();
     for (const auto& [zone, moment, date, time] : cases) {
-        zones.set(zone);
+        ::setenv("TZ", zone, 1);
         host::clock().set(std::chrono::seconds(moment));
         const std::string expected =
             textOf(std::string("GetAsNumber ( Timestamp ( ") + date + " ; " + time + " ) )");
@@ -143,36 +120,36 @@ TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
             EXPECT_EQ(textOf(std::string("GetAsNumber ( ") + now + " )"), expected)
                 << zone << ' ' << moment << ' ' << now;
     }
+    former == nullptr ? ::unsetenv("TZ") : ::setenv("TZ", kept.c_str(), 1);
+    host::clock().reset();
 }
 
 TEST_F(Selectors, sortNumbers) {
     const struct {
         std::u16string list;
         const char* sorted;
-    } cases[] = {
-        {u"3\r1\r2", "1\r2\r3\r"},
-        {u"10\r9.5\r-2", "-2\r9.5\r10\r"},
-        {u"3\r1\r", "1\r1\r3\r"},
-        {u"5\rabc\r2", "2\r5\r5\r"},
-        {u"abc\r2", "0\r2\r"},
-        {u"", "0\r"},
-        {u"\r", "0\r0\r"},
-        {u"0.1234567", "0.123457\r"},
-        {u"1234567\r999999", "999999\r1.23457e+06\r"},
-        {u"3\n1", "3\r"},
-        {u"3\r\n1", "1\r3\r"},
-        {u" \t4 apples\r+2\r2,5", "2\r2\r4\r"},
-        {u"\r7", "0\r7\r"},
-        {u"7\r  \r6", "6\r7\r7\r"},
-        // Numbers as the C library reads them, and what is not a number behind all of them.
-        {u"nan\rinf\r1\r-inf\r-nan", "-inf\r1\rinf\rnan\rnan\r"},
-        {u"1e999\r-1e999\r1e-999", "-inf\r0\rinf\r"},
-        {u"0x1p3\r9\r7", "7\r8\r9\r"},
-        {u"1e\r2e+\r3.", "1\r2\r3\r"},
-        // Characters outside the encoding, of one unit and of two, and a zero.
-        {u"2\u00E9\r1\U0001F600\r\u0661", "1\r1\r2\r"},
-        {std::u16string(u"2\0005\r1", 5), "1\r2\r"},
-    };
+    } cases[] = {{u"3\r1\r2", "1\r2\r3\r"},
+                 {u"10\r9.5\r-2", "-2\r9.5\r10\r"},
+                 {u"3\r1\r", "1\r1\r3\r"},
+                 {u"5\rabc\r2", "2\r5\r5\r"},
+                 {u"abc\r2", "0\r2\r"},
+                 {u"0.1234567", "0.123457\r"},
+                 {u"", "0\r"},
+                 {u"7\r  \r6", "6\r7\r7\r"},
+                 {u"\r", "0\r0\r"},
+                 {u"3\r\n1", "1\r3\r"},
+                 {u"3\n1", "3\r"},
+                 {u"1e\r2e+\r3.", "1\r2\r3\r"},
+                 {u"\r7", "0\r7\r"},
+                 {u"0x1p3\r9\r7", "7\r8\r9\r"},
+                 {u"1234567\r999999", "999999\r1.23457e+06\r"},
+                 {u" \t4 apples\r+2\r2,5", "2\r2\r4\r"},
+                 // Numbers as the C library reads them, and what is not a number behind all of them.
+                 {u"nan\rinf\r1\r-inf\r-nan", "-inf\r1\rinf\rnan\rnan\r"},
+                 {u"1e999\r-1e999\r1e-999", "-inf\r0\rinf\r"},
+                 // Characters outside the encoding, of one unit and of two, and a zero.
+                 {u"2\u00E9\r1\U0001F600\r\u0661", "1\r1\r2\r"},
+                 {std::u16string(u"2\0005\r1", 5), "1\r2\r"}};
     for (const auto& [list, expected] : cases)
         EXPECT_EQ(sorted(list), expected) << host::toUtf8(list);
 }
@@ -202,59 +179,28 @@ TEST_F(Selectors, sortTheSameInEveryLocale) {
     std::locale::global(former);
 }
 
-TEST_F(Selectors, leaveTheirStateAloneWhenTheHostFails) {
-    for (const auto& arguments : {std::vector{Data(u"sort"), Data(u"2\r1")}, std::vector{Data(u"timestamp")},
-                                  std::vector{Data(u"scriptStatus")}, std::vector{Data(u"stderr")}})
-        for (const bool fromThenOn : {false, true})
-            for (std::uint64_t nth = 1;; ++nth) {
-                host::faults().arm(nth, host::Faults::Kind::unknown, fromThenOn);
-                call(u"Kestrel_Get", arguments);
-                const bool fired = host::faults().fired();
-                host::faults().disarm();
-                ASSERT_EQ((host::objectCounts() - before).describe(), "") << nth;
-                if (!fired) break;
-            }
-}
-
 TEST_F(Selectors, nameTypes) {
-    const auto oneOfType = [](std::int32_t code) {
+    const std::pair<int, const char*> words[] = {
+        {-1, ""},    {0, ""},          {1, "Text"},      {2, "Number"},  {3, "Date"},
+        {4, "Time"}, {5, "Timestamp"}, {6, "Container"}, {7, "Boolean"}, {8, ""}};
+    for (const auto& [code, word] : words) {
         Data value;
         // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a newer host's types, among others
         value.setNumber(host::Decimal(1), static_cast<DataType>(code));
-        return value;
-    };
-    const struct {
-        Data value;
-        const char* word;
-    } cases[] = {
-        {Data::invalid(), ""},
-        {Data(u"1"), "Text"},
-        {Data(host::Decimal(1)), "Number"},
-        {Data({.days = 1, .micros = 0}, DataType::date), "Date"},
-        {Data({.days = 0, .micros = 1}, DataType::time), "Time"},
-        {Data({.days = 1, .micros = 1}, DataType::timestamp), "Timestamp"},
-        {Data(host::Binary()), "Container"},
-        {oneOfType(7), "Boolean"},
-        {oneOfType(8), ""},
-        {oneOfType(-1), ""},
-    };
-    for (const auto& [value, word] : cases) {
         const Answer answer = call(u"Kestrel_ValueType", {value});
         EXPECT_EQ(answer.error, 0);
-        EXPECT_EQ(answer.value.nativeType(), DataType::text);
+        EXPECT_EQ(answer.value.nativeType(), text);
         EXPECT_EQ(answer.value.asText().utf8(), word);
     }
     EXPECT_EQ(call(u"Kestrel_ValueType", {}).value.asText().utf8(), "");
-    EXPECT_EQ(textOf("Kestrel_ValueType ( 1 )"), "Number");
 }
 
 TEST(InlineDocumentation, isOnUntilTurnedOff) {
-    EXPECT_EQ(getHumanReadableState(), "on");
+    EXPECT_TRUE(isInlineDocOn());
     turnOffInlineDoc();
-    EXPECT_FALSE(isInlineDocOn());
     EXPECT_EQ(getHumanReadableState(), "off");
     turnOnInlineDoc();
-    EXPECT_TRUE(g_isInlineDocOn);
+    EXPECT_EQ(getHumanReadableState(), "on");
 }
 
 } // namespace
