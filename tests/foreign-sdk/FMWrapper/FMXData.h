@@ -15,25 +15,18 @@ class DateTime;
 class BinaryData;
 class Locale;
 class ExprEnv;
-class Data {
+class Data : public Opaque {
 public:
     enum DataType {
-        kDTInvalid = 0,
-        kDTText,
-        kDTNumber,
-        kDTDate,
-        kDTTime,
-        kDTTimeStamp,
-        kDTBinary,
-        kDTBoolean
+        kDTText = 1,
+        kDTNumber = 2,
+        kDTDate = 3,
+        kDTTime = 4,
+        kDTTimeStamp = 5,
+        kDTBinary = 6,
+        kDTBoolean = 7
     };
     bool IsEmpty() const;
-    bool IsValid() const;
-    bool IsFindRequest() const;
-    void Clear(DataType = kDTInvalid);
-    void ConvertData(DataType);
-    CharacterStyle::FontID GetFontID(const Text&, CharacterStyle::FontScript, const ExprEnv&) const;
-    CharacterStyle::FontID GetFontID(const Text&, const ExprEnv&) const;
     bool GetFontInfo(CharacterStyle::FontID, Text&, CharacterStyle::FontScript&, const ExprEnv&) const;
     bool GetFontInfo(CharacterStyle::FontID, Text&, const ExprEnv&) const;
     const Text& GetAsText() const;
@@ -41,7 +34,6 @@ public:
     const DateTime& GetAsDate() const;
     const DateTime& GetAsTime() const;
     const DateTime& GetAsTimeStamp() const;
-    bool GetAsBoolean() const;
     const BinaryData& GetBinaryData() const;
     const Locale& GetLocale() const;
     DataType GetNativeType() const;
@@ -50,13 +42,7 @@ public:
     void SetAsDate(const DateTime&, DataType = kDTDate);
     void SetAsTime(const DateTime&, DataType = kDTTime);
     void SetAsTimeStamp(const DateTime&, DataType = kDTTimeStamp);
-    void SetDateTime(const DateTime&, DataType, DataType);
     void SetBinaryData(const BinaryData&, bool = true);
-    Data() = delete;
-    Data(const Data&) = delete;
-    void operator=(const Data&) = delete;
-    ~Data() = default;
-    static void operator delete(void*);
 };
 
 class DataUniquePtr : public std::unique_ptr<Data> {

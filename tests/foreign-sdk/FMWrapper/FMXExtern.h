@@ -51,7 +51,7 @@ typedef fmx::ptrtype FMX_PtrType;
 typedef char FMX_Char;
 typedef char FMX_Boolean;
 typedef FMX_UChar FMX_ScriptControl;
-enum { kFMXT_Halt = 0, kFMXT_Exit = 1, kFMXT_Resume = 2, kFMXT_Pause = 3 };
+enum { kFMXT_Halt = 0 };
 
 typedef FMX_UChar FMX_ExternCallSwitch;
 
@@ -77,52 +77,11 @@ struct FMX_ExternCallStruct {
     FMX_StartScriptCall cStartScript;
     FMX_CurrentEnvCall cCurrentEnv;
 } FMX_PACK;
-enum {
-    kBadExtnVersion = -1,
-    kDoNotEnable = -2,
-    k70ExtnVersion = 50,
-    k80ExtnVersion = 51,
-    k110ExtnVersion = 52,
-    k120ExtnVersion = 53,
-    k130ExtnVersion = 54,
-    k140ExtnVersion = 55,
-    k150ExtnVersion = 56,
-    k160ExtnVersion = 57,
-    k170ExtnVersion = 59,
-    k180ExtnVersion = 60,
-    k190ExtnVersion = 62,
-    kCurrentExtnVersion = 99,
-    kMinExtnVersion = 4,
-    kMaxExtnVersion = 255
-};
-enum {
-    kFMXT_Init = 0,
-    kFMXT_Idle = 1,
-    kFMXT_Shutdown = 4,
-    kFMXT_DoAppPreferences = 5,
-    kFMXT_GetString = 7,
-    kFMXT_SessionShutdown = 8,
-    kFMXT_FileShutdown = 9
-};
+enum { kBadExtnVersion = -1, kDoNotEnable = -2 };
+enum { kFMXT_Init = 0, kFMXT_Idle = 1, kFMXT_Shutdown = 4, kFMXT_DoAppPreferences = 5, kFMXT_GetString = 7 };
 
-enum { kFMXT_NameStr = 128, kFMXT_AppConfigStr = 129, kFMXT_OptionsStr = 131, kFMXT_HelpURLStr = 132 };
-enum {
-    kFMXT_UserIdle = 0,
-    kFMXT_UserNotIdle = 1,
-    kFMXT_ScriptPaused = 2,
-    kFMXT_ScriptRunning = 3,
-    kFMXT_Unsafe = 4
-};
-enum {
-    kFMXT_Developer = 0,
-    kFMXT_Pro = 1,
-    kFMXT_Runtime = 2,
-    kFMXT_Server = 3,
-    kFMXT_Web = 4,
-    kFMXT_Mobile = 5,
-    kFMXT_XDBC = 6,
-    kFMXT_SASE = 7
-};
+enum { kFMXT_NameStr = 128, kFMXT_AppConfigStr = 129, kFMXT_OptionsStr = 131 };
+enum { kFMXT_UserIdle = 0, kFMXT_Unsafe = 4 };
 extern FMX_ExternCallPtr gFMX_ExternCallPtr;
 void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb);
 

@@ -8,7 +8,7 @@
 
 namespace fmx {
 
-class QuadChar {
+class QuadChar : public Opaque {
 public:
     uchar operator[](int);
     uchar operator[](int) const;
@@ -19,29 +19,12 @@ public:
     bool operator>(const QuadChar&) const;
     bool operator>=(const QuadChar&) const;
     const QuadChar& operator=(const QuadChar&);
-    uint32 GetMacType() const;
-    void SetMacType(uint32);
-    QuadChar() = delete;
-    QuadChar(const QuadChar&) = delete;
-    ~QuadChar() = default;
-    static void operator delete(void*);
 };
 
-class Locale {
+class Locale : public Opaque {
 public:
-    enum Type {
-        kType_None = 0,
-        kType_System = 1,
-        kType_UnicodeRaw = 2,
-        kType_UnicodeStandard = 3,
-        kType_ENG = 21,
-        kType_Invalid = 0xFFFF
-    };
+    enum Type { kType_System = 1 };
     const Locale& operator=(const Locale&);
-    Locale() = delete;
-    Locale(const Locale&) = delete;
-    ~Locale() = default;
-    static void operator delete(void*);
 };
 
 class QuadCharUniquePtr : public std::unique_ptr<QuadChar> {
