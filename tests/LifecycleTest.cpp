@@ -42,13 +42,16 @@ void use(host::Session& session) {
 class Lifecycle : public testing::Test {
 protected:
     void SetUp() override { host::clock().hold(); }
-    void TearDown() override { host::clock().reset(); }
+    void TearDown() override {
+        host::clock().reset();
+        EXPECT_EQ((host::objectCounts() - before).describe(), "");
+    }
+    host::ObjectCounts before = host::objectCounts();
 };
 
 constexpr int manyTimes = 1'000;
 
 TEST_F(Lifecycle, AThousandLoadsLeaveNothingButWhatIsStored) {
-    const host::ObjectCounts before = host::objectCounts();
     std::int64_t stored = 0;
     for (int i = 0; i < manyTimes; ++i) {
         host::Session session;
@@ -72,30 +75,24 @@ TEST_F(Lifecycle, AThousandLoadsLeaveNothingButWhatIsStored) {
     EXPECT_EQ(host::mainQueue().pending(), 0U);
 }
 
-TEST_F(Lifecycle, AThousandStartsOfOneImageAreLikeTheFirst) {
-    const host::ObjectCounts before = host::objectCounts();
-    {
-        host::Session session;
-        session.open(solutionWithScript());
-        host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
-        for (int i = 0; i < manyTimes; ++i) {
-            ASSERT_EQ(plugIn.init(), 60);
-            ASSERT_EQ(plugIn.functions().size(), 25U);
-            ASSERT_EQ(textOf(session, u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ; 1 )"), "0");
-            plugIn.shutdown();
-            ASSERT_EQ(session.functions()->find(u"Kestrel_Version"), nullptr);
-        }
-        // What was asked for before a shutdown is done after the next start.
+TEST_F(Lifecycle, WhatWasAskedForBeforeAShutdownIsDoneAfterTheNextStart) {
+    host::Session session;
+    session.open(solutionWithScript());
+    host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+    for (int i = 0; i < manyTimes; ++i) {
         ASSERT_EQ(plugIn.init(), 60);
-        host::clock().advance(std::chrono::seconds(1));
-        int started = 0;
-        while (session.turn().scriptCalls > 0)
-            ++started;
-        EXPECT_EQ(started, manyTimes);
-        textOf(session, u"Kestrel_SetGlobal ( \"\" ; 1 )");
-        EXPECT_TRUE(plugIn.misdeeds().empty());
+        ASSERT_EQ(textOf(session, u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ; 1 )"), "0");
+        plugIn.shutdown();
+        ASSERT_EQ(session.functions()->find(u"Kestrel_Version"), nullptr);
     }
-    EXPECT_EQ((host::objectCounts() - before).describe(), "");
+    ASSERT_EQ(plugIn.init(), 60);
+    host::clock().advance(std::chrono::seconds(1));
+    int started = 0;
+    while (session.turn().scriptCalls > 0)
+        ++started;
+    EXPECT_EQ(started, manyTimes);
+    EXPECT_EQ(textOf(session, u"Kestrel_SetGlobal ( \"\" ; 1 )"), "");
+    EXPECT_TRUE(plugIn.misdeeds().empty());
 }
 
 /// How a process ends.

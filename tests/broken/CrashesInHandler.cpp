@@ -3,11 +3,4 @@
 
 #include <csignal>
 
-namespace {
-FMX_PROC(fmx::errcode) crash(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) {
-    std::raise(SIGKILL);
-    return 0;
-}
-} // namespace
-
-SAMPLE_PLUG_IN({.handler = crash})
+SAMPLE_PLUG_IN({.handler = [](SAMPLE_PARAMETERS) -> fmx::errcode { return std::raise(SIGKILL), 0; }})

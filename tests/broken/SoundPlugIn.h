@@ -16,7 +16,7 @@ namespace sound {
 
 using Handler = fmx::ExtPluginType;
 
-inline constexpr char creator[] = "BRKN";
+inline fmx::QuadCharUniquePtr owner() { return {'B', 'R', 'K', 'N'}; }
 
 inline void write(FMX_PtrType buffer, const char* text) {
     auto* units = reinterpret_cast<fmx::unichar16*>(buffer);
@@ -45,15 +45,9 @@ inline FMX_PROC(fmx::errcode)
 }
 
 inline fmx::errcode registerOne(short id, const char* name, Handler handler) {
-    const fmx::QuadCharUniquePtr owner(creator[0], creator[1], creator[2], creator[3]);
     const fmx::TextUniquePtr text;
     text->Assign(name);
-    return fmx::ExprEnv::RegisterExternalFunction(*owner, id, *text, *text, 0, 1, 0xFF01, handler);
-}
-
-inline void withdrawOne(short id) {
-    const fmx::QuadCharUniquePtr owner(creator[0], creator[1], creator[2], creator[3]);
-    fmx::ExprEnv::UnRegisterExternalFunction(*owner, id);
+    return fmx::ExprEnv::RegisterExternalFunction(*owner(), id, *text, *text, 0, 1, 0xFF01, handler);
 }
 
 /// What a broken plug-in may replace.
@@ -73,8 +67,8 @@ inline void dispatch(FMX_ExternCallPtr call, const Behaviour& behaviour) {
         call->result = behaviour.initAnswer;
         return;
     case kFMXT_Shutdown:
-        withdrawOne(1);
-        withdrawOne(2);
+        for (const short id : {1, 2})
+            fmx::ExprEnv::UnRegisterExternalFunction(*owner(), id);
         return;
     case kFMXT_GetString: return behaviour.answer(call);
     default: return;
@@ -83,6 +77,7 @@ inline void dispatch(FMX_ExternCallPtr call, const Behaviour& behaviour) {
 
 } // namespace sound
 
+#define SAMPLE_PARAMETERS short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&
 #define SAMPLE_PLUG_IN(...)                                                                                  \
     FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;                                                          \
     void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr call) { sound::dispatch(call, __VA_ARGS__); }

@@ -3,10 +3,6 @@
 
 #include <stdexcept>
 
-namespace {
-FMX_PROC(fmx::errcode) fail(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) {
+SAMPLE_PLUG_IN({.handler = [](SAMPLE_PARAMETERS) -> fmx::errcode {
     throw std::runtime_error("nobody catches this");
-}
-} // namespace
-
-SAMPLE_PLUG_IN({.handler = fail})
+}})
