@@ -64,11 +64,11 @@ TEST_F(Bridge, cutsTextAtBuffersSizedByItsUnits) {
     // within a character.
     const struct {
         const char *whole, *byUtils, *byLib;
-    } cases[] = {{"", "", ""},
-                 {"plain", "plain", "plain"},
+    } cases[] = {{"plain", "plain", "plain"},
+                 {"", "", ""},
                  {"\u00E9", "\xC3", "\xC3"},
-                 {"a\u00E9b", "a\u00E9", "a\u00E9b"},
-                 {"\u20AC\u20AC", "\xE2\x82", "\u20AC"}};
+                 {"\u20AC\u20AC", "\xE2\x82", "\u20AC"},
+                 {"a\u00E9b", "a\u00E9", "a\u00E9b"}};
     for (const auto& [whole, byUtils, byLib] : cases) {
         const fmx::TextUniquePtr source = text(whole);
         EXPECT_EQ(cFMUtils::StringFromFmxText(*source), byUtils) << whole;
@@ -88,21 +88,20 @@ TEST_F(Bridge, carriesAllOfUnicodeIntoTexts) {
     EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
 }
 
+/// The Kelvin sign is a K, a sigma at the end is another small letter, I is i in no locale but a Turkish one,
+/// and I with a dot keeps it.
 TEST_F(Bridge, findsSelectorsWholeAndLoweredAsTheHostLowers) {
     host::setNativeEncoding(host::Encoding::utf8);
+    constexpr unsigned none = cFMUtils::kNotFound;
     const char* const table[] = {"lastError", "timestamp", "key", "\u03BF\u03B4\u03CC\u03C2", "in"};
     const struct {
         const char* text;
         unsigned index;
-    } cases[] = {{"LASTERROR", 0},
-                 {"TimeStamp", 1},
-                 {" lastError", cFMUtils::kNotFound},
-                 {"", cFMUtils::kNotFound},
-                 {"lastErrorMessage", cFMUtils::kNotFound},
-                 {"\u212AEY", 2},                   // the Kelvin sign is a K
-                 {"\u039F\u0394\u038C\u03A3", 3},   // a sigma at the end is another small letter
-                 {"IN", 4},                         // in no locale but a Turkish one
-                 {"\u0130N", cFMUtils::kNotFound}}; // keeps its dot
+    } cases[] = {{"LASTERROR", 0}, {" lastError", none},
+                 {"TimeStamp", 1}, {"lastErrorMessage", none},
+                 {"", none},       {"\u039F\u0394\u038C\u03A3", 3},
+                 {"\u212AEY", 2},  {"\u0130N", none},
+                 {"IN", 4}};
     for (const auto& [selector, index] : cases)
         EXPECT_EQ(fmlib::FindFMTextInArray(*text(selector), table, std::size(table)), index) << selector;
     EXPECT_EQ(cFMUtils::FindFMTextInArray(*text("a"), table, 0), 0xFFFFFFFFU);

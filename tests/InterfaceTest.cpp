@@ -98,13 +98,10 @@ TEST_F(Interface, RangesAreCutAtTheTextsEnd) {
     const struct {
         fmx::uint32 position, size;
         std::string part;
-    } rows[] = {{0, 4, "abcd"},
-                {1, 2, "bc"},
-                {3, 5, "d"},
-                {2, Text::kSize_End, "cd"},
-                {4, 1, ""},
-                {2, 0, ""},
-                {Text::kSize_End, Text::kSize_End, ""}};
+    } rows[] = {{1, 2, "bc"}, {0, 4, "abcd"},
+                {3, 5, "d"},  {2, Text::kSize_End, "cd"},
+                {4, 1, ""},   {Text::kSize_End, Text::kSize_End, ""},
+                {2, 0, ""}};
     for (const auto& [position, size, part] : rows) {
         SCOPED_TRACE(testing::Message() << position << ", " << size);
         EXPECT_EQ(unitsOf(*text, position, size), part + std::string(8 - part.size(), '#'));
