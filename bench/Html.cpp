@@ -50,8 +50,12 @@ void benchVariable(const Loaded& plugIn) {
     session.front()->fileVariables().set(u"t", 1, shared(styledLines(lines)));
     Conversion conversion(plugIn, u"$$t");
     const auto evaluateEach = [&](const std::u16string& prefix, const std::u16string& suffix) {
-        for (std::uint32_t line = 1; line <= lines; ++line)
-            keep(session.evaluate(prefix + host::fromUtf8(std::to_string(line)) + suffix));
+        for (std::uint32_t line = 1; line <= lines; ++line) {
+            std::u16string calculation = prefix;
+            calculation += host::fromUtf8(std::to_string(line));
+            calculation += suffix;
+            keep(session.evaluate(calculation));
+        }
     };
     row(
         "Kestrel_GetAsHTML, 2000 lines of a variable", [&] { keep(conversion.run()); }, "the host's GetValue",

@@ -48,10 +48,10 @@ void askService() {
     const int socket = ::socket(found->ai_family, found->ai_socktype, found->ai_protocol);
     constexpr std::string_view request = "GET / HTTP/1.1\r\nHost: localhost\r\n\r\n";
     std::array<char, 1024> response{};
-    if (::connect(socket, found->ai_addr, found->ai_addrlen) == 0 &&
+    if (socket >= 0 && ::connect(socket, found->ai_addr, found->ai_addrlen) == 0 &&
         ::send(socket, request.data(), request.size(), MSG_NOSIGNAL) > 0)
         keep(::recv(socket, response.data(), response.size(), 0));
-    ::close(socket);
+    if (socket >= 0) ::close(socket);
     ::freeaddrinfo(found);
 }
 
