@@ -5,8 +5,10 @@
 #include <bitset>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <unistd.h>
 
 /// Base64: the coder on bare arrays, and the two functions through the loaded library, both beside the
@@ -75,6 +77,8 @@ TEST(Base64, answersWithoutInputOrWithoutADestination) {
         const std::unique_ptr<char[]> owner(out);
         EXPECT_EQ(std::string(out, static_cast<std::size_t>(size)), coded(code, ""));
     }
+    char* none = nullptr; // an answer longer than a size can say
+    EXPECT_THROW(B64_Encode("", std::numeric_limits<int>::max(), &none), std::length_error);
 }
 
 TEST(Base64, decodesAnythingAsItsBitsSay) {

@@ -86,6 +86,9 @@ TEST_F(Bridge, carriesAllOfUnicodeIntoTexts) {
     for (const char* malformed : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80"})
         EXPECT_TRUE(utf8(*text("a" + std::string(malformed) + "b")).starts_with("a\uFFFD")) << malformed;
     EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
+    // The greatest number stands for a text's end, so it is no length.
+    EXPECT_EQ(HostLength(0xFFFFFFFEU), 0xFFFFFFFEU);
+    EXPECT_THROW(HostLength(0xFFFFFFFFU), std::length_error);
 }
 
 /// The Kelvin sign is a K, a sigma at the end is another small letter, I is i in no locale but a Turkish one,

@@ -21,7 +21,6 @@ public:
     ~ClassMap() = default;
 
     [[nodiscard]] bool empty() const { return classes_.empty(); }
-    [[nodiscard]] std::size_t size() const { return classes_.size(); }
     [[nodiscard]] Classes::const_iterator begin() const { return classes_.begin(); }
     [[nodiscard]] Classes::const_iterator end() const { return classes_.end(); }
 
