@@ -244,9 +244,10 @@ TEST_F(Bridge, answersAndRecordsAtOnce) {
 }
 
 TEST_F(Bridge, letsFewCodesThrough) {
-    for (const short code : {0, -4, -50})
+    using Codes = std::vector<fmx::errcode>;
+    for (const fmx::errcode code : Codes{0, -4, -50})
         EXPECT_EQ(kst::FilterErrCode(code), code);
-    for (const short code : {-80, 100, 2400, 1})
+    for (const fmx::errcode code : Codes{-80, 100, 2400, 1})
         EXPECT_EQ(kst::FilterErrCode(code), 2400);
 }
 

@@ -287,6 +287,8 @@ using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 Document parse(const std::string& bytes, const char* encoding) {
     const std::unique_ptr<htmlParserCtxt, FreeParser> parser(htmlNewParserCtxt());
     if (!parser) throw std::bad_alloc();
+    // What stands in no known encoding is read as far as it goes, without a word on the error output.
+    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
     // By default, blanks between elements that the parser does not know are taken for indentation.
     parser->sax->ignorableWhitespace = parser->sax->characters;
     Document document(htmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr,
