@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LeftThreads.h"
 #include "host/app/Clock.h"
 #include "host/app/Faults.h"
 #include "host/app/File.h"
@@ -19,4 +20,5 @@ inline void endDay(host::Session& session, host::PlugIn& plugIn) {
     host::mainQueue().clear();
     session.runWaitingScripts();
     session.front()->fileVariables().clear();
+    awaitLeftThreads();
 }
