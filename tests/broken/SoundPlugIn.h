@@ -67,7 +67,7 @@ inline void dispatch(FMX_ExternCallPtr call, const Behaviour& behaviour) {
         call->result = behaviour.initAnswer;
         return;
     case kFMXT_Shutdown:
-        for (const short id : {1, 2})
+        for (short id = 1; id <= 2; ++id)
             fmx::ExprEnv::UnRegisterExternalFunction(*owner(), id);
         return;
     case kFMXT_GetString: return behaviour.answer(call);
