@@ -283,4 +283,21 @@ TEST_F(Bridge, keepsTheResultsLocale) {
     }
 }
 
+TEST_F(Bridge, hasAMessageForEachCode) {
+    const struct {
+        short code;
+        const char* message;
+    } cases[] = {{0, "0"},
+                 {-4, "Not Implemented"},
+                 {-50, "Wrong Parameter"},
+                 {-80, "Timeout Error"},
+                 {100, "Could not send push notification"},
+                 {101, "OneSignal API error"},
+                 {102, "Notifications are not allowed"},
+                 {2400, "Uknown Error"},
+                 {1, "Error code has no Error Message"}};
+    for (const auto& [code, message] : cases)
+        EXPECT_EQ(getErrorMessage(code), message);
+}
+
 } // namespace

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <functional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -391,6 +392,14 @@ TEST_F(GetAsHTML, readsOneCharacter) {
     const cFragment blank = reader.formattedFragmentFromFMCharacter(text, 1);
     EXPECT_EQ(blank.getInlineCSS(), "text-decoration:underline;");
     EXPECT_TRUE(blank.characters.empty() && blank.length == 0 && blank.narrowText.empty());
+}
+
+TEST_F(GetAsHTML, readsNoLinesOfWhatDoesNotEvaluate) {
+    const host::calc::Environment place = session.environment(session.front());
+    const auto& env = host::bridge::out<fmx::ExprEnv>(place);
+    const fmx::TextUniquePtr expression = cFMUtils::getUTF16data("$$t +");
+    EXPECT_TRUE(getLineEndings(*expression, env).empty());
+    EXPECT_THROW(getLineAligns(*expression, env), std::invalid_argument);
 }
 
 TEST(HtmlText, isEscapedInPlace) {

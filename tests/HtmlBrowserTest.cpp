@@ -2,7 +2,7 @@
 #include "StyledTexts.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -201,11 +201,17 @@ std::vector<std::uint16_t> wholly(const Text& text) {
     return shared;
 }
 
+std::string shortened(double number) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.2f", number);
+    return text;
+}
+
 /// Sizes are compared to a hundredth of a pixel.
 bool isOneOf(const std::vector<std::string>& wanted, const std::string& field, const std::string& found) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const std::string& value) {
-        return value == found ||
-               (field == "size" && std::abs(std::atof(value.c_str()) - std::atof(found.c_str())) < 0.006);
+        return value == found || (field == "size" &&
+                                  shortened(std::atof(value.c_str())) == shortened(std::atof(found.c_str())));
     });
 }
 

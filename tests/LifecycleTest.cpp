@@ -29,11 +29,13 @@ std::string textOf(host::Session& session, std::u16string_view calculation) {
 /// Values in the store, one script that waits in the session, one in the plug-in's own queue and one on the
 /// main queue.
 void use(host::Session& session) {
-    EXPECT_EQ(textOf(session, u"Length ( Kestrel_SetGlobal ( \"number\" ; 10 ^ 100 ) ) & "
-                              u"Kestrel_SetGlobal ( \"red\" ; TextColor ( \"red\" ; RGB ( 9 ; 0 ; 0 ) ) ) & "
-                              u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ) & "
-                              u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ; 0 )"),
-              "101red00");
+    EXPECT_EQ(textOf(session,
+                     u"Length ( Kestrel_SetGlobal ( \"number\" ; 10 ^ 100 ) ) & "
+                     u"Kestrel_SetGlobal ( \"red\" ; TextColor ( \"red\" ; RGB ( 9 ; 0 ; 0 ) ) ) & "
+                     u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ) & "
+                     u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ; 0 ) & "
+                     u"Kestrel_SetGlobal ( \"closing\" ; TextStyleAdd ( \"v\" ; Bold ) ; \"dieonclose\" )"),
+              "101red00v");
     EXPECT_EQ(host::mainQueue().drain(), 1U);
     EXPECT_EQ(textOf(session, u"Kestrel_DoFileMakerScript ( \"Greet\" ; \"Ada\" ; 3600 )"), "0");
     EXPECT_EQ(host::mainQueue().pending(), 1U);

@@ -8,9 +8,9 @@
 
 /// Waits until no more threads run than at the first call.
 ///
-/// A lookup's thread is left to end by itself once it has answered. The search for leaks behind an input
-/// takes what such a thread is just about to give back for lost, once in some hundred thousand inputs. A
-/// thread that does not end within a second is gone on without.
+/// A lookup's thread is left to end by itself once it has answered. The search for leaks behind an input has
+/// once called lost what belongs to such a thread; the same input again did not leak. What a thread that has
+/// ended left behind is still found. A thread that does not end within a second is gone on without.
 inline void awaitLeftThreads() {
     using namespace std::chrono_literals;
     using Threads = std::filesystem::directory_iterator;
