@@ -1,8 +1,8 @@
-#include "host/app/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 #include "support/EndOfDay.h"
 #include "support/InputTime.h"
@@ -36,6 +36,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     if (session.evaluate(u"Kestrel_Version").value->asText().units() != u"3.1") std::abort();
     endDay(session, plugIn);
-    if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
+    if (!(host::objectCounts() == before) || !plugIn.violations().empty()) std::abort();
     return time.answer();
 }

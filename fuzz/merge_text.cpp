@@ -1,7 +1,7 @@
 #include "support/FuzzedFunction.h"
 #include "support/InputTime.h"
 
-#include "host/app/Faults.h"
+#include "host/fmwrapper/Faults.h"
 
 #include <cstddef>
 #include <cstdint>

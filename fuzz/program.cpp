@@ -1,10 +1,10 @@
-#include "host/app/Clock.h"
-#include "host/app/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
+#include "host/values/Clock.h"
 #include "host/values/Data.h"
 #include "host/values/Encoding.h"
 #include "support/EndOfDay.h"
@@ -248,6 +248,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const InputTime time;
     Day(session, plugIn).live(bytes, time);
     endDay(session, plugIn);
-    if (!(host::objectCounts() == before) || !plugIn.misdeeds().empty()) std::abort();
+    if (!(host::objectCounts() == before) || !plugIn.violations().empty()) std::abort();
     return time.answer();
 }

@@ -1,10 +1,10 @@
-#include "host/app/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/calc/Evaluation.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
 #include <cstdlib>
@@ -247,11 +247,11 @@ TEST(Session, ScriptsRunInOrderInAScopeOfTheirOwn) {
     EXPECT_EQ(session.runWaitingScripts(), 2U);
     EXPECT_EQ(textOf(session, u"$$log"), "xy");
 
-    for (std::size_t i = 0; i < Session::mostWaitingScripts; ++i)
+    for (std::size_t i = 0; i < Session::kMostWaitingScripts; ++i)
         session.startScript(u"Untitled", u"Note", nullptr);
     EXPECT_EQ(errors.back(), 0);
     EXPECT_EQ(session.startScript(u"Untitled", u"Note", nullptr), calc::error::unavailable);
-    EXPECT_EQ(session.runWaitingScripts(), Session::mostScriptsPerRun);
+    EXPECT_EQ(session.runWaitingScripts(), Session::kMostScriptsPerRun);
 }
 
 fmx::errcode countArguments(short id, const fmx::ExprEnv&, const fmx::DataVect& arguments,
@@ -286,10 +286,10 @@ TEST_F(LoadedSample, RegistrationsAreChecked) {
     const auto with = [](void (*change)(F&)) {
         F function = row(3, u"Sample_Third");
         change(function);
-        return PlugIn::registerFunction(function);
+        return Session::current()->registerFunction(function);
     };
     for (const char16_t* name : {u"", u"3rd", u"a b", u"a+b", u"a(", u"and", u"$a", u"a\xD800"})
-        EXPECT_EQ(PlugIn::registerFunction(row(3, name)), 1200) << toUtf8(name);
+        EXPECT_EQ(Session::current()->registerFunction(row(3, name)), 1200) << toUtf8(name);
     EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 0; }), 1200);
     EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 'X'; }), 1200);
     EXPECT_EQ(with([](F& f) { f.id = 0; }), 1200);
@@ -299,7 +299,7 @@ TEST_F(LoadedSample, RegistrationsAreChecked) {
     EXPECT_EQ(with([](F& f) { f.prototype = u"Sample_ThirdParty"; }), 1200);
     EXPECT_EQ(with([](F& f) { f.id = 1; }), 1210);
     for (const char16_t* taken : {u"SAMPLE_first", u"Upper"})
-        EXPECT_EQ(PlugIn::registerFunction(row(3, taken)), 1210);
+        EXPECT_EQ(Session::current()->registerFunction(row(3, taken)), 1210);
     EXPECT_EQ(plugIn->refusedRegistrations().size(), 18U);
     EXPECT_EQ(with([](F&) {}), 0);
     EXPECT_EQ(plugIn->functions().size(), 3U);
@@ -307,12 +307,12 @@ TEST_F(LoadedSample, RegistrationsAreChecked) {
 
 TEST_F(LoadedSample, RegisteredFunctionsServeCalculationsUntilWithdrawn) {
     for (const RegisteredFunction& function : {row(3, u"MyCount"), row(98, u"MyRefuse"), row(99, u"MyThrow")})
-        ASSERT_EQ(PlugIn::registerFunction(function), 0);
+        ASSERT_EQ(Session::current()->registerFunction(function), 0);
     EXPECT_EQ(textOf(session, u"mycount ( 1 ; 2 ) + Sample_First"), "3");
     EXPECT_EQ(session.evaluate(u"MyRefuse").error, 14);
     EXPECT_EQ(textOf(session, u"EvaluationError ( MyRefuse ( ) )"), "14");
     EXPECT_EQ(session.evaluate(u"MyThrow").error, 1200);
-    EXPECT_EQ(plugIn->misdeeds(), std::vector{PlugIn::Misdeed::threwFromHandler});
+    EXPECT_EQ(plugIn->violations(), std::vector{PlugIn::Violation::threwFromHandler});
 
     const auto kept = calc::parse(u"Sample_First", session.functions()).expression;
     const calc::Environment scope = session.environment(session.front());

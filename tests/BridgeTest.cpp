@@ -9,8 +9,8 @@
 #include "StringUtils.h"
 #include "cFMUtils.h"
 #include "fmlib.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/Session.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Data.h"
 #include "host/values/Encoding.h"
 

@@ -131,7 +131,7 @@ TEST_F(CalcTest, WrongExpressionsAnswerTheirCode) {
     for (const Wrong& example : examples) {
         const Parsed parsed = parse(fromUtf8(example.source), table);
         EXPECT_EQ(parsed.error, example.error) << example.source;
-        EXPECT_EQ(parsed.position, example.position) << example.source;
+        EXPECT_EQ(parsed.problem.position, example.position) << example.source;
         EXPECT_FALSE(parsed.expression) << example.source;
         EXPECT_NE(errorMessage(parsed.error), "unknown error");
     }

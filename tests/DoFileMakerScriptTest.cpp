@@ -2,8 +2,8 @@
 
 #include "Scripts.h"
 #include "cFMUtils.h"
-#include "host/app/Clock.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/values/Clock.h"
 #include "platform/Delay.h"
 #include "platform/Units.h"
 

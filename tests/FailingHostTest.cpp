@@ -2,9 +2,9 @@
 #include "RealisticCalls.h"
 #include "WebServices.h"
 
-#include "host/app/Clock.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/values/Clock.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -49,7 +49,7 @@ protected:
     /// What the plug-in did wrong at a point; empty when it bore it.
     std::string troubleAt(const Row& row, Point& point) {
         const host::ObjectCounts before = host::objectCounts();
-        const std::size_t escaped = plugIn.misdeeds().size();
+        const std::size_t escaped = plugIn.violations().size();
         row.prepare();
         host::faults().arm(point.nth, point.kind, point.fromThenOn);
         row.action();
@@ -60,7 +60,7 @@ protected:
             trouble += "; the next call gives " + next;
         if (const auto kept = (host::objectCounts() - before).describe(); !kept.empty())
             trouble += "; kept are " + kept;
-        return plugIn.misdeeds().size() == escaped ? trouble : trouble + "; an exception escapes";
+        return plugIn.violations().size() == escaped ? trouble : trouble + "; an exception escapes";
     }
 
     /// Tries a row at its first, second, … host call, until it makes no more; counts the points tried and

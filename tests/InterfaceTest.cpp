@@ -1,10 +1,10 @@
 #include "FMWrapper/FMXCalcEngine.h"
 #include "FMWrapper/FMXData.h"
-#include "host/app/Clock.h"
-#include "host/app/Faults.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
+#include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "FunctionCalls.h"
 
-#include "host/app/Clock.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/values/Clock.h"
 
 #include <bitset>
 #include <cstdlib>
@@ -70,7 +70,7 @@ TEST_F(Lifecycle, AThousandLoadsLeaveNothingButWhatIsStored) {
         ASSERT_EQ(textOf(session, u"Kestrel_GetGlobal ( \"greeting\" ) & Sample_First"), "Ada1");
         if (i == 0) stored = (host::objectCounts() - before).total();
         ASSERT_EQ((host::objectCounts() - before).total(), stored) << "load " << i;
-        ASSERT_TRUE(plugIn.misdeeds().empty());
+        ASSERT_TRUE(plugIn.violations().empty());
         if (i % 2 == 0) session.end();
         if (i + 1 == manyTimes) textOf(session, u"Kestrel_SetGlobal ( \"\" ; 1 )");
     }
@@ -94,7 +94,7 @@ TEST_F(Lifecycle, WhatWasAskedForBeforeAShutdownIsDoneAfterTheNextStart) {
         ++started;
     EXPECT_EQ(started, manyTimes);
     EXPECT_EQ(textOf(session, u"Kestrel_SetGlobal ( \"\" ; 1 )"), "");
-    EXPECT_TRUE(plugIn.misdeeds().empty());
+    EXPECT_TRUE(plugIn.violations().empty());
 }
 
 /// How a process ends.
@@ -139,7 +139,7 @@ struct Remains {
         left.other.reset();
         left.session.reset();
     }
-    const bool isSound = !testing::Test::HasFailure() && (!left.ours || left.ours->misdeeds().empty());
+    const bool isSound = !testing::Test::HasFailure() && (!left.ours || left.ours->violations().empty());
     std::exit(isSound ? 0 : 1);
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/app/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ protected:
     void SetUp() override { ASSERT_EQ(plugIn.init(), 60); }
     void TearDown() override {
         host::faults().disarm();
-        EXPECT_TRUE(plugIn.misdeeds().empty());
+        EXPECT_TRUE(plugIn.violations().empty());
     }
 
     host::calc::Result evaluate(const std::string& calculation) {

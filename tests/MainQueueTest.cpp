@@ -1,9 +1,9 @@
 #include "host/dispatch/MainQueue.h"
 
-#include "host/app/Clock.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/dispatch/dispatch/dispatch.h"
+#include "host/values/Clock.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -152,7 +152,7 @@ TEST_F(MainQueue, BlocksAreCopiedAndReleasedRunOrNot) {
     EXPECT_EQ(*kept, 1);
 }
 
-TEST_F(MainQueue, WhatThrowsIsAMisdeedOfItsPlugIn) {
+TEST_F(MainQueue, reportsWorkThatThrowsAsAViolationOfItsPlugIn) {
     host::Session session;
     auto plugIn =
         std::make_unique<host::PlugIn>(session, std::filesystem::path(KESTREL_BROKEN_DIR) / "Sound.so");
@@ -163,14 +163,14 @@ TEST_F(MainQueue, WhatThrowsIsAMisdeedOfItsPlugIn) {
         });
     };
     throwing();
-    host::PlugIn::runFor(plugIn.get(), throwing);
+    host::WorkOwner::run(plugIn.get(), throwing);
     write(DISPATCH_TIME_NOW, 'c');
     EXPECT_EQ(queue.drain(), 3U);
     EXPECT_EQ(order, "c");
     EXPECT_EQ(queue.failures() - before, 2U);
-    EXPECT_EQ(plugIn->misdeeds(), std::vector{host::PlugIn::Misdeed::threwFromBlock});
+    EXPECT_EQ(plugIn->violations(), std::vector{host::PlugIn::Violation::threwFromBlock});
 
-    host::PlugIn::runFor(plugIn.get(), throwing);
+    host::WorkOwner::run(plugIn.get(), throwing);
     write(DISPATCH_TIME_NOW, 'd');
     plugIn.reset(); // takes along what belongs to it
     EXPECT_EQ(drained(), "d");

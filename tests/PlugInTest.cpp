@@ -39,7 +39,7 @@ TEST_F(UnloadedPlugIn, bearsMessagesInAnyOrderAndStartsAgain) {
     }
     plugIn.shutdown();
     idle();
-    EXPECT_TRUE(plugIn.misdeeds().empty());
+    EXPECT_TRUE(plugIn.violations().empty());
 }
 
 TEST_F(UnloadedPlugIn, takesBackWhatItRegisteredWhenOneRegistrationFails) {

@@ -1,7 +1,7 @@
 #include "FunctionCalls.h"
 
-#include "host/app/Clock.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/values/Clock.h"
 
 #include <dlfcn.h>
 #include <filesystem>
@@ -155,7 +155,7 @@ TEST_F(Scripts, RunOneAfterAnotherNeverInsideEachOther) {
     EXPECT_EQ(textOf("$$log"), "()i1");
 
     start("\"Again\"");
-    EXPECT_EQ(session.turn().scripts, host::Session::mostScriptDepth);
+    EXPECT_EQ(session.turn().scripts, host::Session::kMostScriptDepth);
     session.turn();
     start("\"Again\"");
     session.close(desk);

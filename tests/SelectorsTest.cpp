@@ -2,7 +2,7 @@
 #include "FunctionCalls.h"
 #include "Handlers.h"
 #include "InlineDocumentation.h"
-#include "host/app/Clock.h"
+#include "host/values/Clock.h"
 
 #include <cstdlib>
 #include <locale>

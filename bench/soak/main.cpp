@@ -1,8 +1,8 @@
-#include "host/app/Clock.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/fmwrapper/ObjectCounts.h"
+#include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 #include "tests/RealisticCalls.h"
 #include "tests/WebServices.h"
@@ -88,7 +88,7 @@ public:
         run += serve();
         session_.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 )");
         if (run != asked) std::printf("%zu scripts were asked for, %zu ran\n", asked, run);
-        return areRight && run == asked && plugIn_.misdeeds().empty();
+        return areRight && run == asked && plugIn_.violations().empty();
     }
 
 private:

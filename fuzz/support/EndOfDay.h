@@ -1,12 +1,12 @@
 #pragma once
 
 #include "LeftThreads.h"
-#include "host/app/Clock.h"
-#include "host/app/Faults.h"
 #include "host/app/File.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/values/Clock.h"
 
 /// Ends a day in a plug-in's life: nothing fails any more, files but the first are closed, and the plug-in
 /// is told to give up everything. Whatever it was asked to keep, nothing of it is left behind this.

@@ -2,10 +2,10 @@
 
 #include "EndOfDay.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
 #include <cstdint>
@@ -55,7 +55,7 @@ public:
             endDay(session_, plugIn_);
             start();
         }
-        require(host::objectCounts() == before && plugIn_.misdeeds().empty());
+        require(host::objectCounts() == before && plugIn_.violations().empty());
     }
 
 private:

@@ -1,9 +1,9 @@
 #include "host/app/File.h"
 
-#include "host/app/Clock.h"
 #include "host/app/Database.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
+#include "host/values/Clock.h"
 
 #include <array>
 #include <utility>

@@ -12,7 +12,7 @@ class Session;
 class Database;
 
 /// An open file. See Session for how files come and go.
-class File final : public calc::Surroundings {
+class File final : public calc::FileContext {
 public:
     /// Throws std::runtime_error when the tables cannot be made.
     File(Session& session, std::uint64_t id, Solution solution);

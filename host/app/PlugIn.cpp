@@ -30,20 +30,6 @@ constexpr const char* entryPointName = "FMExternCallProc";
 constexpr std::u16string_view hostVersionText = u"Kestrel Host 1.0"; // a literal: it ends in a zero
 constexpr FMX_PtrType englishLanguage = 0;
 
-/// The plug-in whose code runs: it is the one that registers.
-thread_local PlugIn* runningPlugIn = nullptr;
-
-class Running {
-public:
-    explicit Running(PlugIn* plugIn) : before_(std::exchange(runningPlugIn, plugIn)) {}
-    ~Running() { runningPlugIn = before_; }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-private:
-    PlugIn* before_;
-};
-
 FMX_PtrType address(const void* pointer) { return reinterpret_cast<FMX_PtrType>(pointer); }
 
 FMX_ErrorCode startScript(const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl /*control*/,
@@ -140,7 +126,7 @@ void PlugIn::send(FMX_ExternCallStruct& block) {
     try {
         entryPoint_(&block_);
     } catch (...) {
-        misdeeds_.push_back(Misdeed::threwFromMessage);
+        violations_.push_back(Violation::threwFromMessage);
     }
     block = block_;
     if (isNested) block_ = before;
@@ -151,10 +137,10 @@ std::int64_t PlugIn::init(std::int16_t hostVersion) {
     FMX_ExternCallStruct block = message(kFMXT_Init);
     block.parm1 = kFMXT_Mobile;
     block.parm2 = address(hostVersionText.data());
-    const std::size_t misdeedsBefore = misdeeds_.size();
+    const std::size_t violationsBefore = violations_.size();
     send(block);
-    const auto answer = misdeeds_.size() > misdeedsBefore ? std::int64_t{kDoNotEnable}
-                                                          : static_cast<std::int64_t>(block.result);
+    const auto answer = violations_.size() > violationsBefore ? std::int64_t{kDoNotEnable}
+                                                              : static_cast<std::int64_t>(block.result);
     enabled_ = answer >= kMinExtnVersion && answer <= kMaxExtnVersion;
     while (!enabled_ && !functions_.empty())
         withdraw(functions_.size() - 1);
@@ -191,19 +177,6 @@ void PlugIn::sessionShutdown() {
     FMX_ExternCallStruct block = message(kFMXT_SessionShutdown);
     block.parm2 = session_.id();
     send(block);
-}
-
-PlugIn* PlugIn::running() { return runningPlugIn; }
-
-bool PlugIn::runFor(PlugIn* owner, const std::function<void()>& work) {
-    const Running running(owner);
-    try {
-        work();
-        return true;
-    } catch (...) {
-        if (owner != nullptr) owner->misdeeds_.push_back(Misdeed::threwFromBlock);
-        return false;
-    }
 }
 
 PlugIn::StringAnswer PlugIn::readString(int request, std::uint32_t units) {
@@ -247,7 +220,7 @@ fmx::errcode PlugIn::callHandler(std::int16_t id, fmx::ExtPluginType handler, co
     try {
         return handler(id, environment, arguments, result);
     } catch (...) {
-        misdeeds_.push_back(Misdeed::threwFromHandler);
+        violations_.push_back(Violation::threwFromHandler);
         return calc::error::unspecific;
     }
 }
@@ -274,7 +247,7 @@ std::int16_t PlugIn::problemWith(const RegisteredFunction& function) const {
     return static_cast<std::int16_t>(isTaken ? calc::error::alreadyRegistered : calc::error::none);
 }
 
-std::int16_t PlugIn::take(RegisteredFunction function) {
+std::int16_t PlugIn::registerFunction(RegisteredFunction function) {
     if (const std::int16_t problem = problemWith(function); problem != calc::error::none) {
         refusals_.push_back(function.id);
         return problem;
@@ -310,24 +283,13 @@ void PlugIn::withdraw(std::size_t index) {
     links_.erase(links_.begin() + place);
 }
 
-std::int16_t PlugIn::registerFunction(RegisteredFunction function) {
-    if (runningPlugIn != nullptr) return runningPlugIn->take(std::move(function));
-    // A plug-in may also register from a timer of its own, when no message runs.
-    const Session* session = Session::current();
-    if (session == nullptr || session->plugIns().size() != 1) return calc::error::unspecific;
-    return session->plugIns().front()->take(std::move(function));
-}
-
-std::int16_t PlugIn::unregisterFunction(const QuadChar& creator, std::int16_t id) {
-    const Session* session = Session::current();
-    if (session == nullptr) return calc::error::unspecific;
-    for (PlugIn* plugIn : session->plugIns())
-        for (std::size_t i = 0; i < plugIn->functions_.size(); ++i)
-            if (plugIn->functions_[i].creator == creator && plugIn->functions_[i].id == id) {
-                plugIn->withdraw(i);
-                return calc::error::none;
-            }
-    return calc::error::unspecific;
+bool PlugIn::unregisterFunction(const QuadChar& creator, std::int16_t id) {
+    for (std::size_t i = 0; i < functions_.size(); ++i) {
+        if (functions_[i].creator != creator || functions_[i].id != id) continue;
+        withdraw(i);
+        return true;
+    }
+    return false;
 }
 
 } // namespace host

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
 #include "FMWrapper/FMXExtern.h"
-#include "host/values/Binary.h"
+#include "host/dispatch/WorkOwner.h"
+#include "host/fmwrapper/Application.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -16,21 +16,11 @@ namespace host {
 
 class Session;
 
-/// An external function as a plug-in registered it.
-struct RegisteredFunction {
-    QuadChar creator;
-    std::int16_t id;
-    std::u16string name, prototype;
-    std::int16_t minimum, maximum;
-    std::uint32_t flags;
-    fmx::ExtPluginType handler;
-};
-
 /// A plug-in in this process: loading, messages, what it registered, unloading.
-class PlugIn {
+class PlugIn final : public WorkOwner {
 public:
-    /// What a plug-in did that a host must not be asked to bear.
-    enum class Misdeed : std::uint8_t { threwFromMessage, threwFromHandler, threwFromBlock };
+    /// What a plug-in did that the contract forbids.
+    enum class Violation : std::uint8_t { threwFromMessage, threwFromHandler, threwFromBlock };
 
     /// Loads a library and finds its entry point; throws std::runtime_error with the loader's words. No
     /// message is sent yet.
@@ -51,7 +41,7 @@ public:
     void sessionShutdown();
     /// Sends any message: what it asks is sent as it stands, the host's own fields (entry point, instance,
     /// callbacks) are filled in, and what the plug-in wrote is given back. An exception that the plug-in lets
-    /// out is recorded as a misdeed.
+    /// out is recorded as a violation.
     void send(FMX_ExternCallStruct& block);
 
     /// The answer to a string request. The buffer has `units` units; `overrun` says whether the plug-in wrote
@@ -68,35 +58,28 @@ public:
 
     [[nodiscard]] bool isEnabled() const { return enabled_; }
     [[nodiscard]] const std::vector<RegisteredFunction>& functions() const { return functions_; }
-    [[nodiscard]] const std::vector<Misdeed>& misdeeds() const { return misdeeds_; }
+    [[nodiscard]] const std::vector<Violation>& violations() const { return violations_; }
     [[nodiscard]] const std::vector<std::int16_t>& refusedRegistrations() const { return refusals_; }
 
     /// Calls a registered function directly, without a calculation. Counts are not checked.
-    /// An exception that leaves the handler is recorded as a misdeed and answers 1200.
+    /// An exception that leaves the handler is recorded as a violation and answers 1200.
     fmx::errcode call(const RegisteredFunction& function, const fmx::ExprEnv& environment,
                       const fmx::DataVect& arguments, fmx::Data& result);
 
-    /// The plug-in whose code runs on this thread; null when none does.
-    static PlugIn* running();
-    /// Runs work that a plug-in left for later, or nobody in particular; false when it threw, which is then
-    /// recorded as a misdeed.
-    static bool runFor(PlugIn* owner, const std::function<void()>& work);
-
     static constexpr std::int16_t currentHostVersion = 71;
 
-    /// Registration as the plug-in being messaged asks for it (FM_ExprEnv_RegisterExternalFunction); the
-    /// SDK's codes: 0, 1210 for a name or identifier that is taken, 1200 for a name, prototype or counts that
-    /// make no sense.
-    static std::int16_t registerFunction(RegisteredFunction function);
-    static std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id);
+    /// As in Application, for this plug-in.
+    std::int16_t registerFunction(RegisteredFunction function);
+    /// False when this plug-in has no such function.
+    bool unregisterFunction(const QuadChar& creator, std::int16_t id);
 
 private:
     struct Link; ///< how a row of the function table reaches its plug-in
 
+    void workThrew() override { violations_.push_back(Violation::threwFromBlock); }
     FMX_ExternCallStruct message(FMX_ExternCallSwitch which) const;
     fmx::errcode callHandler(std::int16_t id, fmx::ExtPluginType handler, const fmx::ExprEnv& environment,
                              const fmx::DataVect& arguments, fmx::Data& result);
-    std::int16_t take(RegisteredFunction function);
     [[nodiscard]] std::int16_t problemWith(const RegisteredFunction& function) const;
     void withdraw(std::size_t index);
 
@@ -112,7 +95,7 @@ private:
     std::vector<RegisteredFunction> functions_;
     std::vector<std::shared_ptr<Link>> links_; ///< of functions_, in the same order
     std::vector<std::int16_t> refusals_;
-    std::vector<Misdeed> misdeeds_;
+    std::vector<Violation> violations_;
 };
 
 } // namespace host

@@ -33,12 +33,14 @@ Session::Session()
       topLevel_(std::make_shared<calc::Variables>()), lastError_(std::make_shared<int>(0)) {
     if (currentSession != nullptr) throw std::logic_error("a process has one session at a time");
     currentSession = this;
+    setCurrent(this);
 }
 
 Session::~Session() {
     onScriptCall = nullptr; // those who listen may be gone
     onFileClosed = nullptr;
     end();
+    setCurrent(nullptr);
     currentSession = nullptr;
 }
 
@@ -53,6 +55,20 @@ void Session::end() {
 }
 
 Session* Session::current() { return currentSession; }
+
+std::int16_t Session::registerFunction(RegisteredFunction function) {
+    if (auto* plugIn = static_cast<PlugIn*>(WorkOwner::running()))
+        return plugIn->registerFunction(std::move(function));
+    // A plug-in may also register from a timer of its own, when no message runs.
+    if (plugIns_.size() != 1) return calc::error::unspecific;
+    return plugIns_.front()->registerFunction(std::move(function));
+}
+
+std::int16_t Session::unregisterFunction(const QuadChar& creator, std::int16_t id) {
+    const auto withdraws = [&](PlugIn* plugIn) { return plugIn->unregisterFunction(creator, id); };
+    const bool isWithdrawn = std::any_of(plugIns_.begin(), plugIns_.end(), withdraws);
+    return static_cast<std::int16_t>(isWithdrawn ? calc::error::none : calc::error::unspecific);
+}
 
 std::uint64_t Session::open(Solution solution) {
     if (find(solution.name)) throw std::runtime_error("a file named " + toUtf8(solution.name) + " is open");
@@ -117,7 +133,7 @@ int Session::startScript(std::u16string_view fileName, std::u16string_view scrip
         call.error = calc::error::missingFile;
     else if (file->script(scriptName) == nullptr)
         call.error = calc::error::missingScript;
-    else if (call.depth > mostScriptDepth || waiting_.size() >= mostWaitingScripts)
+    else if (call.depth > kMostScriptDepth || waiting_.size() >= kMostWaitingScripts)
         call.error = calc::error::unavailable;
     if (call.error == calc::error::none) waiting_.push_back(call);
     ++scriptCalls_;
@@ -138,7 +154,7 @@ void Session::run(const Script& script, const ScriptCall& call, const std::share
 std::size_t Session::runWaitingScripts() {
     if (runningDepth_ > 0) return 0;
     std::size_t count = 0;
-    while (count < mostScriptsPerRun && !waiting_.empty()) {
+    while (count < kMostScriptsPerRun && !waiting_.empty()) {
         const ScriptCall call = std::move(waiting_.front());
         waiting_.pop_front();
         const std::shared_ptr<File> file = find(call.fileName);

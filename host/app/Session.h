@@ -2,6 +2,7 @@
 
 #include "host/app/Solution.h"
 #include "host/calc/Engine.h"
+#include "host/fmwrapper/Application.h"
 
 #include <cstdint>
 #include <deque>
@@ -28,7 +29,7 @@ struct ScriptCall {
 
 /// A user's session: the open files in the order they were opened, and where calculations run. One at a time
 /// in a process; FM_… functions find it through `Session::current`.
-class Session {
+class Session final : public Application {
 public:
     Session();
     ~Session();
@@ -40,7 +41,11 @@ public:
 
     [[nodiscard]] std::uint64_t id() const { return id_; }
     /// Functions that calculations may call, built-in and registered.
-    [[nodiscard]] const std::shared_ptr<calc::FunctionTable>& functions() const { return functions_; }
+    [[nodiscard]] const std::shared_ptr<calc::FunctionTable>& functions() const override {
+        return functions_;
+    }
+    std::int16_t registerFunction(RegisteredFunction function) override;
+    std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id) override;
 
     /// Opens a solution (the first one is the file that calculates); throws std::runtime_error naming the
     /// cause when its tables cannot be made or a file of that name is open.
@@ -65,17 +70,17 @@ public:
     calc::Result evaluate(std::u16string_view source);
 
     /// The start-script call: 0, 100 (no such file open), 104 (no such script), or 3 where scripts started
-    /// one another mostScriptDepth times or mostWaitingScripts wait. An accepted script waits for
+    /// one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
     /// `runWaitingScripts`. Every call, accepted or not, is told to `onScriptCall`.
     int startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
     /// Runs what waits and what that starts in turn, in order, each script's calculations in one variable
-    /// scope; an error in one does not stop the next. Gives the number run, at most mostScriptsPerRun; what
+    /// scope; an error in one does not stop the next. Gives the number run, at most kMostScriptsPerRun; what
     /// is left then waits for the next call. A script whose file has closed meanwhile is dropped. Between the
     /// calculations of a script the plug-ins are told that one runs (idle, kFMXT_ScriptRunning). A call from
     /// within a script does nothing: scripts run one after another, never inside each other.
     std::size_t runWaitingScripts();
-    static constexpr std::size_t mostScriptsPerRun = 10'000, mostScriptDepth = 1'000,
-                                 mostWaitingScripts = 100'000;
+    static constexpr std::size_t kMostScriptsPerRun = 10'000, kMostScriptDepth = 1'000,
+                                 kMostWaitingScripts = 100'000;
     std::function<void(const ScriptCall&)> onScriptCall;
 
     /// One turn of the host's loop, as it comes a few times a second while the user does nothing: what is due

@@ -27,10 +27,10 @@ DataRef emptyResult();
 DataRef questionMark();
 
 /// A text may not outgrow this; beyond, the calculation's error is 1200.
-inline constexpr std::size_t mostUnits = std::size_t{1} << 28U;
+inline constexpr std::size_t kMostUnits = std::size_t{1} << 28U;
 /// Throws that error for a text of so many units.
 inline void checkTextSize(std::size_t units) {
-    if (units > mostUnits) throw Error{error::unspecific};
+    if (units > kMostUnits) throw Error{error::unspecific};
 }
 
 /// A row of a family's table: a function that needs its arguments alone.

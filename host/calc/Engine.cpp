@@ -143,7 +143,7 @@ Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> fu
         try {
             parsed.expression = parser.parse();
         } catch (const Error&) {
-            parsed.position = parser.position();
+            parsed.problem.position = parser.position();
             throw;
         }
     });
@@ -151,7 +151,7 @@ Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> fu
 }
 
 Result evaluate(const Expression& expression, const Environment& environment) {
-    Result result{.error = error::missingFile, .value = emptyResult()};
+    Result result{.error = error::missingFile, .value = emptyResult(), .problem = {}};
     if (!environment.file || !environment.file->isOpen()) return result;
     result.error = guarded([&] {
         const Work work;
@@ -165,7 +165,7 @@ Result evaluate(const Expression& expression, const Environment& environment) {
 Result evaluate(std::u16string_view source, const Environment& environment,
                 std::shared_ptr<const FunctionTable> functions) {
     const Parsed parsed = parse(source, std::move(functions));
-    if (parsed.error != error::none) return {.error = parsed.error, .value = emptyResult()};
+    if (parsed.error != error::none) return {.error = parsed.error, .value = emptyResult(), .problem = parsed.problem};
     return evaluate(*parsed.expression, environment);
 }
 

@@ -72,10 +72,17 @@ private:
 class Expression;
 using ExpressionRef = std::shared_ptr<const Expression>;
 
+/// Where a calculation is wrong, and how to say it to people.
+struct Problem {
+    std::uint32_t position = 0, length = 0; ///< the offending part, in units of the source
+    std::u16string near;                    ///< its text; empty at the end of the source
+    std::string message;                    ///< UTF-8; empty: errorMessage of the code says it all
+};
+
 struct Parsed {
     int error = 0;
-    std::uint32_t position = 0; ///< of the error, in units of the source
-    ExpressionRef expression;   ///< null on an error
+    Problem problem;
+    ExpressionRef expression; ///< null on an error
 };
 /// Nesting deeper than 400 levels answers 1200. An empty or blank source is a calculation with an empty
 /// result.
@@ -83,7 +90,8 @@ Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> fu
 
 struct Result {
     int error = 0;
-    DataRef value; ///< never null: empty text on an error
+    DataRef value;   ///< never null: empty text on an error
+    Problem problem; ///< set on an error
 };
 Result evaluate(const Expression& expression, const Environment& environment);
 /// Parses and evaluates. `functions` also serves what the calculation itself evaluates.

@@ -34,9 +34,9 @@ struct SqlAnswer {
 };
 
 /// The file a calculation runs in, as the engine sees it.
-class Surroundings {
+class FileContext {
 public:
-    virtual ~Surroundings() = default;
+    virtual ~FileContext() = default;
     [[nodiscard]] virtual bool isOpen() const = 0;
     virtual Variables& fileVariables() = 0;
     /// The value of Get ( name ), whose name comes folded; nothing when there is no such name. The engine
@@ -65,8 +65,8 @@ struct ScriptFrame {
 struct Environment {
     std::uint64_t sessionId = 0;
     std::uint64_t fileId = 0;
-    std::shared_ptr<Surroundings> file; ///< none: nothing can be evaluated (error 100)
-    std::shared_ptr<Variables> locals;  ///< the `$` variables
+    std::shared_ptr<FileContext> file; ///< none: nothing can be evaluated (error 100)
+    std::shared_ptr<Variables> locals; ///< the `$` variables
     std::shared_ptr<const ScriptFrame> script;
     std::shared_ptr<int> lastError; ///< what Get ( LastError ) answers
 };

@@ -31,7 +31,7 @@ void chargeFor(const Data& value) {
 } // namespace
 
 Nesting::Nesting(int levels) : levels_(levels) {
-    if (occupied.evaluations >= mostEvaluations || occupied.levels + levels > mostLevels) exhaust();
+    if (occupied.evaluations >= kMostEvaluations || occupied.levels + levels > kMostLevels) exhaust();
     ++occupied.evaluations;
     occupied.levels += levels;
 }
@@ -48,7 +48,7 @@ Work::~Work() { occupied.steps = outer_; }
 
 void Work::charge(std::size_t steps) {
     occupied.steps += steps;
-    if (occupied.isExhausted || occupied.steps > mostSteps) exhaust();
+    if (occupied.isExhausted || occupied.steps > kMostSteps) exhaust();
 }
 
 DataRef Evaluation::run(const Expression& expression) {

@@ -21,7 +21,7 @@ struct Exhausted : Error {
 /// between included. Throws `Exhausted` when there is no room for another.
 class Nesting {
 public:
-    static constexpr int mostEvaluations = 100, mostLevels = 500;
+    static constexpr int kMostEvaluations = 100, kMostLevels = 500;
     explicit Nesting(int levels);
     ~Nesting();
     Nesting(const Nesting&) = delete;
@@ -35,7 +35,7 @@ private:
 /// itself takes part in it.
 class Work {
 public:
-    static constexpr std::size_t mostSteps = 4'000'000;
+    static constexpr std::size_t kMostSteps = 4'000'000;
     Work();
     ~Work();
     Work(const Work&) = delete;
@@ -56,7 +56,7 @@ public:
         : environment_(environment), functions_(std::move(functions)) {}
 
     [[nodiscard]] const Environment& environment() const { return environment_; }
-    [[nodiscard]] Surroundings& file() const { return *environment_.file; }
+    [[nodiscard]] FileContext& file() const { return *environment_.file; }
     [[nodiscard]] const std::shared_ptr<const FunctionTable>& functions() const { return functions_; }
 
     /// The value of a part of the calculation; never null. Throws `Error`.

@@ -36,7 +36,7 @@ constexpr std::u16string_view letName = u"let";
 class Parser::Level {
 public:
     explicit Level(Parser& parser) : parser_(parser) {
-        if (parser.level_ >= mostLevels) parser.fail(error::unspecific);
+        if (parser.level_ >= kMostLevels) parser.fail(error::unspecific);
         ++parser.level_;
         parser.expression_->levels = std::max(parser.expression_->levels, parser.level_);
     }

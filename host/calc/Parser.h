@@ -14,7 +14,7 @@ namespace host::calc {
 /// words where a function wants such; any other answers 102.
 class Parser {
 public:
-    static constexpr int mostLevels = 400;
+    static constexpr int kMostLevels = 400;
 
     /// `bound` are names that are bound around the calculation, innermost last.
     Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions,

@@ -231,7 +231,7 @@ std::u16string escaped(std::u16string_view units) {
     return html;
 }
 
-std::u16string declarations(Surroundings& file, const RunStyle& look) {
+std::u16string declarations(FileContext& file, const RunStyle& look) {
     std::u16string css;
     const CharacterStyle& style = look.style;
     if (style.isFontEnabled())

@@ -1,11 +1,11 @@
 #include "host/check/Checks.h"
 
-#include "host/app/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
 #include <array>
@@ -26,10 +26,11 @@ struct Bench {
     Session session;
     PlugIn plugIn;
 
-    [[nodiscard]] Finding misdeed() const {
-        for (const PlugIn::Misdeed misdeed : plugIn.misdeeds())
-            return misdeed == PlugIn::Misdeed::threwFromMessage ? "an exception left the entry point"
-                                                                : "an exception left a function's handler";
+    [[nodiscard]] Finding violation() const {
+        for (const PlugIn::Violation violation : plugIn.violations())
+            return violation == PlugIn::Violation::threwFromMessage
+                       ? "an exception left the entry point"
+                       : "an exception left a function's handler";
         return {};
     }
 };
@@ -57,14 +58,14 @@ Finding acceptsHost(const path& library) {
     if (answer < kMinExtnVersion || answer > kMaxExtnVersion)
         return "init answers " + std::to_string(answer) + ", which is no version from " +
                std::to_string(int{kMinExtnVersion}) + " to " + std::to_string(int{kMaxExtnVersion});
-    return bench.misdeed();
+    return bench.violation();
 }
 
 Finding bearsIdleBeforeInit(const path& library) {
     Bench bench(library);
     for (const unsigned char level : {0, 1, 2, 3, 4})
         bench.plugIn.idle(level);
-    return bench.misdeed();
+    return bench.violation();
 }
 
 Finding ignoresUnknownMessages(const path& library) {
@@ -78,7 +79,7 @@ Finding ignoresUnknownMessages(const path& library) {
         if (block.result != 12345)
             return "message " + std::to_string(int{message}) + " is unknown and got an answer";
     }
-    return running.misdeed();
+    return running.violation();
 }
 
 Finding readsString(const path& library, int request, const std::string& what, PlugIn::StringAnswer& answer) {
@@ -87,7 +88,7 @@ Finding readsString(const path& library, int request, const std::string& what, P
     if (answer.overrun) return "the " + what + " string is written past the end of the host's buffer";
     if (!answer.answered) return "the " + what + " string is never answered";
     if (answer.text.empty()) return "the " + what + " string is empty";
-    return running.misdeed();
+    return running.violation();
 }
 
 Finding answersName(const path& library) {
@@ -117,7 +118,7 @@ Finding registersCleanly(const path& library) {
         return "the registration of function " +
                std::to_string(running.plugIn.refusedRegistrations().front()) +
                " was refused (taken, or its name, prototype or counts make no sense)";
-    return running.misdeed();
+    return running.violation();
 }
 
 Finding registersItsCreator(const path& library) {
@@ -139,7 +140,7 @@ Finding loadsAgain(const path& library) {
         running.plugIn.preferences();
         running.plugIn.shutdown();
         running.plugIn.idle(0);
-        finding = running.misdeed();
+        finding = running.violation();
     }
     return finding;
 }
@@ -164,7 +165,7 @@ Finding bearsCalls(const path& library) {
     for (const RegisteredFunction& function : running.plugIn.functions())
         for (const DataVect& arguments : argumentLists(function)) {
             callOnce(running, function, arguments);
-            if (const Finding finding = running.misdeed(); !finding.empty())
+            if (const Finding finding = running.violation(); !finding.empty())
                 return toUtf8(function.name) + ": " + finding;
         }
     return {};
@@ -198,7 +199,7 @@ Finding callsUnderFaults(Running& running, const RegisteredFunction& function, c
         callOnce(running, function, arguments);
         const bool fired = faults().fired();
         faults().disarm();
-        Finding finding = running.misdeed();
+        Finding finding = running.violation();
         if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
             finding = "it keeps " + kept.describe();
         if (!finding.empty())

@@ -1,6 +1,6 @@
 #include "host/cli/Commands.h"
 
-#include "host/app/Clock.h"
+#include "host/values/Clock.h"
 #include "host/app/File.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Encoding.h"

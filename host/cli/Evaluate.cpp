@@ -1,7 +1,7 @@
 #include "host/cli/Commands.h"
 
-#include "host/app/Faults.h"
-#include "host/app/ObjectCounts.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 
 #include <chrono>
 #include <cstdio>

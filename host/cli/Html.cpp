@@ -1,8 +1,8 @@
 #include "host/cli/Commands.h"
 
-#include "host/app/Faults.h"
+#include "host/fmwrapper/Faults.h"
 #include "host/app/File.h"
-#include "host/app/ObjectCounts.h"
+#include "host/fmwrapper/ObjectCounts.h"
 #include "host/html/Reader.h"
 
 #include <algorithm>

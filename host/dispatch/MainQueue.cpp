@@ -1,6 +1,6 @@
 #include "host/dispatch/MainQueue.h"
 
-#include "host/app/PlugIn.h"
+#include "host/dispatch/WorkOwner.h"
 #include "host/dispatch/dispatch/dispatch.h"
 
 #include <Block.h>
@@ -38,7 +38,7 @@ MainQueue::Moment MainQueue::later(Moment when, std::int64_t nanoseconds) {
 void MainQueue::add(Moment when, Work work) {
     if (when == forever) return;
     if (when == DISPATCH_TIME_NOW) when = now();
-    Item item{.work = std::move(work), .owner = PlugIn::running()};
+    Item item{.work = std::move(work), .owner = WorkOwner::running()};
     const std::lock_guard lock(mutex_);
     waiting_.emplace(when, std::move(item));
 }
@@ -66,7 +66,7 @@ std::size_t MainQueue::drain() {
     isDraining_ = true;
     std::size_t count = 0;
     for (; std::optional<Item> item = nextDue(); ++count)
-        if (!PlugIn::runFor(item->owner, item->work)) ++failures_;
+        if (!WorkOwner::run(item->owner, item->work)) ++failures_;
     isDraining_ = false;
     return count;
 }
@@ -80,7 +80,7 @@ void MainQueue::clear() {
     due.swap(due_);
 }
 
-void MainQueue::drop(const PlugIn& owner) {
+void MainQueue::drop(const WorkOwner& owner) {
     std::vector<Item> dropped; // released when the lock is open again
     const std::lock_guard lock(mutex_);
     const auto isOwned = [&owner](const Item& item) { return item.owner == &owner; };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/app/Clock.h"
+#include "host/values/Clock.h"
 
 #include <cstdint>
 #include <deque>
@@ -11,7 +11,7 @@
 
 namespace host {
 
-class PlugIn;
+class WorkOwner;
 
 /// Work that plug-ins left for later, by its deadline on the host's clock: what stands behind the main queue
 /// of dispatch/dispatch.h. Work may be added on any thread; it runs where `drain` is called, in the host's
@@ -31,11 +31,11 @@ public:
     void add(Moment when, Work work);
     /// Runs what is due, by deadline and then in the order in which it was added; gives the number run. Work
     /// that is added meanwhile waits for the next call, and a call from within does nothing. What throws is a
-    /// misdeed of its plug-in.
+    /// violation of its plug-in.
     std::size_t drain();
     /// Drops everything, or what belongs to a plug-in, without running it.
     void clear();
-    void drop(const PlugIn& owner);
+    void drop(const WorkOwner& owner);
 
     [[nodiscard]] std::size_t pending() const;
     /// How long until something is due, on the host's clock: 0 when something is; nothing when nothing waits.
@@ -46,7 +46,7 @@ public:
 private:
     struct Item {
         Work work;
-        PlugIn* owner;
+        WorkOwner* owner;
     };
     void takeDue();
     std::optional<Item> nextDue();

@@ -1,8 +1,7 @@
 #include "FMWrapper/FMXCalcEngine.h"
 
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
 #include "host/calc/Engine.h"
+#include "host/fmwrapper/Application.h"
 #include "host/fmwrapper/Gate.h"
 #include "host/values/Data.h"
 
@@ -28,9 +27,9 @@ const Data& valueAt(const void* self, fmx::uint32 position) { return *in<DataVec
 
 /// The result is set when there is no error, and as it was otherwise.
 fmx::errcode evaluate(const Environment& environment, const Text& expression, Data& result) {
-    host::Session* session = host::Session::current();
-    if (session == nullptr) return host::calc::error::missingFile;
-    const auto answer = host::calc::evaluate(expression.units(), environment, session->functions());
+    const host::Application* application = host::Application::current();
+    if (application == nullptr) return host::calc::error::missingFile;
+    const auto answer = host::calc::evaluate(expression.units(), environment, application->functions());
     if (answer.error == 0) result = *answer.value;
     return static_cast<fmx::errcode>(answer.error);
 }
@@ -154,23 +153,26 @@ fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, 
                                                  const fmx::Text& functionPrototype, short minArgs,
                                                  short maxArgs, fmx::uint32 compatibleFlags,
                                                  fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&] {
-        return static_cast<fmx::errcode>(
-            host::PlugIn::registerFunction({.creator = in<host::QuadChar>(&pluginId),
-                                            .id = functionId,
-                                            .name = std::u16string(in<Text>(&functionName).units()),
-                                            .prototype = std::u16string(in<Text>(&functionPrototype).units()),
-                                            .minimum = minArgs,
-                                            .maximum = maxArgs,
-                                            .flags = compatibleFlags,
-                                            .handler = funcPtr}));
+    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+        host::Application* application = host::Application::current();
+        if (application == nullptr) return host::calc::error::unspecific;
+        return application->registerFunction(
+            {.creator = in<host::QuadChar>(&pluginId),
+             .id = functionId,
+             .name = std::u16string(in<Text>(&functionName).units()),
+             .prototype = std::u16string(in<Text>(&functionPrototype).units()),
+             .minimum = minArgs,
+             .maximum = maxArgs,
+             .flags = compatibleFlags,
+             .handler = funcPtr});
     });
 }
 fmx::errcode FM_ExprEnv_UnRegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
                                                    fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&] {
-        return static_cast<fmx::errcode>(
-            host::PlugIn::unregisterFunction(in<host::QuadChar>(&pluginId), functionId));
+    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+        host::Application* application = host::Application::current();
+        if (application == nullptr) return host::calc::error::unspecific;
+        return application->unregisterFunction(in<host::QuadChar>(&pluginId), functionId);
     });
 }
 

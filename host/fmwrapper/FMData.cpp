@@ -34,18 +34,18 @@ void setDateTime(void* self, const fmx::DateTime& given, DataType type, fmx::int
 }
 
 /// The file of an environment knows the fonts; without a file there are none.
-host::calc::Surroundings* fileOf(const fmx::ExprEnv& env) {
+host::calc::FileContext* fileOf(const fmx::ExprEnv& env) {
     return in<host::calc::Environment>(&env).file.get();
 }
 
 fmx::CharacterStyle::FontID fontId(const fmx::ExprEnv& env, const fmx::Text& name) {
     const auto units = in<Text>(&name).units();
-    host::calc::Surroundings* file = fileOf(env);
+    host::calc::FileContext* file = fileOf(env);
     return file == nullptr ? host::invalidFont : file->fontId(units);
 }
 
 bool fontName(const fmx::ExprEnv& env, fmx::CharacterStyle::FontID font, fmx::Text& name) {
-    host::calc::Surroundings* file = fileOf(env);
+    host::calc::FileContext* file = fileOf(env);
     const auto found = file == nullptr ? std::nullopt : file->fontName(font);
     Text& answer = in<Text>(&name);
     if (found) answer = Text(*found);

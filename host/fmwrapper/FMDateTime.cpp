@@ -1,8 +1,8 @@
 #include "FMWrapper/FMXDateTime.h"
 
-#include "host/app/Clock.h"
 #include "host/calc/Engine.h"
 #include "host/fmwrapper/Gate.h"
+#include "host/values/Clock.h"
 #include "host/values/Data.h"
 
 #include <stdexcept>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "FMWrapper/FMXClient.h"
-#include "host/app/Faults.h"
-#include "host/app/ObjectCounts.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ObjectCounts.h"
 
 #include <new>
 #include <utility>

@@ -180,7 +180,7 @@ void StyleSheet::addRule(std::string_view selectors, std::string_view block) {
     while (!selectors.empty()) {
         const std::string selector = simpleSelector(cut(selectors, ','));
         if (selector.empty()) continue;
-        if (rules_.size() == mostRules) throw std::runtime_error("more than 100000 style rules");
+        if (rules_.size() == kMostRules) throw std::runtime_error("more than 100000 style rules");
         const std::uint64_t weight = weightOf(selector) << weightShift;
         Declarations& rule = rules_[selector];
         for (std::size_t i = 0; i < propertyCount; ++i) {

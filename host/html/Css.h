@@ -62,9 +62,9 @@ private:
 /// The rules of all style blocks of a document. Rules within @media and the like are left out.
 class StyleSheet {
 public:
-    static constexpr std::size_t mostRules = 100'000;
+    static constexpr std::size_t kMostRules = 100'000;
 
-    /// Throws std::runtime_error when there are more than `mostRules` different selectors.
+    /// Throws std::runtime_error when there are more than `kMostRules` different selectors.
     void parse(std::string_view css);
     /// Lays what the sheet says of an element (lower case) with its classes (separated by blanks) over
     /// `declarations`. Classes count more than elements, both together more than either.

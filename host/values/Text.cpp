@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t mostUnits = 0x7FFFFFFF;
+constexpr std::size_t kMostUnits = 0x7FFFFFFF;
 
 const RunStyle defaultLook{};
 
@@ -43,7 +43,7 @@ void replaceRuns(std::vector<Text::Run>& runs, std::ptrdiff_t first, std::ptrdif
 }
 
 void checkSize(std::size_t units) {
-    if (units > mostUnits) throw std::length_error("a text would outgrow 2^31 units");
+    if (units > kMostUnits) throw std::length_error("a text would outgrow 2^31 units");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "host/app/ObjectCounts.h"
+#include "host/fmwrapper/ObjectCounts.h"
 
 #include <numeric>
 

@@ -1,7 +1,7 @@
 // The machine's gettimeofday, as everything in this process finds it: a plug-in, and the libraries that it
 // stands on, read the host's clock with it. The loader searches this library before the machine's own.
 
-#include "host/app/Clock.h"
+#include "host/values/Clock.h"
 
 #include <cstring>
 #include <ctime>

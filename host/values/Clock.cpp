@@ -1,4 +1,4 @@
-#include "host/app/Clock.h"
+#include "host/values/Clock.h"
 
 #include <algorithm>
 #include <ctime>

@@ -1,4 +1,4 @@
-#include "host/app/Faults.h"
+#include "host/fmwrapper/Faults.h"
 
 namespace host {
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+namespace host {
+
+/// The code that runs on a thread and that work on the main queue belongs to: a plug-in.
+class WorkOwner {
+public:
+    /// The owner whose code runs on this thread; null when none does.
+    static WorkOwner* running();
+    /// Runs work as the owner's code, or as nobody's for null. False when the work threw; the owner then
+    /// gets `workThrew`.
+    static bool run(WorkOwner* owner, const std::function<void()>& work);
+
+    /// Marks code of an owner as running for as long as the mark lives. Marks nest.
+    class Running {
+    public:
+        explicit Running(WorkOwner* owner);
+        ~Running();
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+
+    private:
+        WorkOwner* before_;
+    };
+
+protected:
+    ~WorkOwner() = default;
+
+private:
+    virtual void workThrew() = 0;
+};
+
+} // namespace host

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "host/calc/Engine.h"
+#include "host/values/Binary.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace host {
+
+/// An external function as a plug-in registered it.
+struct RegisteredFunction {
+    QuadChar creator;
+    std::int16_t id;
+    std::u16string name, prototype;
+    std::int16_t minimum, maximum; ///< counts of parameters; a maximum of -1 is no limit
+    std::uint32_t flags;
+    fmx::ExtPluginType handler;
+};
+
+/// The running application, as the interface's functions need it. A session implements it.
+class Application {
+public:
+    /// The process's application; null when none runs.
+    static Application* current();
+
+    /// The functions that calculations may call.
+    [[nodiscard]] virtual const std::shared_ptr<calc::FunctionTable>& functions() const = 0;
+    /// Registers a function for the plug-in that calls. Answers 0, 1210 for a name or identifier that is
+    /// taken, 1200 for a name, prototype or counts that make no sense.
+    virtual std::int16_t registerFunction(RegisteredFunction function) = 0;
+    /// Answers 0, or 1200 for a function that is not registered.
+    virtual std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id) = 0;
+
+protected:
+    ~Application() = default;
+    static void setCurrent(Application* application);
+};
+
+} // namespace host
