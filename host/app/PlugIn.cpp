@@ -121,7 +121,7 @@ void PlugIn::send(FMX_ExternCallStruct& block) {
     block.cCurrentEnv = setToCurrentEnvironment;
     // A message may be sent while another is served, which must find its block as it was.
     const FMX_ExternCallStruct before = std::exchange(block_, block);
-    const bool isNested = runningPlugIn == this;
+    const bool isNested = WorkOwner::running() == this;
     const Running running(this);
     try {
         entryPoint_(&block_);
