@@ -1,0 +1,25 @@
+# shellcheck shell=bash
+# Formatting and clang-tidy over every C++ file.
+# `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
+
+# The C++ files with one of the given extensions, separated by zero bytes.
+sources() {
+    local extension
+    for extension in "$@"; do
+        find "$root"/{include,Sources,host,tests,bench,fuzz} -name "*.$extension" -print0
+    done
+}
+
+check_format() {
+    say "checking the formatting"
+    sources cpp h | xargs -0 clang-format-19 --dry-run -Werror
+}
+
+# Prints what clang-tidy finds, without its count of what it left out.
+check_lint() {
+    say "checking with clang-tidy"
+    # The sanitizers' build has every source; clang-tidy takes its flags from there.
+    sources cpp | xargs -0 -P "$jobs" -n 1 bash -c '
+        found=$(clang-tidy-19 --quiet -p "$0" "$1" 2>&1) || { printf "%s\n" "$found"; exit 1; }
+    ' "$root/build/sanitize" >&2
+}
