@@ -69,8 +69,7 @@ bool FM_BinaryData_operatorNE(const void* _self, const fmx::BinaryData& that, fm
     return gate::call(_x, false, [&] { return in<Binary>(_self) != in<Binary>(&that); });
 }
 fmx::int32 FM_BinaryData_GetCount(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<Binary>(_self).streams().size()); });
+    return gate::number<fmx::int32>(_x, [&] { return in<Binary>(_self).streams().size(); });
 }
 fmx::int32 FM_BinaryData_GetIndex(const void* _self, const fmx::QuadChar& dataType, fmx::_fmxcpt& _x) {
     return gate::call(_x, -1, [&] {
@@ -78,19 +77,17 @@ fmx::int32 FM_BinaryData_GetIndex(const void* _self, const fmx::QuadChar& dataTy
     });
 }
 fmx::uint32 FM_BinaryData_GetTotalSize(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0),
-                      [&] { return static_cast<fmx::uint32>(in<Binary>(_self).totalSize()); });
+    return gate::number<fmx::uint32>(_x, [&] { return in<Binary>(_self).totalSize(); });
 }
 void FM_BinaryData_GetType(const void* _self, fmx::int32 index, fmx::QuadChar& dataType, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<host::QuadChar>(&dataType) = streamAt(_self, index).type; });
 }
 fmx::uint32 FM_BinaryData_GetSize(const void* _self, fmx::int32 index, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0),
-                      [&] { return static_cast<fmx::uint32>(streamAt(_self, index).bytes.size()); });
+    return gate::number<fmx::uint32>(_x, [&] { return streamAt(_self, index).bytes.size(); });
 }
 fmx::errcode FM_BinaryData_GetData(const void* _self, fmx::int32 index, fmx::uint32 offset,
                                    fmx::uint32 amount, void* buffer, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         const auto& streams = in<Binary>(_self).streams();
         if (index < 0 || static_cast<std::size_t>(index) >= streams.size())
             return host::calc::error::outOfRange;
@@ -102,7 +99,7 @@ fmx::errcode FM_BinaryData_GetData(const void* _self, fmx::int32 index, fmx::uin
 }
 fmx::errcode FM_BinaryData_Add(void* _self, const fmx::QuadChar& dataType, fmx::uint32 amount, void* buffer,
                                fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         in<Binary>(_self).add(in<host::QuadChar>(&dataType), bytesOf(buffer, amount));
         return 0;
     });
@@ -114,13 +111,13 @@ void FM_BinaryData_RemoveAll(void* _self, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<Binary>(_self).clear(); });
 }
 fmx::errcode FM_BinaryData_GetFNAMData(const void* _self, fmx::Text& filename, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         in<host::Text>(&filename) = in<Binary>(_self).fileName();
         return 0;
     });
 }
 fmx::errcode FM_BinaryData_AddFNAMData(void* _self, const fmx::Text& filename, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         in<Binary>(_self).setFileName(in<host::Text>(&filename));
         return 0;
     });

@@ -45,8 +45,7 @@ void FM_DataVect_Delete(void* _self, fmx::_fmxcpt& _x) {
     gate::destroy<DataVect, ObjectClass::dataVect>(_self, _x);
 }
 fmx::uint32 FM_DataVect_Size(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0),
-                      [&] { return static_cast<fmx::uint32>(in<DataVect>(_self).size()); });
+    return gate::number<fmx::uint32>(_x, [&] { return in<DataVect>(_self).size(); });
 }
 void FM_DataVect_Clear(void* _self, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<DataVect>(_self).clear(); });
@@ -103,8 +102,7 @@ void FM_RowVect_Delete(void* _self, fmx::_fmxcpt& _x) {
     gate::destroy<RowVect, ObjectClass::rowVect>(_self, _x);
 }
 fmx::uint32 FM_RowVect_Size(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0),
-                      [&] { return static_cast<fmx::uint32>(in<RowVect>(_self).size()); });
+    return gate::number<fmx::uint32>(_x, [&] { return in<RowVect>(_self).size(); });
 }
 bool FM_RowVect_IsEmpty(const void* _self, fmx::_fmxcpt& _x) {
     return gate::call(_x, false, [&] { return in<RowVect>(_self).empty(); });
@@ -122,14 +120,14 @@ void FM_ExprEnv_Delete(void* _self, fmx::_fmxcpt& _x) {
 }
 fmx::errcode FM_ExprEnv_Evaluate(const void* _self, const fmx::Text& expression, fmx::Data& result,
                                  fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         return evaluate(in<Environment>(_self), in<Text>(&expression), in<Data>(&result));
     });
 }
 fmx::errcode FM_ExprEnv_ExecuteFileSQL(const void* _self, const fmx::Text& expression,
                                        const fmx::Text& filename, const fmx::DataVect& parameters,
                                        fmx::RowVect& result, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         const Environment& env = in<Environment>(_self);
         const auto statement = in<Text>(&expression).units(), fileName = in<Text>(&filename).units();
         const DataVect& values = in<DataVect>(&parameters);
@@ -141,19 +139,17 @@ fmx::errcode FM_ExprEnv_ExecuteFileSQL(const void* _self, const fmx::Text& expre
     });
 }
 fmx::ptrtype FM_ExprEnv_SessionID(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::ptrtype>(0),
-                      [&] { return static_cast<fmx::ptrtype>(in<Environment>(_self).sessionId); });
+    return gate::number<fmx::ptrtype>(_x, [&] { return in<Environment>(_self).sessionId; });
 }
 fmx::ptrtype FM_ExprEnv_FileID(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::ptrtype>(0),
-                      [&] { return static_cast<fmx::ptrtype>(in<Environment>(_self).fileId); });
+    return gate::number<fmx::ptrtype>(_x, [&] { return in<Environment>(_self).fileId; });
 }
 fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
                                                  const fmx::Text& functionName,
                                                  const fmx::Text& functionPrototype, short minArgs,
                                                  short maxArgs, fmx::uint32 compatibleFlags,
                                                  fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         host::Application* application = host::Application::current();
         if (application == nullptr) return host::calc::error::unspecific;
         return application->registerFunction(
@@ -169,7 +165,7 @@ fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, 
 }
 fmx::errcode FM_ExprEnv_UnRegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
                                                    fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         host::Application* application = host::Application::current();
         if (application == nullptr) return host::calc::error::unspecific;
         return application->unregisterFunction(in<host::QuadChar>(&pluginId), functionId);

@@ -141,12 +141,11 @@ const fmx::Locale* FM_Data_GetLocale(const void* _self, fmx::_fmxcpt& _x) {
     return gate::refer<fmx::Locale, Locale>(_x, [&]() -> const Locale& { return in<Data>(_self).locale(); });
 }
 fmx::int32 FM_Data_GetNativeType(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<Data>(_self).nativeType()); });
+    return gate::number<fmx::int32>(_x, [&] { return in<Data>(_self).nativeType(); });
 }
 fmx::errcode FM_Data_SetAsText(void* _self, const fmx::Text& text, const fmx::Locale& locale,
                                fmx::int32 nativeType, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         Data& data = in<Data>(_self);
         const Locale given = in<Locale>(&locale);
         data.setText(in<Text>(&text), typeOf(nativeType));

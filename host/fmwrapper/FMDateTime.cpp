@@ -96,20 +96,16 @@ void FM_DateTime_Now(void* _self, fmx::_fmxcpt& _x) {
     });
 }
 fmx::int16 FM_DateTime_IsLeapYear(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).isLeapYear() ? 1 : 0); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).isLeapYear() ? 1 : 0; });
 }
 fmx::int16 FM_DateTime_DayOfWeek(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).dayOfWeek()); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).dayOfWeek(); });
 }
 fmx::int16 FM_DateTime_DayOfYear(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).dayOfYear()); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).dayOfYear(); });
 }
 fmx::int16 FM_DateTime_WeekOfYear(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).weekOfYear()); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).weekOfYear(); });
 }
 void FM_DateTime_SetDate(void* _self, const fmx::DateTime& that, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { in<DateTime>(_self).days = in<DateTime>(&that).days; });
@@ -132,60 +128,51 @@ void FM_DateTime_SetSecondsSinceEpoch(void* _self, const fmx::FixPt& seconds, fm
 }
 fmx::errcode FM_DateTime_SetNormalizedDate1(void* _self, fmx::int16 month, fmx::int16 day, fmx::int16 year,
                                             fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific),
-                      [&]() -> fmx::errcode { return setDate(in<DateTime>(_self), year, month, day); });
+    return gate::code(_x, [&]() -> int { return setDate(in<DateTime>(_self), year, month, day); });
 }
 fmx::errcode FM_DateTime_SetNormalizedDate2(void* _self, const fmx::FixPt& year, const fmx::FixPt& month,
                                             const fmx::FixPt& day, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         return setDate(in<DateTime>(_self), in<Decimal>(&year).toInt64(), in<Decimal>(&month).toInt64(),
                        in<Decimal>(&day).toInt64());
     });
 }
 fmx::errcode FM_DateTime_SetNormalizedTime1(void* _self, fmx::int64 hour, fmx::int16 minute,
                                             fmx::int16 second, fmx::int32 usec, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         return setTime(in<DateTime>(_self), Decimal(hour), Decimal(minute),
                        Decimal(second).plus(secondsOf(usec)));
     });
 }
 fmx::errcode FM_DateTime_SetNormalizedTime2(void* _self, const fmx::FixPt& hour, const fmx::FixPt& minute,
                                             const fmx::FixPt& second, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         return setTime(in<DateTime>(_self), in<Decimal>(&hour), in<Decimal>(&minute), in<Decimal>(&second));
     });
 }
 fmx::int16 FM_DateTime_GetYear(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).date().year); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).date().year; });
 }
 fmx::int16 FM_DateTime_GetMonth(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).date().month); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).date().month; });
 }
 fmx::int16 FM_DateTime_GetDay(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).date().day); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).date().day; });
 }
 fmx::int16 FM_DateTime_GetMinute(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).minute()); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).minute(); });
 }
 fmx::int16 FM_DateTime_GetSec(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int16>(0),
-                      [&] { return static_cast<fmx::int16>(in<DateTime>(_self).second()); });
+    return gate::number<fmx::int16>(_x, [&] { return in<DateTime>(_self).second(); });
 }
 fmx::int32 FM_DateTime_GetDaysSinceEpoch(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<DateTime>(_self).days); });
+    return gate::number<fmx::int32>(_x, [&] { return in<DateTime>(_self).days; });
 }
 fmx::int32 FM_DateTime_GetHour(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<DateTime>(_self).hour()); });
+    return gate::number<fmx::int32>(_x, [&] { return in<DateTime>(_self).hour(); });
 }
 fmx::int32 FM_DateTime_GetUSec(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<DateTime>(_self).microsecond()); });
+    return gate::number<fmx::int32>(_x, [&] { return in<DateTime>(_self).microsecond(); });
 }
 void FM_DateTime_GetSeconds(const void* _self, fmx::FixPt& seconds, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] {

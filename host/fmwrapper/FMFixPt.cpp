@@ -92,7 +92,7 @@ void FM_FixPt_Multiply(const void* _self, const fmx::FixPt& arg, fmx::FixPt& res
     gate::call(_x, [&] { in<Decimal>(&result) = in<Decimal>(_self).times(in<Decimal>(&arg)); });
 }
 fmx::errcode FM_FixPt_Divide(const void* _self, const fmx::FixPt& arg, fmx::FixPt& result, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::errcode>(host::calc::error::unspecific), [&]() -> fmx::errcode {
+    return gate::code(_x, [&]() -> int {
         auto quotient = in<Decimal>(_self).dividedBy(in<Decimal>(&arg));
         if (!quotient) return host::calc::error::unspecific;
         in<Decimal>(&result) = std::move(*quotient);
@@ -103,12 +103,10 @@ bool FM_FixPt_AsBool(const void* _self, fmx::_fmxcpt& _x) {
     return gate::call(_x, false, [&] { return !in<Decimal>(_self).isZero(); });
 }
 fmx::int32 FM_FixPt_AsLong(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int32>(0),
-                      [&] { return static_cast<fmx::int32>(in<Decimal>(_self).toInt32()); });
+    return gate::number<fmx::int32>(_x, [&] { return in<Decimal>(_self).toInt32(); });
 }
 fmx::int64 FM_FixPt_AsLong64(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::int64>(0),
-                      [&] { return static_cast<fmx::int64>(in<Decimal>(_self).toInt64()); });
+    return gate::number<fmx::int64>(_x, [&] { return in<Decimal>(_self).toInt64(); });
 }
 double FM_FixPt_AsFloat(const void* _self, fmx::_fmxcpt& _x) {
     return gate::call(_x, 0.0, [&] { return in<Decimal>(_self).toDouble(); });

@@ -74,8 +74,7 @@ fmx::Text* FM_Text_Constructor1(fmx::_fmxcpt& _x) {
 }
 void FM_Text_Delete(void* _self, fmx::_fmxcpt& _x) { gate::destroy<Text, ObjectClass::text>(_self, _x); }
 fmx::uint32 FM_Text_GetSize(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0),
-                      [&] { return static_cast<fmx::uint32>(in<Text>(_self).size()); });
+    return gate::number<fmx::uint32>(_x, [&] { return in<Text>(_self).size(); });
 }
 void FM_Text_Assign(void* _self, const char* s, fmx::int32 encoding, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { assign(_self, s, std::strlen(checked(s)), encoding); });
@@ -107,7 +106,7 @@ void FM_Text_GetBytes(const void* _self, char* buffer, fmx::uint32 buffersize, f
 }
 fmx::uint32 FM_Text_GetBytesEx(const void* _self, char* buffer, fmx::uint32 buffersize, fmx::uint32 position,
                                fmx::uint32 size, fmx::int32 encoding, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0), [&] {
+    return gate::number<fmx::uint32>(_x, [&] {
         return static_cast<fmx::uint32>(bytesOf(in<Text>(_self), position, size, encoding,
                                                 buffersize == 0 ? buffer : checked(buffer), buffersize));
     });

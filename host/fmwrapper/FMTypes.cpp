@@ -28,12 +28,12 @@ void FM_QuadChar_Delete(void* _self, fmx::_fmxcpt& _x) {
     gate::destroy<QuadChar, ObjectClass::quadChar>(_self, _x);
 }
 fmx::uchar FM_QuadChar_operatorAR(void* _self, int i, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uchar>(0), [&] {
+    return gate::number<fmx::uchar>(_x, [&] {
         return static_cast<fmx::uchar>(in<QuadChar>(_self).bytes.at(static_cast<std::size_t>(i)));
     });
 }
 fmx::uchar FM_QuadChar_operatorCAR(const void* _self, int i, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uchar>(0), [&] {
+    return gate::number<fmx::uchar>(_x, [&] {
         return static_cast<fmx::uchar>(in<QuadChar>(_self).bytes.at(static_cast<std::size_t>(i)));
     });
 }
@@ -59,7 +59,7 @@ const fmx::QuadChar* FM_QuadChar_operatorAS(void* _self, const fmx::QuadChar& th
     return gate::assign<QuadChar>(_x, _self, that);
 }
 fmx::uint32 FM_QuadChar_GetMacType(const void* _self, fmx::_fmxcpt& _x) {
-    return gate::call(_x, static_cast<fmx::uint32>(0), [&]() -> fmx::uint32 {
+    return gate::number<fmx::uint32>(_x, [&] {
         fmx::uint32 number = 0;
         for (const unsigned char byte : in<QuadChar>(_self).bytes)
             number = number << 8 | byte;

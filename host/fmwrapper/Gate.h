@@ -1,6 +1,8 @@
 #pragma once
 
 #include "FMWrapper/FMXClient.h"
+#include "FMWrapper/FMXExtern.h"
+#include "host/calc/Engine.h"
 #include "host/fmwrapper/Bridge.h"
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
@@ -34,6 +36,19 @@ void call(fmx::_fmxcpt& slot, Body&& body) {
         std::forward<Body>(body)();
         return true;
     });
+}
+
+/// A call that answers a number, 0 when it fails. The body's number is narrowed to the interface's type.
+template<class Number, class Body>
+Number number(fmx::_fmxcpt& slot, Body&& body) {
+    return call(slot, Number{}, [&] { return static_cast<Number>(std::forward<Body>(body)()); });
+}
+
+/// A call that answers an error code, 1200 when it fails.
+template<class Body>
+fmx::errcode code(fmx::_fmxcpt& slot, Body&& body) {
+    return call(slot, fmx::errcode{calc::error::unspecific},
+                [&] { return static_cast<fmx::errcode>(std::forward<Body>(body)()); });
 }
 
 /// What a call that answers a reference answers when it fails: a caller that looks before it checks the slot
