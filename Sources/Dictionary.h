@@ -6,10 +6,7 @@
 /// or cleared, or the library is unloaded. Everything here runs on the host's thread and takes no lock. A
 /// failing host call travels as std::exception or std::bad_alloc and leaves the store as it was.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXText.h"
-#include "FMXAliases.h"
+#include "HostInterface.h"
 #include "RunLoopTimer.h"
 
 #include <map>

@@ -2,9 +2,7 @@
 
 /// The frame around every calculation function.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
+#include "HostInterface.h"
 #include "LastError.h"
 
 #include <exception>

@@ -1,8 +1,4 @@
 #include "Base64.h"
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "LastError.h"

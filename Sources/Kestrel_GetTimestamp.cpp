@@ -1,8 +1,3 @@
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXDateTime.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXFixPt.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "Timestamp.h"

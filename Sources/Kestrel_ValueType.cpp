@@ -1,6 +1,3 @@
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "cFMUtils.h"

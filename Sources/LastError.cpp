@@ -1,6 +1,5 @@
 #include "LastError.h"
 
-#include "FMWrapper/FMXText.h"
 #include "cFMUtils.h"
 #include "fmlib.h"
 

@@ -7,9 +7,7 @@
 /// file. setLastError keeps a second copy by host session, for the life of the process. Codes are the host's
 /// 16-bit error numbers, 0 for success.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
+#include "HostInterface.h"
 
 #include <exception>
 #include <string>

@@ -1,7 +1,5 @@
 #include "MergeText.h"
 
-#include "FMWrapper/FMXText.h"
-#include "FMWrapper/FMXTextStyle.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "LastError.h"

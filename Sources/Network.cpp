@@ -1,7 +1,3 @@
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
 #include "GetClientPublicIP.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"

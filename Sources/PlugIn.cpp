@@ -1,6 +1,5 @@
 #include "PlugIn.h"
 
-#include "FMWrapper/FMXText.h"
 #include "Registry.h"
 #include "Scripts.h"
 

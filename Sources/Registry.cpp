@@ -1,6 +1,5 @@
 #include "Registry.h"
 
-#include "FMWrapper/FMXTypes.h"
 #include "Handlers.h"
 
 #include <algorithm>

@@ -6,10 +6,7 @@
 /// file and its scripts are asked for anew each time. Failing host calls travel as exceptions unless a
 /// function says otherwise.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
+#include "HostInterface.h"
 
 /// Whether the calling file has a script of that whole name. The file name is not used.
 bool IsScriptNameValidInFile(const fmx::Text& scriptName, const fmx::Text& fileName, const fmx::ExprEnv& env);

@@ -2,8 +2,7 @@
 
 /// Sorting of a list of numbers.
 
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXText.h"
+#include "HostInterface.h"
 
 /// Stores the numbers of the text's lines, the smallest first, each with a carriage return behind it, as text
 /// with the result's own locale.

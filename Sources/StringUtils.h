@@ -3,9 +3,7 @@
 /// Small helpers around texts and strings. They keep nothing between calls; host failures travel as
 /// exceptions.
 
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
-#include "FMXAliases.h"
+#include "HostInterface.h"
 
 #include <cstddef>
 #include <string>

@@ -1,8 +1,5 @@
 #include "UnavailableFunctions.h"
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "LastError.h"

@@ -6,10 +6,7 @@
 /// Strings are UTF-8. Texts are made from strings in the host's native encoding unless a helper says
 /// otherwise. A failing host call travels as std::exception or std::bad_alloc; nothing is caught here.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
+#include "HostInterface.h"
 
 #include <string>
 #include <vector>

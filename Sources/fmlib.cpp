@@ -1,8 +1,5 @@
 #include "fmlib.h"
 
-#include "FMWrapper/FMXBinaryData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXFixPt.h"
 #include "StringUtils.h"
 #include "cFMUtils.h"
 

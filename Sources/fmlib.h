@@ -5,10 +5,7 @@
 /// Texts are made from strings in the host's native encoding. A failing host call travels as std::exception
 /// or std::bad_alloc; nothing is caught here.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXDateTime.h"
-#include "FMWrapper/FMXText.h"
+#include "HostInterface.h"
 
 #include <string>
 

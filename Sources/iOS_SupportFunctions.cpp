@@ -1,8 +1,3 @@
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
-#include "FMWrapper/FMXTextStyle.h"
 #include "PatternSearch.h"
 #include "fmlib.h"
 

@@ -5,8 +5,7 @@
 /// A run is read with its formattings: what the characters look like, in words. Each formatting then goes to
 /// exactly one place: an element around the run, a class, a declaration of the run's own, or nowhere.
 
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
+#include "HostInterface.h"
 #include "html/ParamVector.h"
 
 #include <cstdint>

@@ -2,10 +2,7 @@
 
 /// A styled text as HTML, from its parameters as text to the result.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
-#include "FMXAliases.h"
+#include "HostInterface.h"
 #include "html/ParamVector.h"
 
 #include <string>

@@ -1,4 +1,3 @@
-#include "FMWrapper/FMXData.h"
 #include "HandlerFrame.h"
 #include "Handlers.h"
 #include "LastError.h"

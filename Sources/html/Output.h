@@ -3,9 +3,7 @@
 /// The last stage: a paragraph as markup, and the style block of a conversion's classes. Output is plain
 /// text; lines of it end with a return.
 
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
-#include "FMXAliases.h"
+#include "HostInterface.h"
 #include "html/Fragment.h"
 #include "html/PostProcessing.h"
 

@@ -73,7 +73,11 @@ std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& en
     const fmx::DataUniquePtr scratch;
     const fmx::TextUniquePtr name;
     fmx::CharacterStyle::FontScript script = fmx::CharacterStyle::kRoman;
+// Current hosts mark this member as deprecated; the one without a script gives another name, PostScript's.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
     if (!scratch->GetFontInfo(style.GetFont(), *name, script, env)) return {};
+#pragma clang diagnostic pop
     return StringFromFmText(*name);
 }
 

@@ -3,12 +3,7 @@
 /// What the host knows of a styled text: the look of its characters, where its lines end, how they are
 /// aligned. A failing host call travels as an exception.
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXData.h"
-#include "FMWrapper/FMXExtern.h"
-#include "FMWrapper/FMXText.h"
-#include "FMWrapper/FMXTextStyle.h"
-#include "FMXAliases.h"
+#include "HostInterface.h"
 #include "html/Fragment.h"
 
 #include <compare>

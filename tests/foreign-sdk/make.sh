@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# usage: make.sh INTERFACE SDK
+#
+# Makes SDK/FMWrapper from INTERFACE/FMWrapper, with what the vendor's own headers have and ours have not: the header
+# FMXCalcEngine.h needs another before it that declares QuadChar, and two members of fmx::Data are deprecated.
+
+set -euo pipefail
+
+rm -rf "$2"
+cp -R "$1" "$2"
+cd "$2/FMWrapper"
+sed -i -e '/include "FMWrapper\/FMX\(Types\|BinaryData\).h"/d' -e '/^namespace fmx {/a class BinaryData; class Locale;' \
+    FMXText.h FMXData.h
+sed -i -E 's/^    (.* Get(FontID|FontInfo)\(.*displayName,)/    [[deprecated]] \1/' FMXData.h
