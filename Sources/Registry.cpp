@@ -13,8 +13,8 @@ namespace {
 constexpr unsigned kEverywhere = 0xFF01; // in all of the host's dialogs, and evaluated on a server
 constexpr unsigned kHidden = 0x0001;     // evaluated on a server, in no dialog
 constexpr short kNoLimit = -1;
-/// Not withdrawn at shutdown.
-constexpr short kStaysRegistered = 26;
+/// Shutdown withdraws all functions up to this one.
+constexpr short kLastWithdrawn = 25;
 
 constexpr unsigned long kStringIdOfFunction0 = 100;
 constexpr std::size_t kMostUnits = 1024;
@@ -60,7 +60,7 @@ constexpr Function kFunctions[] = {
     {23, "Kestrel_SetGlobal( key ; value { ; moreOptions } )", 0, kNoLimit, kEverywhere, Kestrel_SetGlobal},
     {24, "Kestrel_GetGlobal( key )", 0, kNoLimit, kEverywhere, Kestrel_GetGlobal},
     {25, "Kestrel_GetAsHTML( key )", 0, kNoLimit, kEverywhere, Kestrel_GetAsHTML},
-    {kStaysRegistered, "Kestrel_DoBashCmd", 1, 1, kHidden, Kestrel_DoBashCmd},
+    {26, "Kestrel_DoBashCmd", 1, 1, kHidden, Kestrel_DoBashCmd},
 };
 
 static_assert(std::all_of(std::begin(kFunctions), std::end(kFunctions),
@@ -68,28 +68,25 @@ static_assert(std::all_of(std::begin(kFunctions), std::end(kFunctions),
 static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions),
                              [](const Function& a, const Function& b) { return a.id < b.id; }));
 
-/// Which rows the host has, so that a second start can take back what the first left. A host that calls
-/// init twice, or again after shutdown, would otherwise refuse the identifiers that it still knows.
-std::array<bool, std::size(kFunctions)> gIsRegistered{};
+/// True from the first start. The host may then know functions still, 26 at least, and would refuse them.
+bool gHasStarted = false;
 
 /// Built afresh for each call: nothing of the host's is kept between messages.
 fmx::QuadCharUniquePtr creatorId() { return fmx::QuadCharUniquePtr('K', 'S', 'T', 'R'); }
 
-/// What the host answers does not matter here, nor that it fails: the row stays marked then, and the next
-/// start tries again.
-void withdraw(std::size_t row) noexcept {
-    if (!gIsRegistered[row]) return;
+/// The host's answer does not matter here, nor that its call fails: the others are withdrawn all the same.
+void withdraw(short id) noexcept {
     try {
-        UnRegisterExternalFunction(kFunctions[row].id);
-        gIsRegistered[row] = false;
+        UnRegisterExternalFunction(id);
     } catch (...) {
         return;
     }
 }
 
-void withdrawAll() noexcept {
-    for (std::size_t row = std::size(kFunctions); row-- > 0;)
-        withdraw(row);
+/// Withdraws the functions of the first `rows` rows, the last of them first.
+void withdrawRows(std::size_t rows) noexcept {
+    while (rows-- > 0)
+        withdraw(kFunctions[rows].id);
 }
 
 } // namespace
@@ -134,25 +131,24 @@ fmx::errcode UnRegisterExternalFunction(short id) {
 }
 
 bool RegisterExternalFunctions() {
-    withdrawAll();
+    if (gHasStarted) withdrawRows(std::size(kFunctions));
+    gHasStarted = true;
+    std::size_t row = 0;
     try {
-        for (std::size_t row = 0; row < std::size(kFunctions); ++row) {
-            const Function& function = kFunctions[row];
-            if (RegisterExternalFunction(function.id, function.minArgs, function.maxArgs, function.flags,
-                                         function.handler) != 0) {
-                withdrawAll();
-                return false;
-            }
-            gIsRegistered[row] = true;
+        for (; row < std::size(kFunctions); ++row) {
+            const auto& [id, prototype, minArgs, maxArgs, flags, handler] = kFunctions[row];
+            if (RegisterExternalFunction(id, minArgs, maxArgs, flags, handler) == 0) continue;
+            withdrawRows(row);
+            return false;
         }
     } catch (...) {
-        withdrawAll();
+        withdrawRows(row);
         throw;
     }
     return true;
 }
 
 void UnRegisterExternalFunctions() noexcept {
-    for (std::size_t row = std::size(kFunctions); row-- > 0;)
-        if (kFunctions[row].id != kStaysRegistered) withdraw(row);
+    for (short id = kLastWithdrawn; id > 0; --id)
+        withdraw(id);
 }

@@ -20,9 +20,9 @@ fmx::errcode UnRegisterExternalFunction(short id);
 
 /// Announces all functions in the order of their identifiers. At the first that the host refuses, those
 /// before it are withdrawn, the last first, and the answer is false; when a host call fails, they are
-/// withdrawn and its exception goes on. What an earlier start left behind is withdrawn before.
+/// withdrawn and its exception goes on. A start that is not the first withdraws all 26 to 1 before.
 bool RegisterExternalFunctions();
 
-/// Withdraws functions 25 to 1. The last, 26, stays until the host drops it with the plug-in. A function
-/// that cannot be withdrawn does not keep the others.
+/// Withdraws identifiers 25 to 1, in this order, registered or not. Function 26 stays until the host drops it
+/// with the plug-in. A function that cannot be withdrawn does not keep the others.
 void UnRegisterExternalFunctions() noexcept;
