@@ -21,7 +21,7 @@ namespace {
 constexpr char16_t kReturn = u'\r';
 
 u16string keyFrom(const fmx::Text& text) {
-    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    const std::vector<fmx::uint16> units = unitsFromFMText(text);
     return {units.begin(), units.end()};
 }
 

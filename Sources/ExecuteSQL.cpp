@@ -43,7 +43,7 @@ void appendRows(const fmx::RowVect& rows, const fmx::Text& fieldSeparator, const
 
 FMX_PROC(fmx::errcode)
 Kestrel_ExecuteSQL(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0) return fmx::errcode{0};
         const fmx::TextUniquePtr recordSeparator = separatorAt(parameters, 2, kCarriageReturn);
         const fmx::TextUniquePtr fieldSeparator = separatorAt(parameters, 1, kTab);
@@ -53,11 +53,11 @@ Kestrel_ExecuteSQL(short, const fmx::ExprEnv& env, const fmx::DataVect& paramete
         const fmx::RowVectUniquePtr rows;
         const fmx::errcode code =
             env.ExecuteFileSQL(parameters.AtAsText(0), *currentFile, *noParameters, *rows);
-        if (code != 0) return kst::AnswerWithError(code, "SQL Error", result, env);
+        if (code != 0) return kst::answerWithError(code, "SQL Error", result, env);
 
         const fmx::TextUniquePtr answer;
         appendRows(*rows, *fieldSeparator, *recordSeparator, *answer);
-        cFMUtils::FMResultFromText(*answer, result);
+        cFMUtils::resultFromText(*answer, result);
         kst::SetLastError(kst::kNoError, "No Error Message", env);
         return fmx::errcode{0};
     });

@@ -26,10 +26,10 @@ bool isEmptyText(const fmx::Data& value) {
 
 FMX_PROC(fmx::errcode)
 Kestrel_SetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         const fmx::uint32 count = parameters.Size();
         if (count < 2)
-            return kst::AnswerWithError(kst::kWrongParameter, "Key and value must be specified", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Key and value must be specified", result, env);
         const fmx::Text& key = parameters.AtAsText(0);
         const fmx::Data& value = parameters.At(1);
         if (isEmpty(key)) {
@@ -42,7 +42,7 @@ Kestrel_SetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect& parameter
         }
         const bool diesOnClose = count > 2;
         if (diesOnClose && !isDieOnClose(parameters.AtAsText(2)))
-            return kst::AnswerWithError(kst::kWrongParameter, "Unknown value of parameter moreOptions",
+            return kst::answerWithError(kst::kWrongParameter, "Unknown value of parameter moreOptions",
                                         result, env);
         // The result comes first: a call that ends in an error has stored nothing.
         fmlib::FMData2FMData(value, result);
@@ -56,9 +56,9 @@ Kestrel_SetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect& parameter
 
 FMX_PROC(fmx::errcode)
 Kestrel_GetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0)
-            return kst::AnswerWithError(kst::kWrongParameter, "Key must be specified", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Key must be specified", result, env);
         const fmx::Text& key = parameters.AtAsText(0);
         if (!isEmpty(key)) kst::globalDictionary.loadValueForKey(key, result);
         return fmx::errcode{0};

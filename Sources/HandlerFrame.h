@@ -13,7 +13,7 @@ namespace kst {
 /// the number 2400 in the result and a last-error record. When even that cannot be reported, because the
 /// host keeps failing, the answer is 2400, the calculation's error. Nothing is ever thrown into the host.
 template<typename Body>
-fmx::errcode RunHandler(const fmx::ExprEnv& env, fmx::Data& result, const Body& body) noexcept {
+fmx::errcode runHandler(const fmx::ExprEnv& env, fmx::Data& result, const Body& body) noexcept {
     try {
         try {
             return body();

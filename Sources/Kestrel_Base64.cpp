@@ -71,14 +71,14 @@ fmx::errcode convert(const Conversion& conversion, const fmx::ExprEnv& env, cons
     constexpr fmx::uint32 wanted = 2;
     const fmx::uint32 count = parameters.Size();
     if (count != wanted)
-        return kst::AnswerWithError(kst::kWrongParameter,
+        return kst::answerWithError(kst::kWrongParameter,
                                     count < wanted ? "Not enough parameters" : "Too many parameters", result,
                                     env);
     if (fmlib::FindFMTextInArray(parameters.AtAsText(0), &conversion.selector, 1) != 0)
-        return kst::AnswerWithError(kst::kWrongParameter, "Unrecognized selector", result, env);
+        return kst::answerWithError(kst::kWrongParameter, "Unrecognized selector", result, env);
     const fmx::TextUniquePtr converted;
     conversion.convert(parameters.AtAsText(1), *converted);
-    cFMUtils::FMResultFromText(*converted, result);
+    cFMUtils::resultFromText(*converted, result);
     return 0;
 }
 
@@ -89,10 +89,10 @@ constexpr Conversion kDecode{"Base64 to UTF-8", decodeUtf8};
 
 FMX_PROC(fmx::errcode)
 Kestrel_Encode(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] { return convert(kEncode, env, parameters, result); });
+    return kst::runHandler(env, result, [&] { return convert(kEncode, env, parameters, result); });
 }
 
 FMX_PROC(fmx::errcode)
 Kestrel_Decode(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] { return convert(kDecode, env, parameters, result); });
+    return kst::runHandler(env, result, [&] { return convert(kDecode, env, parameters, result); });
 }

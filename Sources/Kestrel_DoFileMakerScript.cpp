@@ -36,10 +36,10 @@ std::optional<double> delayFrom(const fmx::Data& delayOrTime) {
     return ahead < 0 ? delayOrTime.GetAsNumber().AsFloat() : ahead;
 }
 
-platform::Units unitsOf(const fmx::Text& text) { return platform::wellFormed(UnitsFromFMText(text)); }
+platform::Units unitsOf(const fmx::Text& text) { return platform::wellFormed(unitsFromFMText(text)); }
 
 fmx::errcode answer(fmx::errcode code, fmx::Data& result, const fmx::ExprEnv& env) {
-    if (code == kst::kWrongParameter) return kst::AnswerWithError(code, "Invalid script name", result, env);
+    if (code == kst::kWrongParameter) return kst::answerWithError(code, "Invalid script name", result, env);
     fmlib::FMErrCode2FMData(code, result);
     return 0;
 }
@@ -64,13 +64,13 @@ fmx::errcode startLater(const fmx::Text& scriptName, const fmx::Data& parameter,
 FMX_PROC(fmx::errcode)
 Kestrel_DoFileMakerScript(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters,
                           fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         kst::SetLastError(kst::kNoError, "", env);
         const fmx::uint32 count = parameters.Size();
         if (count == 0)
-            return kst::AnswerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
         if (count > kMostParameters)
-            return kst::AnswerWithError(kst::kWrongParameter, "Too many parameters", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Too many parameters", result, env);
         const fmx::DataUniquePtr parameter;
         if (count > 1) parameter->SetAsText(parameters.AtAsText(1), parameter->GetLocale());
         const fmx::Text& scriptName = parameters.AtAsText(0);

@@ -20,7 +20,7 @@ double getTimestamp() {
 /// An argument is allowed and not read.
 FMX_PROC(fmx::errcode)
 Kestrel_GetTimestamp(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         const fmx::FixPtUniquePtr seconds(0, kPrecision);
         seconds->AssignDouble(getTimestamp());
         const fmx::DateTimeUniquePtr moment;

@@ -22,7 +22,7 @@ const char* nameOf(fmx::Data::DataType type) {
 
 FMX_PROC(fmx::errcode)
 Kestrel_ValueType(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         const char* const name = parameters.Size() > 0 ? nameOf(parameters.At(0).GetNativeType()) : "";
         cFMUtils::FMResultFromString(name, result);
         return fmx::errcode{0};

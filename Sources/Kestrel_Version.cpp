@@ -51,7 +51,7 @@ static_assert(std::size(gVersionTypes) == std::size(kFormats));
 /// An unknown format word is no error: it gives what no word gives.
 FMX_PROC(fmx::errcode)
 Kestrel_Version(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         unsigned format = 0;
         if (parameters.Size() > 0) {
             const unsigned found =
@@ -60,17 +60,17 @@ Kestrel_Version(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters,
         }
         const fmx::TextUniquePtr text;
         kFormats[format](*text);
-        cFMUtils::FMResultFromText(*text, result);
+        cFMUtils::resultFromText(*text, result);
         return fmx::errcode{0};
     });
 }
 
 FMX_PROC(fmx::errcode)
 Kestrel_GetLog(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         const fmx::TextUniquePtr text;
         text->Assign("Kestrel_GetLog");
-        cFMUtils::FMResultFromText(*text, result);
+        cFMUtils::resultFromText(*text, result);
         return fmx::errcode{0};
     });
 }

@@ -48,7 +48,7 @@ fmx::DataUniquePtr valueOf(const std::string& variable, const fmx::ExprEnv& env)
 }
 
 void putVariableAsText(const std::string& variable, fmx::Data& result, const fmx::ExprEnv& env) {
-    cFMUtils::FMResultFromText(valueOf(variable, env)->GetAsText(), result);
+    cFMUtils::resultFromText(valueOf(variable, env)->GetAsText(), result);
 }
 
 } // namespace
@@ -86,7 +86,7 @@ fmx::errcode SetLastError(const short& code, const std::string& message, const f
     return env.Evaluate(*cFMUtils::FMXTextUniquePtrFromString(expression), *discarded);
 }
 
-fmx::errcode AnswerWithError(short code, const std::string& message, fmx::Data& result,
+fmx::errcode answerWithError(short code, const std::string& message, fmx::Data& result,
                              const fmx::ExprEnv& env) {
     SetLastError(code, message, env);
     fmlib::FMErrCode2FMData(code, result);

@@ -53,7 +53,7 @@ fmx::errcode SetLastError(const short& code, const std::string& message, const f
 
 /// Records the code and message and puts the code into the result as a number. 0, which is what a handler
 /// answers to the host after an error of its own.
-fmx::errcode AnswerWithError(short code, const std::string& message, fmx::Data& result,
+fmx::errcode answerWithError(short code, const std::string& message, fmx::Data& result,
                              const fmx::ExprEnv& env);
 
 /// The solution's variables: the code as a number, the others as text with the result's locale. A variable

@@ -17,15 +17,15 @@ namespace {
 constexpr std::size_t kParameterSize = 1024;
 
 fmx::errcode answerWithText(const std::string& s, fmx::Data& result) {
-    cFMUtils::FMResultFromText(*cFMUtils::FMXTextUniquePtrFromString(s), result);
+    cFMUtils::resultFromText(*cFMUtils::FMXTextUniquePtrFromString(s), result);
     return 0;
 }
 
 fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char* whatIsMissing,
                           const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0)
-            return kst::AnswerWithError(kst::kWrongParameter, whatIsMissing, result, env);
+            return kst::answerWithError(kst::kWrongParameter, whatIsMissing, result, env);
         std::array<char, kParameterSize> asked{};
         parameters.AtAsText(0).GetBytes(asked.data(), asked.size());
         return answerWithText(lookUp(asked.data()), result);
@@ -36,14 +36,14 @@ fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char*
 
 FMX_PROC(fmx::errcode)
 Kestrel_GetClientPublicIPAddress(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         int code = kPublicIPFound;
         for (const int service : kServicesAsked) {
             std::array<char, kAddressBufferSize> address{};
             code = GetClientPublicIP(service, address.data());
             if (code == kPublicIPFound) return answerWithText(address.data(), result);
         }
-        return kst::AnswerWithError(static_cast<short>(code), "Public IP is not available", result, env);
+        return kst::answerWithError(static_cast<short>(code), "Public IP is not available", result, env);
     });
 }
 

@@ -41,7 +41,7 @@ platform::Units beginningOf(const fmx::Text& text) {
     text.GetBytes(buffer.data(), static_cast<fmx::uint32>(buffer.size()), 0, fmx::Text::kSize_End,
                   fmx::Text::kEncoding_UTF8);
     buffer.back() = '\0';
-    return Utf16FromUtf8(withoutCutCharacter(buffer.data()));
+    return utf16FromUtf8(withoutCutCharacter(buffer.data()));
 }
 
 std::string countOf(const platform::Units& text, const platform::Units& pattern) {
@@ -59,13 +59,13 @@ std::string countOf(const platform::Units& text, const platform::Units& pattern)
 FMX_PROC(fmx::errcode)
 Kestrel_RegExp_Substitute(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters,
                           fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() < 3)
-            return kst::AnswerWithError(kst::kWrongParameter, "At least three parameters needed", result,
+            return kst::answerWithError(kst::kWrongParameter, "At least three parameters needed", result,
                                         env);
         const fmx::TextUniquePtr text;
         fmlib::RegExpPerformSubstitute(*text, parameters);
-        cFMUtils::FMResultFromText(*text, result);
+        cFMUtils::resultFromText(*text, result);
         return fmx::errcode{0};
     });
 }
@@ -73,9 +73,9 @@ Kestrel_RegExp_Substitute(short, const fmx::ExprEnv& env, const fmx::DataVect& p
 FMX_PROC(fmx::errcode)
 Kestrel_RegExp_PatternCount(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters,
                             fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() < 2)
-            return kst::AnswerWithError(kst::kWrongParameter, "At least two parameters needed", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "At least two parameters needed", result, env);
         const platform::Units text = beginningOf(parameters.AtAsText(0));
         const platform::Units pattern = beginningOf(parameters.AtAsText(1));
         cFMUtils::FMResultFromString(countOf(text, pattern), result);

@@ -37,12 +37,12 @@ bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fm
 /// The text as it stands between the quotation marks of a calculation.
 fmx::TextUniquePtr quoted(const fmx::Text& text) {
     std::vector<fmx::uint16> units;
-    for (const fmx::uint16 unit : UnitsFromFMText(text)) {
+    for (const fmx::uint16 unit : unitsFromFMText(text)) {
         if (unit == '"' || unit == '\\') units.push_back('\\');
         units.push_back(unit);
     }
     fmx::TextUniquePtr result;
-    if (!units.empty()) result->AssignUnicodeWithLength(units.data(), HostLength(units.size()));
+    if (!units.empty()) result->AssignUnicodeWithLength(units.data(), hostLength(units.size()));
     return result;
 }
 
@@ -66,7 +66,7 @@ fmx::errcode runChecked(NameCheck& isValid, const fmx::Text& scriptName, const f
 }
 
 void assign(fmx::Text& text, const platform::Units& units) {
-    if (!units.empty()) text.AssignUnicodeWithLength(units.data(), HostLength(units.size()));
+    if (!units.empty()) text.AssignUnicodeWithLength(units.data(), hostLength(units.size()));
 }
 
 fmx::errcode start(const platform::Script& script) {

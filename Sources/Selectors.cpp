@@ -76,15 +76,15 @@ constexpr std::array kSetSelectors{
 template<std::size_t count>
 fmx::errcode select(const std::array<Selector, count>& selectors, fmx::uint32 fewestParameters,
                     const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() < fewestParameters)
-            return kst::AnswerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
         std::array<const char*, count> words{};
         for (std::size_t i = 0; i < count; ++i)
             words[i] = selectors[i].word;
         const unsigned found = fmlib::FindFMTextInArray(parameters.AtAsText(0), words.data(), count);
         if (found >= count)
-            return kst::AnswerWithError(kst::kWrongParameter, "Unrecognized selector", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Unrecognized selector", result, env);
         selectors[found].action(env, parameters, result);
         return fmx::errcode{0};
     });

@@ -69,6 +69,6 @@ void SortNumberInFMText(const fmx::Text& text, fmx::Data& result) {
         stream << number << '\r';
     const std::string bytes = stream.str();
     const fmx::TextUniquePtr sorted;
-    sorted->AssignWithLength(bytes.data(), HostLength(bytes.size()), fmx::Text::kEncoding_ASCII_Mac);
-    cFMUtils::FMResultFromText(*sorted, result);
+    sorted->AssignWithLength(bytes.data(), hostLength(bytes.size()), fmx::Text::kEncoding_ASCII_Mac);
+    cFMUtils::resultFromText(*sorted, result);
 }

@@ -73,13 +73,13 @@ std::string StringFromFmText(const fmx::TextAutoPtr& text) {
     return text ? StringFromFmText(*text) : std::string();
 }
 
-std::vector<fmx::uint16> UnitsFromFMText(const fmx::Text& text) {
+std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text) {
     std::vector<fmx::uint16> units(text.GetSize());
     if (!units.empty()) text.GetUnicode(units.data(), 0, static_cast<fmx::uint32>(units.size()));
     return units;
 }
 
-std::vector<fmx::uint16> Utf16FromUtf8(std::string_view utf8) {
+std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8) {
     std::vector<fmx::uint16> units;
     units.reserve(utf8.size());
     for (std::size_t position = 0; position < utf8.size();) {
@@ -104,7 +104,7 @@ std::vector<fmx::uint16> Utf16FromUtf8(std::string_view utf8) {
     return units;
 }
 
-fmx::uint32 HostLength(std::size_t length) {
+fmx::uint32 hostLength(std::size_t length) {
     // The host's largest number stands for "to the end" and is no length.
     if (length >= std::numeric_limits<fmx::uint32>::max())
         throw std::length_error("Text too long for the host");

@@ -17,13 +17,13 @@ std::string StringFromFmText(const fmx::Text& text);
 std::string StringFromFmText(const fmx::TextAutoPtr& text);
 
 /// The text's UTF-16 units from first to last.
-std::vector<fmx::uint16> UnitsFromFMText(const fmx::Text& text);
+std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text);
 
 /// UTF-8 as UTF-16. Each malformed sequence becomes one U+FFFD.
-std::vector<fmx::uint16> Utf16FromUtf8(std::string_view utf8);
+std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8);
 
 /// The length as the host counts it. Throws std::length_error when the host cannot.
-fmx::uint32 HostLength(std::size_t length);
+fmx::uint32 hostLength(std::size_t length);
 
 /// True when the text has no units.
 bool isEmpty(const fmx::Text& text);

@@ -14,8 +14,8 @@ constexpr const char* kNoScripts = "Not implemented in iOS.";
 constexpr const char* kUnsupported = "iOS doesn't support this function.";
 
 fmx::errcode refuse(const char* message, const fmx::ExprEnv& env, fmx::Data& result) {
-    return kst::RunHandler(env, result,
-                           [&] { return kst::AnswerWithError(kst::kNotImplemented, message, result, env); });
+    return kst::runHandler(env, result,
+                           [&] { return kst::answerWithError(kst::kNotImplemented, message, result, env); });
 }
 
 } // namespace

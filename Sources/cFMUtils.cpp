@@ -23,29 +23,29 @@ std::string cFMUtils::StringFromFmxText(const fmx::Text& text, bool /*unused*/) 
 }
 
 std::wstring cFMUtils::WStringFromFMText(const fmx::Text& text) {
-    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    const std::vector<fmx::uint16> units = unitsFromFMText(text);
     return {units.begin(), units.end()};
 }
 
 fmx::TextUniquePtr cFMUtils::getUTF16data(const std::string& utf8) {
-    const std::vector<fmx::uint16> units = Utf16FromUtf8(utf8);
+    const std::vector<fmx::uint16> units = utf16FromUtf8(utf8);
     fmx::TextUniquePtr text;
-    if (!units.empty()) text->AssignUnicodeWithLength(units.data(), HostLength(units.size()));
+    if (!units.empty()) text->AssignUnicodeWithLength(units.data(), hostLength(units.size()));
     return text;
 }
 
 fmx::TextUniquePtr cFMUtils::FMXTextUniquePtrFromString(const std::string& s) {
     fmx::TextUniquePtr text;
-    text->AssignWithLength(s.data(), HostLength(s.size()), fmx::Text::kEncoding_Native);
+    text->AssignWithLength(s.data(), hostLength(s.size()), fmx::Text::kEncoding_Native);
     return text;
 }
 
-void cFMUtils::FMResultFromText(const fmx::Text& text, fmx::Data& result) {
+void cFMUtils::resultFromText(const fmx::Text& text, fmx::Data& result) {
     result.SetAsText(text, result.GetLocale());
 }
 
 void cFMUtils::FMResultFromString(const std::string& s, fmx::Data& result) {
-    FMResultFromText(*getUTF16data(s), result);
+    resultFromText(*getUTF16data(s), result);
 }
 
 void cFMUtils::FMResultFromInt(int number, fmx::Data& result) {

@@ -30,7 +30,7 @@ public:
     /// A new text from bytes in the native encoding.
     static fmx::TextUniquePtr FMXTextUniquePtrFromString(const std::string& s);
     /// Stores a text, styles included, with the result's own locale. Every text result is written here.
-    static void FMResultFromText(const fmx::Text& text, fmx::Data& result);
+    static void resultFromText(const fmx::Text& text, fmx::Data& result);
     /// Stores the string's characters as text with the result's own locale.
     static void FMResultFromString(const std::string& s, fmx::Data& result);
     /// Stores the integer in decimal as text with the result's own locale.

@@ -35,7 +35,7 @@ std::wstring WStringFromFMText(const fmx::Text& text) { return cFMUtils::WString
 
 void copyToFMText(std::string& s, fmx::Text& text) {
     text.DeleteText(0);
-    text.AssignWithLength(s.data(), HostLength(s.size()), fmx::Text::kEncoding_Native);
+    text.AssignWithLength(s.data(), hostLength(s.size()), fmx::Text::kEncoding_Native);
 }
 
 void FMErrCode2FMData(short code, fmx::Data& result) {

@@ -87,8 +87,8 @@ TEST_F(Bridge, carriesAllOfUnicodeIntoTexts) {
         EXPECT_TRUE(utf8(*text("a" + std::string(malformed) + "b")).starts_with("a\uFFFD")) << malformed;
     EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
     // The greatest number stands for a text's end, so it is no length.
-    EXPECT_EQ(HostLength(0xFFFFFFFEU), 0xFFFFFFFEU);
-    EXPECT_THROW(HostLength(0xFFFFFFFFU), std::length_error);
+    EXPECT_EQ(hostLength(0xFFFFFFFEU), 0xFFFFFFFEU);
+    EXPECT_THROW(hostLength(0xFFFFFFFFU), std::length_error);
 }
 
 /// The Kelvin sign is a K, a sigma at the end is another small letter, I is i in no locale but a Turkish one,
@@ -205,7 +205,7 @@ TEST_F(Bridge, framesWhatAHandlerThrows) {
     };
     for (const auto& [fails, answer, record] : cases) {
         const fmx::DataUniquePtr result;
-        EXPECT_EQ(kst::RunHandler(environment(), *result,
+        EXPECT_EQ(kst::runHandler(environment(), *result,
                                   [&, failing = fails]() -> fmx::errcode {
                                       failing();
                                       return 0;

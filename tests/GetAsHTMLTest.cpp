@@ -417,7 +417,7 @@ TEST(HtmlFragment, isAValueThatIsEmptyAfterMoving) {
     fragment.inlineStyles["color"] = "red";
     const fmx::TextUniquePtr text = cFMUtils::getUTF16data("before");
     fragment.getText(*text);
-    EXPECT_EQ(UnitsFromFMText(*text), fragment.characters);
+    EXPECT_EQ(unitsFromFMText(*text), fragment.characters);
     const cFragment copy = fragment;
     cFragment moved;
     moved = std::move(fragment);

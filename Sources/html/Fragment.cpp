@@ -59,7 +59,7 @@ void cFragment::addChar(fmx::uint16 unit) {
 void cFragment::getText(fmx::Text& text) const {
     std::vector<fmx::uint16> terminated(characters);
     terminated.push_back(0);
-    text.AssignUnicodeWithLength(terminated.data(), HostLength(characters.size()));
+    text.AssignUnicodeWithLength(terminated.data(), hostLength(characters.size()));
 }
 
 std::string cFragment::getInlineCSS() const { return serialize_CSS(inlineStyles, ""); }

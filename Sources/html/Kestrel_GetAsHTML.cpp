@@ -37,7 +37,7 @@ bool standsForAValue(const fmx::Text& text, const fmx::ExprEnv& env) {
 /// The text's own paragraphs. One alone stands without an element.
 void convertText(const fmx::Text& text, const fmx::ExprEnv& env, Conversion& conversion,
                  fmx::TextAutoPtr& body) {
-    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    const std::vector<fmx::uint16> units = unitsFromFMText(text);
     TextReader reader(env);
     const fmx::TextUniquePtr paragraph;
     for (auto start = units.begin(); start != units.end();) {
@@ -130,10 +130,10 @@ void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text&
 
 FMX_PROC(fmx::errcode)
 Kestrel_GetAsHTML(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         const fmx::uint32 count = parameters.Size();
         if (count == 0)
-            return kst::AnswerWithError(kst::kWrongParameter, "Input parameter is missing", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Input parameter is missing", result, env);
         const char* const defaults[] = {"all", "all=kst", "all"};
         fmx::TextUniquePtr lists[std::size(defaults)];
         for (fmx::uint32 i = 0; i < std::size(defaults); ++i) {
@@ -145,7 +145,7 @@ Kestrel_GetAsHTML(short, const fmx::ExprEnv& env, const fmx::DataVect& parameter
         fmx::TextUniquePtr html;
         transformRichtextToHTMLWithEvaluate(parameters.AtAsText(0), *lists[0], *lists[1], *lists[2], env,
                                             html);
-        cFMUtils::FMResultFromText(*html, result);
+        cFMUtils::resultFromText(*html, result);
         return fmx::errcode{0};
     });
 }

@@ -40,7 +40,7 @@ const Escape* escapeOf(fmx::uint16 unit) {
 }
 
 void append(Units& html, std::string_view utf8) {
-    const Units units = Utf16FromUtf8(utf8);
+    const Units units = utf16FromUtf8(utf8);
     html.insert(html.end(), units.begin(), units.end());
 }
 
@@ -74,7 +74,7 @@ void appendRun(Units& html, const cFragment& run) {
 void appendTo(fmx::TextAutoPtr& output, const Units& html) {
     if (html.empty()) return;
     const fmx::TextUniquePtr text;
-    text->AssignUnicodeWithLength(html.data(), HostLength(html.size()));
+    text->AssignUnicodeWithLength(html.data(), hostLength(html.size()));
     output->AppendText(*text);
 }
 
@@ -139,8 +139,8 @@ std::string createTag(std::string_view name, std::string_view classes, std::stri
 
 void addEntitiesAndFixEndlines(fmx::Text& text) {
     Units html;
-    appendEscaped(html, UnitsFromFMText(text));
-    if (!html.empty()) text.AssignUnicodeWithLength(html.data(), HostLength(html.size()));
+    appendEscaped(html, unitsFromFMText(text));
+    if (!html.empty()) text.AssignUnicodeWithLength(html.data(), hostLength(html.size()));
 }
 
 void appendCssClasses(const ClassMap& classMap, std::string_view afterOpen, fmx::TextAutoPtr& output) {
@@ -149,5 +149,5 @@ void appendCssClasses(const ClassMap& classMap, std::string_view afterOpen, fmx:
     block.append(afterOpen).append("\r");
     for (const auto& [name, declarations] : classMap)
         block.append(".").append(name).append(" { ").append(declarations).append(" }\r");
-    appendTo(output, Utf16FromUtf8(block + "</style>\r"));
+    appendTo(output, utf16FromUtf8(block + "</style>\r"));
 }

@@ -132,7 +132,7 @@ const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, boo
 }
 
 cFragment TextReader::formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index) {
-    const fmx::uint32 position = HostLength(index);
+    const fmx::uint32 position = hostLength(index);
     fmx::uint16 unit = 0;
     text.GetUnicode(&unit, position, 1);
     text.GetStyle(*style_, position);
@@ -144,7 +144,7 @@ Formattings TextReader::formattingsFromFMCharacter(const fmx::Text& text, std::u
 }
 
 void TextReader::extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments) {
-    const std::vector<fmx::uint16> units = UnitsFromFMText(text);
+    const std::vector<fmx::uint16> units = unitsFromFMText(text);
     std::string css;         // of the run
     std::size_t start = 0;   // of the run
     bool wasBlank = false;   // as the last look was read
@@ -190,7 +190,7 @@ fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, cons
 std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env) {
     fmx::TextUniquePtr value;
     evaluateOnFM("", expression, "", env, value);
-    const std::vector<fmx::uint16> units = UnitsFromFMText(*value);
+    const std::vector<fmx::uint16> units = unitsFromFMText(*value);
     const auto endsLine = [](fmx::uint16 unit) { return unit == kReturn || unit == kLineSeparator; };
     std::vector<fmx::uint16> endings;
     std::copy_if(units.begin(), units.end(), std::back_inserter(endings), endsLine);

@@ -1,4 +1,4 @@
-#include "MergeText.h"
+#include "Kestrel_MergeText.h"
 
 #include "HandlerFrame.h"
 #include "Handlers.h"
@@ -74,10 +74,7 @@ private:
         copyUpTo(open);
         const fmx::uint32 begin = open + kDelimiterSize;
         expression_->SetText(*source_, begin, close - begin);
-        if (close > begin)
-            expression_->GetStyle(*look_, 0);
-        else
-            source_->GetStyle(*look_, begin);
+        source_->GetStyle(*look_, begin);
         evaluate();
         // Of more than two ">", the last two count as the delimiter that is passed; those before are text.
         const fmx::uint32 last = closing_.lastOfRun(close);
@@ -116,14 +113,14 @@ private:
 void PerformMergeText(const fmx::ExprEnv& env, const fmx::DataVect& values, fmx::Data& result) {
     if (values.Size() == 0) throw std::logic_error("Check failed: dataVect.Size() > 0");
     Merge merge(env, values.AtAsText(0));
-    cFMUtils::FMResultFromText(merge.run(), result);
+    cFMUtils::resultFromText(merge.run(), result);
 }
 
 FMX_PROC(fmx::errcode)
 Kestrel_MergeText(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::RunHandler(env, result, [&] {
+    return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0)
-            return kst::AnswerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
+            return kst::answerWithError(kst::kWrongParameter, "Not enough parameters", result, env);
         PerformMergeText(env, parameters, result);
         return fmx::errcode{0};
     });
