@@ -4,6 +4,7 @@
 
 #include "HostInterface.h"
 #include "LastError.h"
+#include "fmlib.h"
 
 #include <exception>
 
@@ -21,6 +22,21 @@ fmx::errcode runHandler(const fmx::ExprEnv& env, fmx::Data& result, const Body& 
             return ProcessSTDException(e, result, env, true);
         } catch (...) {
             return ProcessFatalException(result, env, true);
+        }
+    } catch (...) {
+        return kUnexpectedError;
+    }
+}
+
+/// As runHandler, but nothing is recorded.
+template<typename Body>
+fmx::errcode runHandlerWithoutRecord(fmx::Data& result, const Body& body) noexcept {
+    try {
+        try {
+            return body();
+        } catch (...) {
+            fmlib::FMErrCode2FMData(kUnexpectedError, result);
+            return 0;
         }
     } catch (...) {
         return kUnexpectedError;

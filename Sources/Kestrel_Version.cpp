@@ -48,10 +48,10 @@ static_assert(std::size(gVersionTypes) == std::size(kFormats));
 
 } // namespace
 
-/// An unknown format word is no error: it gives what no word gives.
+/// An unknown format word is no error: it gives what no word gives. No path changes the last error.
 FMX_PROC(fmx::errcode)
-Kestrel_Version(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
-    return kst::runHandler(env, result, [&] {
+Kestrel_Version(short, const fmx::ExprEnv&, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::runHandlerWithoutRecord(result, [&] {
         unsigned format = 0;
         if (parameters.Size() > 0) {
             const unsigned found =
