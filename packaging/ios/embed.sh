@@ -5,6 +5,12 @@
 
 set -euo pipefail
 
+for name in KESTREL_XCFRAMEWORK PLATFORM_NAME TARGET_BUILD_DIR FRAMEWORKS_FOLDER_PATH; do
+    if [ -z "${!name-}" ]; then
+        echo "error: $name is not set"
+        exit 1
+    fi
+done
 case $PLATFORM_NAME in
 iphoneos) slice=$KESTREL_XCFRAMEWORK/ios-arm64/Kestrel.framework ;;
 iphonesimulator) slice=$(echo "$KESTREL_XCFRAMEWORK"/ios-*-simulator/Kestrel.framework) ;;
@@ -23,5 +29,6 @@ rm -rf "$plugin"
 mkdir -p "$(dirname "$plugin")"
 cp -R "$slice" "$plugin"
 if [ "${CODE_SIGNING_ALLOWED-NO}" = YES ]; then
-    codesign --force --sign "$EXPANDED_CODE_SIGN_IDENTITY" --timestamp=none "$plugin"
+    # The simulator needs no identity; "-" signs without one.
+    codesign --force --sign "${EXPANDED_CODE_SIGN_IDENTITY:--}" --timestamp=none "$plugin"
 fi

@@ -23,7 +23,13 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 slices=()
 for preset in ios ios-simulator; do
-    (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset")
+    # A folder that was configured with other architectures keeps them; the preset would set its own again.
+    if [ -f "$root/build/$preset/CMakeCache.txt" ]; then
+        cmake -D FM_SDK_DIR="$FM_SDK_DIR" "$root/build/$preset"
+    else
+        (cd "$root" && cmake --preset "$preset")
+    fi
+    cmake --build "$root/build/$preset"
     mkdir "$work/$preset"
     cp -R "$root/build/$preset/Kestrel.fmplugin" "$work/$preset/Kestrel.framework"
     xcrun strip -x "$work/$preset/Kestrel.framework/Kestrel"
