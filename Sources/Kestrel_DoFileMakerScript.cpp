@@ -22,8 +22,8 @@ constexpr fmx::errcode kWrongTimestamp = -1001;
 /// The delay in seconds that a moment or a number means; none when it lies too far ahead.
 ///
 /// Numbers and moments are not told apart by type: a number of seconds reads as a moment of the year 1, so
-/// what lies in the past counts as a number. That makes a moment of last week a delay of two thousand years,
-/// and so be it: solutions rely on the rule as it is.
+/// what lies in the past counts as a number. That makes a moment of last week a delay of two thousand years.
+/// Solutions rely on the rule as it is.
 std::optional<double> delayFrom(const fmx::Data& delayOrTime) {
     const fmx::DateTimeUniquePtr now;
     now->Now();

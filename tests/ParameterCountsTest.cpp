@@ -14,6 +14,7 @@ TEST_F(FunctionCalls, thatLackParametersAreReported) {
         {u"Kestrel_Encode", {3, 4}, "-50 Too many parameters"},
         {u"Kestrel_Decode", {0, 1}, "-50 Not enough parameters"},
         {u"Kestrel_Decode", {3, 4}, "-50 Too many parameters"},
+        {u"Kestrel_DoFileMakerScript", {0}, "-50 Not enough parameters"},
         {u"Kestrel_GetAsHTML", {0}, "-50 Input parameter is missing"},
         {u"Kestrel_GetIPforName", {0}, "-50 Host name is not specified"},
         {u"Kestrel_GetNameForIP", {0}, "-50 IP address is not specified"},
