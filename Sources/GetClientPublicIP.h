@@ -7,12 +7,11 @@
 /// one, and the answer is the translator's public address; where it offers none, the lookup or the connection
 /// fails. A service that sees an IPv6 address and says so is understood as a wrong answer.
 
-#include "BlockingCalls.h"
 #include "PublicIPServices.h"
 
-#include <iterator>
+#include <chrono>
 
-/// The outcomes of asking a service. A time-out is the failure of the step that it ends.
+/// The outcomes of asking a service. A timeout is the failure of the step that it ends.
 enum PublicIPCode : short {
     kPublicIPFound = 0,
     kHostNotResolved = -3,
@@ -23,9 +22,14 @@ enum PublicIPCode : short {
     kNoAddress = -8, ///< the response has no marker, or no address behind it
 };
 
-/// The time that a service has for all of its steps together: with every service as slow as can be, the
-/// last one still gets its share, and the whole stays within one wait.
-constexpr auto kServiceTime = kst::kLongestWait / std::size(kServicesAsked);
+/// The longest that connecting and receiving take, of all services together: half of what the system bears of
+/// an app, less half a second for the rest of the call. The resolver's time is not counted, since nothing can
+/// end a lookup.
+constexpr std::chrono::milliseconds kNetworkTime{9500};
+
+/// The part of the time that is kept for each service still to be asked. The first may use six tenths, which
+/// lets a slow one answer; the last may use all that is left.
+constexpr int kKeptPart = 10;
 
 /// What of a response is looked at, at most. One read: of an answer that comes in pieces, the first.
 constexpr std::size_t kResponseSize = 16000;
@@ -33,5 +37,8 @@ constexpr std::size_t kResponseSize = 16000;
 /// Asks a service, by its number in PublicIPServices.h, over plain HTTP, and gives a PublicIPCode. `out` has
 /// at least kAddressBufferSize bytes; it holds the address and a zero, and after kNoAddress what CopyAddress
 /// has left there. Otherwise it is empty. Every attempt to connect that fails writes a line to standard
-/// output. Blocks for kServiceTime at most.
+/// output. The service may use all of kNetworkTime.
 int GetClientPublicIP(int service, char* out);
+
+/// The same for kServicesAsked, one after another until one has answered well. Gives the last one's code.
+int askForPublicIP(char* out, std::chrono::milliseconds time = kNetworkTime);

@@ -3,7 +3,6 @@
 #include "Handlers.h"
 #include "LastError.h"
 #include "NetworkNames.h"
-#include "PublicIPServices.h"
 #include "cFMUtils.h"
 
 #include <array>
@@ -37,12 +36,9 @@ fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char*
 FMX_PROC(fmx::errcode)
 Kestrel_GetClientPublicIPAddress(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
     return kst::runHandler(env, result, [&] {
-        int code = kPublicIPFound;
-        for (const int service : kServicesAsked) {
-            std::array<char, kAddressBufferSize> address{};
-            code = GetClientPublicIP(service, address.data());
-            if (code == kPublicIPFound) return answerWithText(address.data(), result);
-        }
+        std::array<char, kAddressBufferSize> address{};
+        const int code = askForPublicIP(address.data());
+        if (code == kPublicIPFound) return answerWithText(address.data(), result);
         return kst::answerWithError(static_cast<short>(code), "Public IP is not available", result, env);
     });
 }

@@ -2,11 +2,9 @@
 
 /// Names and IPv4 addresses of hosts, as the system's resolver knows them.
 ///
-/// A lookup that fails gives a message in the place of the answer. One that takes longer than
-/// kst::kLongestWait has failed: the caller is the app's main thread, which the system does not let hang. The
-/// resolver goes on by itself then (BlockingCalls.h), and a lookup by name waits for the one before it,
-/// within its own time. IPv4 alone: on a network without it, names still have their IPv4 addresses, though
-/// nothing can be reached there.
+/// A lookup that fails gives a message in the place of the answer. It takes as long as the resolver takes,
+/// and belongs to the main thread, since the classic lookup has one place for all its answers. IPv4 alone: on
+/// a network without it, names still have their IPv4 addresses, though nothing can be reached there.
 
 #include <string>
 

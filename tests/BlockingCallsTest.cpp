@@ -1,17 +1,13 @@
 #include "BlockingCalls.h"
 
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <poll.h>
-#include <stdexcept>
 #include <string>
 #include <sys/syscall.h>
-#include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 /// Waits that end, on connections of the real loopback device: its sockets are made past the preloaded
@@ -20,15 +16,27 @@
 namespace {
 
 using kst::Deadline;
-using kst::Descriptor;
 using std::chrono::milliseconds;
 
 Deadline in(milliseconds time) { return Deadline::clock::now() + time; }
 const milliseconds kShort{80};
 const milliseconds kLong{5000};
 
-Descriptor loopbackSocket(int flags) {
-    return Descriptor(static_cast<int>(::syscall(SYS_socket, AF_INET, SOCK_STREAM | flags, 0)));
+/// A socket of the loopback device, closed at the end.
+class Loopback {
+public:
+    explicit Loopback(long socket) : socket_(static_cast<int>(socket)) {}
+    Loopback(Loopback&& that) noexcept : socket_(std::exchange(that.socket_, -1)) {}
+    ~Loopback() { close(); }
+    void close() { ::close(std::exchange(socket_, -1)); }
+    [[nodiscard]] int get() const { return socket_; }
+
+private:
+    int socket_;
+};
+
+Loopback loopbackSocket(int flags) {
+    return Loopback(::syscall(SYS_socket, AF_INET, SOCK_STREAM | flags, 0));
 }
 
 /// Listens on a port of the system's choice.
@@ -43,41 +51,39 @@ public:
         EXPECT_EQ(::syscall(SYS_getsockname, socket_.get(), &address_, &size), 0);
     }
     [[nodiscard]] const sockaddr& address() const { return reinterpret_cast<const sockaddr&>(address_); }
-    [[nodiscard]] Descriptor accept() const {
-        return Descriptor(static_cast<int>(::syscall(SYS_accept4, socket_.get(), nullptr, nullptr, 0)));
+    [[nodiscard]] Loopback accept() const {
+        return Loopback(::syscall(SYS_accept4, socket_.get(), nullptr, nullptr, 0));
     }
     void close() { socket_.close(); }
 
 private:
-    Descriptor socket_ = loopbackSocket(0);
+    Loopback socket_ = loopbackSocket(0);
     sockaddr_in address_{};
 };
 
-int connectTo(const Listener& listener, const Descriptor& socket, milliseconds time) {
-    return kst::ConnectBy(in(time), socket.get(), listener.address(), sizeof(sockaddr_in));
+int connectTo(const Listener& listener, const Loopback& socket, milliseconds time) {
+    return kst::connectBy(in(time), socket.get(), listener.address(), sizeof(sockaddr_in));
 }
 
 TEST(BlockingCalls, carryBytesToAndFro) {
     const Listener listener(1);
-    const Descriptor client = loopbackSocket(SOCK_NONBLOCK);
+    const Loopback client = loopbackSocket(SOCK_NONBLOCK);
     ASSERT_EQ(connectTo(listener, client, kLong), 0);
-    const Descriptor server = listener.accept();
+    const Loopback server = listener.accept();
     std::array<char, 16> bytes{};
-    EXPECT_TRUE(kst::SendBy(in(kLong), client.get(), "request", 7));
-    EXPECT_EQ(kst::ReceiveBy(in(kLong), server.get(), bytes.data(), bytes.size()), 7);
-    EXPECT_LT(kst::ReceiveBy(in(kShort), client.get(), bytes.data(), bytes.size()), 0); // nothing comes
-    EXPECT_TRUE(kst::SendBy(in(kLong), server.get(), "answer", 6));
-    EXPECT_EQ(kst::ReceiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 6);
+    EXPECT_TRUE(kst::sendAtOnce(client.get(), "request"));
+    EXPECT_EQ(kst::receiveBy(in(kLong), server.get(), bytes.data(), bytes.size()), 7);
+    EXPECT_LT(kst::receiveBy(in(kShort), client.get(), bytes.data(), bytes.size()), 0); // nothing comes
+    EXPECT_TRUE(kst::sendAtOnce(server.get(), "answer"));
+    EXPECT_EQ(kst::receiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 6);
     EXPECT_EQ(std::string(bytes.data(), 7), "answert");
-    // More than fits at once, to somebody who does not read.
-    const std::vector<char> much(64'000'000, 'x');
-    EXPECT_FALSE(kst::SendBy(in(kShort), client.get(), much.data(), much.size()));
-    EXPECT_FALSE(kst::SendBy(in(kShort), client.get(), much.data(), much.size()));
+    // More than fits at once.
+    EXPECT_FALSE(kst::sendAtOnce(client.get(), std::string(64'000'000, 'x')));
 }
 
 TEST(BlockingCalls, endWhenAConnectionIsNotTakenUp) {
     const Listener listener(0);
-    std::vector<Descriptor> queue;
+    std::vector<Loopback> queue;
     constexpr int most = 20;
     int error = 0;
     Deadline start;
@@ -94,7 +100,7 @@ TEST(BlockingCalls, endWhenAConnectionIsNotTakenUp) {
 
 TEST(BlockingCalls, sayWhenAConnectionIsRefusedAgainAndAgain) {
     Listener listener(1);
-    const Descriptor client = loopbackSocket(SOCK_NONBLOCK);
+    const Loopback client = loopbackSocket(SOCK_NONBLOCK);
     listener.close();
     EXPECT_EQ(connectTo(listener, client, kLong), ECONNREFUSED);
     // Later attempts may be told in other words.
@@ -104,47 +110,20 @@ TEST(BlockingCalls, sayWhenAConnectionIsRefusedAgainAndAgain) {
 
 TEST(BlockingCalls, surviveAResetConnection) {
     const Listener listener(1);
-    const Descriptor client = loopbackSocket(SOCK_NONBLOCK);
+    const Loopback client = loopbackSocket(SOCK_NONBLOCK);
     ASSERT_EQ(connectTo(listener, client, kLong), 0);
     {
-        const Descriptor server = listener.accept();
+        const Loopback server = listener.accept();
         const linger reset{1, 0};
         ASSERT_EQ(::syscall(SYS_setsockopt, server.get(), SOL_SOCKET, SO_LINGER, &reset, sizeof reset), 0);
     }
     std::array<char, 16> bytes{};
-    EXPECT_LT(kst::ReceiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 0);
+    EXPECT_LT(kst::receiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 0);
     // The second time there is nobody left who could tell: without the flag, a signal ends the process here.
-    EXPECT_FALSE(kst::SendBy(in(kLong), client.get(), "x", 1));
-    EXPECT_FALSE(kst::SendBy(in(kLong), client.get(), "x", 1));
+    EXPECT_FALSE(kst::sendAtOnce(client.get(), "x"));
+    EXPECT_FALSE(kst::sendAtOnce(client.get(), "x"));
 }
 
-TEST(BlockingCalls, failWithoutADescriptor) {
-    std::array<char, 1> byte{};
-    const int closed = Descriptor(loopbackSocket(0)).get();
-    EXPECT_LT(kst::ReceiveBy(in(kLong), closed, byte.data(), byte.size()), 0);
-    EXPECT_FALSE(kst::MakeSocket(-1, SOCK_STREAM, 0).isOpen());
-}
-
-TEST(Answers, areAwaitedUntilTheDeadline) {
-    EXPECT_EQ(kst::AnswerBy(in(kLong), [] { return 7; }), 7);
-    EXPECT_THROW(kst::AnswerBy(in(kLong), []() -> int { throw std::runtime_error("x"); }),
-                 std::runtime_error);
-
-    const auto isOpen = std::make_shared<std::atomic<bool>>(false);
-    const auto stuck = [isOpen] {
-        isOpen->wait(false);
-        return 7;
-    };
-    // What is late is left behind, up to as many as may be; from then on nothing is even begun.
-    for (int i = 0; i < kst::kMostLeftBehind; ++i)
-        EXPECT_EQ(kst::AnswerBy(in(milliseconds{5}), stuck), std::nullopt);
-    EXPECT_EQ(kst::AnswerBy(in(kLong), [] { return 7; }), std::nullopt);
-    isOpen->store(true);
-    isOpen->notify_all();
-    const Deadline end = in(kLong);
-    while (kst::AnswerBy(in(kLong), [] { return 7; }) != 7 && Deadline::clock::now() < end)
-        std::this_thread::sleep_for(milliseconds{1});
-    EXPECT_EQ(kst::AnswerBy(in(kLong), [] { return 7; }), 7);
-}
+TEST(BlockingCalls, failWithoutASocket) { EXPECT_FALSE(kst::Socket(-1, SOCK_STREAM, 0).isReady()); }
 
 } // namespace

@@ -89,4 +89,12 @@ TEST_F(NetworkNames, costNoDescriptors) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
+TEST_F(NetworkNames, areAwaitedAsLongAsTheResolverTakes) {
+    {
+        const own_network::Slow slow("twice.example", std::chrono::seconds{10});
+        EXPECT_EQ(lookUp(u"Kestrel_GetIPforName", u"twice.example"), "127.0.0.21");
+    }
+    EXPECT_EQ(lookUp(u"Kestrel_GetIPforName", u"localhost"), "127.0.0.1");
+}
+
 } // namespace

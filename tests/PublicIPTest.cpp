@@ -4,7 +4,6 @@
 #include "GetClientPublicIP.h"
 
 #include <algorithm>
-#include <thread>
 
 /// The public address, asked for by the loaded plug-in on a network of our own, where the services answer
 /// what a case wants.
@@ -134,17 +133,26 @@ TEST_F(PublicIP, triesElevenTimesToConnect) {
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 11) << printed;
 }
 
-TEST_F(PublicIP, waitsForAServiceOrTheResolverNoLongerThanAServicesShare) {
-    const Behaviour late{Kind::answersLate, "\r\n\r\n192.0.2.1",
-                         kServiceTime + std::chrono::milliseconds{300}};
-    for (const char* const stuckName : {"nobody", "api.ipify.org"}) {
-        WebServices services({{2, late}, {6, {Kind::answers, kChunked + "b\r\n203.0.113.7\r\n0\r\n\r\n"}}});
-        const own_network::Stuck stuck(stuckName);
-        const double seconds = secondsOf([&] { EXPECT_EQ(ask(), "203.0.113.7"); });
-        EXPECT_GE(seconds, 1.8);
-        EXPECT_LT(seconds, 3.0);
-        const bool isAsked = stuckName == std::string("nobody");
-        EXPECT_EQ(services.clients(), isAsked ? (std::vector<int>{2, 6}) : std::vector<int>{6});
+TEST_F(PublicIP, isAwaitedWhileTimeIsLeft) {
+    constexpr std::chrono::milliseconds time{1000};
+    const std::string page = "Current IP Address: 192.0.2.9<";
+    const struct {
+        std::map<int, Behaviour> behaviours; // the others refuse
+        std::string slowName, address;
+    } cases[] = {
+        {{{2, {Kind::answersLate, "\r\n\r\n192.0.2.2", time / 2}}}, "", "192.0.2.2"},
+        {{{2, {Kind::keepsSilent, ""}}, {9, {Kind::answers, page}}}, "", "192.0.2.9"},
+        {{{9, {Kind::answersLate, page, time * 4 / 5}}}, "", "192.0.2.9"},
+        // Looking a name up is not counted.
+        {{{2, {Kind::answers, "\r\n\r\n192.0.2.2"}}}, "api.ipify.org", "192.0.2.2"},
+        {{{9, {Kind::answers, page}}}, "api.ipify.org", "192.0.2.9"},
+    };
+    for (const auto& [behaviours, slowName, address] : cases) {
+        const WebServices services(behaviours);
+        const own_network::Slow slow(slowName, time + std::chrono::milliseconds{100});
+        std::array<char, kAddressBufferSize> out{};
+        EXPECT_EQ(askForPublicIP(out.data(), time), kPublicIPFound) << address;
+        EXPECT_EQ(out.data(), address);
     }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LeftThreads.h"
 #include "host/app/File.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
@@ -20,5 +19,4 @@ inline void endDay(host::Session& session, host::PlugIn& plugIn) {
     host::mainQueue().clear();
     session.runWaitingScripts();
     session.front()->fileVariables().clear();
-    awaitLeftThreads();
 }

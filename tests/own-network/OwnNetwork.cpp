@@ -1,15 +1,15 @@
 #include "OwnNetwork.h"
 
-#include <condition_variable>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 #include <netdb.h>
 #include <string>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -64,50 +64,42 @@ void set(const char* name, const std::string& value) { ::setenv(name, value.c_st
     fs::remove_all(value.substr(space + 1), ignored);
 }
 
-/// Never destroyed: a lookup may still wait when the process ends.
-struct Resolver {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool servicesAreKnown = false;
-    std::string stuckName;
-};
-Resolver& resolver() {
-    static auto& one = *new Resolver;
-    return one;
+own_network::Services services = own_network::Services::unknown;
+std::string slowName;
+std::chrono::milliseconds slowTime{0};
+
+void waitFor(const char* name) {
+    if (name != nullptr && name == slowName) std::this_thread::sleep_for(slowTime);
 }
 
 } // namespace
 
 namespace own_network {
 
-void setServices(Services services) {
-    const std::lock_guard lock(resolver().mutex);
-    resolver().servicesAreKnown = services == Services::known;
+void setServices(Services which) { services = which; }
+
+Slow::Slow(std::string name, std::chrono::milliseconds time) {
+    slowName = std::move(name);
+    slowTime = time;
 }
 
-Stuck::Stuck(std::string name) {
-    const std::lock_guard lock(resolver().mutex);
-    resolver().stuckName = std::move(name);
-}
-
-Stuck::~Stuck() {
-    const std::lock_guard lock(resolver().mutex);
-    resolver().stuckName.clear();
-    resolver().changed.notify_all();
-}
+Slow::~Slow() { slowName.clear(); }
 
 } // namespace own_network
 
 /// In front of the preloaded one, which asks the real resolver for names that its file does not have.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* wanted, addrinfo** found) {
-    {
-        std::unique_lock lock(resolver().mutex);
-        const std::string name = node == nullptr ? "" : node;
-        resolver().changed.wait(lock, [&] { return name.empty() || resolver().stuckName != name; });
-        const bool isKnown = std::strstr(kHosts, (" " + name + "\n").c_str()) != nullptr;
-        if (!isKnown || !resolver().servicesAreKnown) return EAI_NONAME;
-    }
-    using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
-    static const auto next = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+    waitFor(node);
+    const std::string name = node == nullptr ? "" : node;
+    const bool isKnown = std::strstr(kHosts, (" " + name + "\n").c_str()) != nullptr;
+    if (!isKnown || services == own_network::Services::unknown) return EAI_NONAME;
+    static const auto next = reinterpret_cast<decltype(&::getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
     return next(node, service, wanted, found);
+}
+
+extern "C" hostent* gethostbyname(const char* name) {
+    waitFor(name);
+    static const auto next =
+        reinterpret_cast<decltype(&::gethostbyname)>(::dlsym(RTLD_NEXT, "gethostbyname"));
+    return next(name);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 /// The network that tests and fuzzers live in: nothing that they do leaves the process.
@@ -15,13 +16,13 @@ namespace own_network {
 enum class Services { unknown, known };
 void setServices(Services services);
 
-/// While one of these lives, lookups of the name do not come back.
-class Stuck {
+/// While one of these lives, lookups of the name take a time more.
+class Slow {
 public:
-    explicit Stuck(std::string name);
-    Stuck(const Stuck&) = delete;
-    Stuck& operator=(const Stuck&) = delete;
-    ~Stuck();
+    Slow(std::string name, std::chrono::milliseconds time);
+    Slow(const Slow&) = delete;
+    Slow& operator=(const Slow&) = delete;
+    ~Slow();
 };
 
 } // namespace own_network
