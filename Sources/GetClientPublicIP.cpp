@@ -35,7 +35,7 @@ int exchange(kst::Deadline deadline, int socket, const addrinfo& to, const Publi
     const ssize_t received = kst::receiveBy(deadline, socket, response.data(), response.size());
     if (received < 0) return kNotReceived;
     const std::string_view text(response.data(), static_cast<std::size_t>(received));
-    return CopyAddress(service, text, out) ? kPublicIPFound : kNoAddress;
+    return copyAddress(service, text, out) ? kPublicIPFound : kNoAddress;
 }
 
 /// Takes what connecting and receiving use off the time that is left, all but what is kept.
@@ -59,7 +59,7 @@ int ask(const PublicIPService& service, char* out, Clock::duration& left, Clock:
 
 int GetClientPublicIP(int service, char* out) {
     Clock::duration left = kNetworkTime;
-    return ask(ServiceNumbered(service), out, left, {});
+    return ask(serviceNumbered(service), out, left, {});
 }
 
 int askForPublicIP(char* out, std::chrono::milliseconds time) {
@@ -68,7 +68,7 @@ int askForPublicIP(char* out, std::chrono::milliseconds time) {
     int code = kHostNotResolved;
     for (const int service : kServicesAsked) {
         kept -= time / kKeptPart;
-        code = ask(ServiceNumbered(service), out, left, kept);
+        code = ask(serviceNumbered(service), out, left, kept);
         if (code == kPublicIPFound) break;
     }
     return code;

@@ -35,7 +35,7 @@ constexpr int kKeptPart = 10;
 constexpr std::size_t kResponseSize = 16000;
 
 /// Asks a service, by its number in PublicIPServices.h, over plain HTTP, and gives a PublicIPCode. `out` has
-/// at least kAddressBufferSize bytes; it holds the address and a zero, and after kNoAddress what CopyAddress
+/// at least kAddressBufferSize bytes; it holds the address and a zero, and after kNoAddress what copyAddress
 /// has left there. Otherwise it is empty. Every attempt to connect that fails writes a line to standard
 /// output. The service may use all of kNetworkTime.
 int GetClientPublicIP(int service, char* out);

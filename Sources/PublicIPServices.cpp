@@ -22,12 +22,12 @@ constexpr int kMostInGroup = 3;
 
 } // namespace
 
-const PublicIPService& ServiceNumbered(int number) {
+const PublicIPService& serviceNumbered(int number) {
     const bool isKnown = number >= 1 && number <= static_cast<int>(std::size(kServices));
     return kServices[isKnown ? number - 1 : 0];
 }
 
-bool CopyAddress(const PublicIPService& service, std::string_view response, char* out) {
+bool copyAddress(const PublicIPService& service, std::string_view response, char* out) {
     out[0] = '\0';
     const std::string_view text = response.substr(0, response.find('\0'));
     const std::size_t marker = text.find(service.marker);

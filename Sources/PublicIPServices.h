@@ -22,7 +22,7 @@ struct PublicIPService {
 };
 
 /// Services are numbered from 1 to 9; any other number gives the first.
-const PublicIPService& ServiceNumbered(int number);
+const PublicIPService& serviceNumbered(int number);
 
 /// The services that are asked, in this order. The others stand in the table.
 inline constexpr int kServicesAsked[] = {2, 6, 5, 8, 9};
@@ -36,4 +36,4 @@ constexpr std::size_t kAddressBufferSize = kMostAddressCharacters + 2;
 /// (digits or not), and the terminator behind it. If not, `out` holds what was collected, up to and with the
 /// character that was wrong; nothing when there is no marker. The response may be any bytes; nothing is read
 /// past its first zero byte or its end.
-bool CopyAddress(const PublicIPService& service, std::string_view response, char* out);
+bool copyAddress(const PublicIPService& service, std::string_view response, char* out);

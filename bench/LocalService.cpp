@@ -47,7 +47,7 @@ LocalService::~LocalService() {
     ::close(listener_);
 }
 
-const char* LocalService::name() { return ServiceNumbered(kServicesAsked[0]).host; }
+const char* LocalService::name() { return serviceNumbered(kServicesAsked[0]).host; }
 
 void LocalService::serve() const {
     constexpr int forEver = -1;

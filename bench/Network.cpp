@@ -72,7 +72,7 @@ void benchResponseBesidePeers() {
     std::array<char, kAddressBufferSize> out{};
     row(
         "the address in a response of 15 kB",
-        [&] { keep(CopyAddress(ServiceNumbered(kServicesAsked[0]), response, out.data())); }, "strstr",
+        [&] { keep(copyAddress(serviceNumbered(kServicesAsked[0]), response, out.data())); }, "strstr",
         [&] { keep(std::strstr(response.c_str(), "\r\n\r\n")); });
 }
 

@@ -43,7 +43,7 @@ std::string_view collectedIn(const Buffer& out) {
 }
 
 bool isFoundIn(const PublicIPService& service, std::string_view response, Buffer& out) {
-    const bool isAddress = CopyAddress(service, response, out.data());
+    const bool isAddress = copyAddress(service, response, out.data());
     const std::string_view collected = collectedIn(out);
     require(response.find(collected) != std::string_view::npos);
     if (isAddress)
@@ -64,7 +64,7 @@ void askForTheResponse(int service, std::string_view response) {
     Buffer expected = untouched(), out = untouched();
     const std::string bytes(response); // at the end of its memory
     const bool isAddress =
-        isFoundIn(ServiceNumbered(service), std::string_view(bytes).substr(0, kResponseSize), expected);
+        isFoundIn(serviceNumbered(service), std::string_view(bytes).substr(0, kResponseSize), expected);
     require(ask(service, {Kind::answers, bytes}, out) == (isAddress ? kPublicIPFound : kNoAddress));
     require(collectedIn(out) == collectedIn(expected));
 }
@@ -81,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (place > 0 && response.size() < end) response.insert(0, end - response.size(), ' ');
 
     Buffer out = untouched();
-    isFoundIn(ServiceNumbered(service), response, out);
+    isFoundIn(serviceNumbered(service), response, out);
     if (std::find(std::begin(kServicesAsked), std::end(kServicesAsked), service) == std::end(kServicesAsked))
         return 0;
     switch (data[1] & kindMask) {

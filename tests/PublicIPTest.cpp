@@ -205,7 +205,7 @@ TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
     for (const auto& [response, expected, service, isAddress] : cases) {
         std::array<char, kAddressBufferSize> out{};
         out.fill('~');
-        EXPECT_EQ(CopyAddress(ServiceNumbered(service), response, out.data()), isAddress) << response;
+        EXPECT_EQ(copyAddress(serviceNumbered(service), response, out.data()), isAddress) << response;
         EXPECT_STREQ(out.data(), expected);
     }
 }
