@@ -4,6 +4,8 @@
 #include "GetClientPublicIP.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
 /// The public address, asked for by the loaded plug-in on a network of our own, where the services answer
 /// what a case wants.
@@ -181,6 +183,17 @@ TEST_F(PublicIP, losesNoDescriptorInTenThousandCalls) {
             ASSERT_EQ(ask().substr(0, 1), "-") << i;
     }
     EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(PublicIPServices, areNamedInTheirOrderByTheFunctionsPage) {
+    std::ifstream file(KESTREL_SOURCE_DIR "/docs/functions/Kestrel_GetClientPublicIPAddress.md");
+    const std::string page(std::istreambuf_iterator<char>(file), {});
+    int order = 0;
+    for (const int service : kServicesAsked) {
+        const std::string host = serviceNumbered(service).host;
+        EXPECT_NE(page.find("| " + std::to_string(++order) + " | `" + host + "` |"), std::string::npos)
+            << host;
+    }
 }
 
 TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
