@@ -57,14 +57,18 @@ bool equals(const fmx::Text& text, const char* expected) {
 
 } // namespace
 
-std::string StringFromFmText(const fmx::Text& text) {
-    const std::size_t bytes = std::size_t{2} * text.GetSize();
-    if (bytes == 0) return {};
-    std::string result(bytes, '\0');
+std::string bytesFromFMText(const fmx::Text& text, std::size_t size) {
+    std::string bytes(size + 1, '\0'); // the host writes a zero behind the bytes
     const auto bufferSize =
-        std::min<std::size_t>(bytes, std::numeric_limits<fmx::uint32>::max()); // what the host can be told
-    text.GetBytes(result.data(), static_cast<fmx::uint32>(bufferSize), 0, fmx::Text::kSize_End,
+        std::min<std::size_t>(bytes.size(), std::numeric_limits<fmx::uint32>::max()); // the host's largest
+    text.GetBytes(bytes.data(), static_cast<fmx::uint32>(bufferSize), 0, fmx::Text::kSize_End,
                   fmx::Text::kEncoding_UTF8);
+    bytes.pop_back();
+    return bytes;
+}
+
+std::string StringFromFmText(const fmx::Text& text) {
+    std::string result = bytesFromFMText(text, std::size_t{2} * text.GetSize());
     std::erase(result, '\0');
     return result;
 }

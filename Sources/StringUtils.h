@@ -10,8 +10,11 @@
 #include <string_view>
 #include <vector>
 
-/// The text as UTF-8, zero bytes dropped. What needs more than 2 × (UTF-16 units) bytes, the host's
-/// terminating zero included, is cut at that many bytes: meant for ASCII keys and selectors.
+/// The first `size` bytes of the text as UTF-8, padded with zeros. The cut may lie within a character.
+std::string bytesFromFMText(const fmx::Text& text, std::size_t size);
+
+/// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped. Only a text with characters
+/// of three bytes can be cut, at its end.
 std::string StringFromFmText(const fmx::Text& text);
 /// The same; an owner without a text gives an empty string.
 std::string StringFromFmText(const fmx::TextAutoPtr& text);

@@ -3,21 +3,14 @@
 #include "StringUtils.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <limits>
 
 std::vector<char> cFMUtils::CharsFromFMText(const fmx::Text& text) {
-    std::vector<char> bytes(std::size_t{text.GetSize()} + 1);
-    const auto bufferSize = std::min<std::size_t>(
-        bytes.size(), std::numeric_limits<fmx::uint32>::max()); // what the host can be told
-    text.GetBytes(bytes.data(), static_cast<fmx::uint32>(bufferSize), 0, fmx::Text::kSize_End,
-                  fmx::Text::kEncoding_UTF8);
-    return bytes;
+    const std::string bytes = bytesFromFMText(text, text.GetSize());
+    return {bytes.c_str(), bytes.c_str() + bytes.size() + 1};
 }
 
 std::string cFMUtils::StringFromFmxText(const fmx::Text& text, bool /*unused*/) {
-    const std::vector<char> bytes = CharsFromFMText(text);
-    std::string result(bytes.begin(), bytes.end());
+    std::string result = bytesFromFMText(text, text.GetSize());
     std::erase(result, '\0');
     return result;
 }

@@ -16,8 +16,8 @@ public:
     /// Answer of FindFMTextInArray when no entry is equal.
     static constexpr unsigned kNotFound = 0xFFFFFFFF;
 
-    /// (UTF-16 units + 1) bytes: the text as UTF-8 from position 0, padded with zeros. What does not fit,
-    /// as soon as one character needs two bytes, is cut.
+    /// (UTF-16 units + 1) bytes: the text as UTF-8 from position 0, padded with zeros, the last one zero. A
+    /// text is cut as soon as one character needs two bytes.
     static std::vector<char> CharsFromFMText(const fmx::Text& text);
     /// CharsFromFMText without any zero byte. The flag is not used.
     static std::string StringFromFmxText(const fmx::Text& text, bool unused = false);

@@ -11,8 +11,7 @@
 
 namespace fmlib {
 
-/// The text as UTF-8, zero bytes dropped, cut at 2 × (UTF-16 units) bytes, the host's terminating zero
-/// included.
+/// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped.
 std::string StringFromFmText(const fmx::Text& text);
 /// Every UTF-16 unit as one wide character; surrogates stay as they are.
 std::wstring WStringFromFMText(const fmx::Text& text);

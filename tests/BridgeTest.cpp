@@ -60,14 +60,14 @@ fmx::TextUniquePtr text(const std::string& utf8) { return cFMUtils::getUTF16data
 std::string utf8(const fmx::Text& text) { return host::bridge::in<host::Text>(&text).utf8(); }
 
 TEST_F(Bridge, cutsTextAtBuffersSizedByItsUnits) {
-    // units + 1 bytes and 2 × units bytes, the host's terminating zero among them; the cut is by bytes, also
-    // within a character.
+    // Units and 2 × units are the sizes in bytes. The cut may lie within a character.
     const struct {
         const char *whole, *byUtils, *byLib;
     } cases[] = {{"plain", "plain", "plain"},
                  {"", "", ""},
-                 {"\u00E9", "\xC3", "\xC3"},
-                 {"\u20AC\u20AC", "\xE2\x82", "\u20AC"},
+                 {"\u00E9", "\xC3", "\u00E9"},
+                 {"\u03A9\u03B3", "\u03A9", "\u03A9\u03B3"},
+                 {"\u20AC\u20AC", "\xE2\x82", "\u20AC\xE2"},
                  {"a\u00E9b", "a\u00E9", "a\u00E9b"}};
     for (const auto& [whole, byUtils, byLib] : cases) {
         const fmx::TextUniquePtr source = text(whole);

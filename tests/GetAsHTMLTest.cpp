@@ -182,8 +182,8 @@ TEST_F(GetAsHTML, declaresLooks) {
     look.style.setColor({255, 0, 128});
     EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;"));
     look.style.setSize(0);
-    look.style.setFont(session.front()->fontId(u"Grüße"));
-    EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-family:Grüße;font-size:0px;"));
+    look.style.setFont(session.front()->fontId(u"Гельветика"));
+    EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-family:Гельветика;font-size:0px;"));
     look.style.setFont(99); // the file has no such font
     EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-size:0px;"));
 }

@@ -17,8 +17,8 @@
 /// The style's colour as #rrggbb; empty when the style leaves it to the field.
 std::string getFontColor(const fmx::CharacterStyle& style);
 
-/// The name of the style's font; empty when the file knows no such font. Names are shortened as
-/// StringFromFmText says, which concerns those outside Latin, Greek and Cyrillic.
+/// The name of the style's font; empty when the file knows no such font. Names with
+/// characters of three bytes may be cut, as StringFromFmText says.
 std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& env);
 
 /// Reads the texts of one conversion. It remembers what it has asked the host, so it must not outlive the
