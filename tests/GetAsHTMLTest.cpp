@@ -386,10 +386,10 @@ TEST_F(GetAsHTML, readsOneCharacter) {
     const host::calc::Environment place = session.environment(session.front());
     const host::Text words(u"a ", looks(face::wordUnderline));
     const auto& text = host::bridge::out<fmx::Text>(words);
-    TextReader reader(host::bridge::out<fmx::ExprEnv>(place));
-    EXPECT_TRUE(reader.formattingsFromFMCharacter(text, 0).empty());
-    EXPECT_TRUE(reader.formattingsFromFMCharacter(text, 1).contains("underline"));
-    const cFragment blank = reader.formattedFragmentFromFMCharacter(text, 1);
+    const auto& env = host::bridge::out<fmx::ExprEnv>(place);
+    EXPECT_TRUE(formattingsFromFMCharacter(text, 0, env).empty());
+    EXPECT_TRUE(formattingsFromFMCharacter(text, 1, env).contains("underline"));
+    const cFragment blank = formattedFragmentFromFMCharacter(text, 1, env);
     EXPECT_EQ(blank.getInlineCSS(), "text-decoration:underline;");
     EXPECT_TRUE(blank.characters.empty() && blank.length == 0 && blank.narrowText.empty());
 }

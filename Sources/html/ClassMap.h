@@ -3,6 +3,9 @@
 /// The classes of one conversion. Equal declarations share a class; a name stands for one set of
 /// declarations.
 
+#include "html/Fragment.h"
+#include "html/ParamVector.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -23,6 +26,13 @@ public:
     [[nodiscard]] bool empty() const { return classes_.empty(); }
     [[nodiscard]] Classes::const_iterator begin() const { return classes_.begin(); }
     [[nodiscard]] Classes::const_iterator end() const { return classes_.end(); }
+
+    /// A cache of fragmentsPostProcessing: the outcome for a run, by the formattings that the run was read
+    /// with. An outcome names classes of this map, which keep their declarations.
+    struct Outcomes {
+        ParamVector tagParams, classParams, styleParams; ///< for which the outcomes hold
+        std::map<Formattings, cFragment> runs;
+    } outcomes;
 
 private:
     friend std::string get_or_create_class(const std::string& declarations, const std::string& wantedName,

@@ -2,9 +2,9 @@
 
 #include "StringUtils.h"
 #include "html/ClassMap.h"
-#include "html/PostProcessing.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -110,9 +110,7 @@ std::uint32_t cFragment::filterFormattings(const ParamVector& styleParams) {
     }));
 }
 
-std::string serialize_CSS(const InlineStyles& styles, std::string_view separator) {
-    std::string css;
-    for (const auto& [property, value] : styles)
-        css.append(property).append(":").append(value).append(";").append(separator);
-    return css;
+bool logsMerges() {
+    const char* const log = std::getenv("KESTREL_LOG");
+    return log != nullptr && *log != '\0';
 }

@@ -6,22 +6,15 @@
 /// exactly one place: an element around the run, a class, a declaration of the run's own, or nowhere.
 
 #include "HostInterface.h"
+#include "html/Css.h"
 #include "html/ParamVector.h"
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 class ClassMap;
-
-/// From a formatting's name to its value. Flags (bold, italic, …) have an empty value; "color" has #rrggbb,
-/// "font" the font's name, "size" a number with "px".
-using Formattings = std::map<std::string, std::string, std::less<>>;
-
-/// From a CSS property to its value.
-using InlineStyles = std::map<std::string, std::string, std::less<>>;
 
 /// One run. A value like any other: it owns everything in it.
 class cFragment {
@@ -71,5 +64,6 @@ public:
     std::uint32_t filterFormattings(const ParamVector& styleParams);
 };
 
-/// Every declaration as property, colon, value, semicolon and the separator, ordered by property.
-std::string serialize_CSS(const InlineStyles& styles, std::string_view separator);
+/// True when merges of runs are logged and narrow texts kept: when the environment variable KESTREL_LOG is
+/// set and not empty. The log has the users' own text in it.
+bool logsMerges();

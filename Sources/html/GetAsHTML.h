@@ -3,6 +3,8 @@
 /// A styled text as HTML, from its parameters as text to the result.
 
 #include "HostInterface.h"
+#include "html/ClassMap.h"
+#include "html/Fragment.h"
 #include "html/ParamVector.h"
 
 #include <string>
@@ -19,6 +21,12 @@ void addDefaultFormattingsForTag(ParamVector& tagParams);
 /// Lines and values are matched by their index, although a soft line break ends a line and no value.
 std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEndings,
                                          const std::vector<std::string>& alignments);
+
+/// Takes the runs of one paragraph through the later stages, which use them up, and appends the paragraph to
+/// the output. The source text and the environment are not used.
+void transformRichtextToHTML(const fmx::Text& source, const std::string& alignment, ParamVector tagParams,
+                             ParamVector classParams, ParamVector styleParams, const fmx::ExprEnv& env,
+                             std::vector<cFragment>& fragments, ClassMap& classMap, fmx::TextAutoPtr& output);
 
 /// Appends the HTML of the text, the style block first. A text that begins with "$" and has a value that is
 /// not empty stands for that value, whose paragraphs are then aligned as the host says; any other is itself

@@ -1,5 +1,6 @@
 #include "HandlerFrame.h"
 #include "Handlers.h"
+#include "HostInterface.h"
 #include "LastError.h"
 #include "StringUtils.h"
 #include "cFMUtils.h"
@@ -34,46 +35,56 @@ bool standsForAValue(const fmx::Text& text, const fmx::ExprEnv& env) {
     return StringFromFmText(*isEmptyValue) == "0";
 }
 
+/// One conversion: what is asked for, and what its paragraphs share.
+struct Conversion {
+    const fmx::ExprEnv& env;
+    ParamVector tagParams, classParams, styleParams;
+    ClassMap classMap = {};
+    TextReader reader{env};
+    fmx::TextUniquePtr body = {};
+
+    void addParagraph(const fmx::Text& source, const std::string& alignment,
+                      std::vector<cFragment>& fragments) {
+        transformRichtextToHTML(source, alignment, tagParams, classParams, styleParams, env, fragments,
+                                classMap, body);
+        fragments.clear();
+    }
+};
+
 /// The text's own paragraphs. One alone stands without an element.
-void convertText(const fmx::Text& text, const fmx::ExprEnv& env, Conversion& conversion,
-                 fmx::TextAutoPtr& body) {
+void convertText(const fmx::Text& text, Conversion& conversion) {
     const std::vector<fmx::uint16> units = unitsFromFMText(text);
-    TextReader reader(env);
     const fmx::TextUniquePtr paragraph;
+    std::vector<cFragment> fragments;
     for (auto start = units.begin(); start != units.end();) {
         const auto end = std::find(start, units.end(), kReturn);
         const auto next = end == units.end() ? end : end + 1;
         const bool isOnly = start == units.begin() && next == units.end();
         paragraph->SetText(text, static_cast<fmx::uint32>(start - units.begin()),
                            static_cast<fmx::uint32>(end - start));
-        std::vector<cFragment> fragments;
-        reader.extractFragments(*paragraph, fragments);
-        transformRichtextToHTML(isOnly ? "none" : "", conversion, fragments, body);
+        conversion.reader.extractFragments(*paragraph, fragments);
+        conversion.addParagraph(*paragraph, isOnly ? "none" : "", fragments);
         start = next;
     }
 }
 
 /// The paragraphs of the expression's value, aligned as the host says.
-void convertValue(const fmx::Text& expression, const fmx::ExprEnv& env, Conversion& conversion,
-                  fmx::TextAutoPtr& body) {
-    const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, env);
+void convertValue(const fmx::Text& expression, Conversion& conversion) {
+    const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, conversion.env);
     // A value has a line of its own at least.
-    const std::vector<std::string> alignments = getLineAligns(expression, env, lineEndings.size());
+    const std::vector<std::string> alignments = getLineAligns(expression, conversion.env, lineEndings.size());
     const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
-    TextReader reader(env);
     fmx::TextUniquePtr value;
     std::vector<cFragment> fragments;
     for (std::size_t k = 0; k < alignments.size(); ++k) {
-        evaluateOnFM("GetValue(", expression, ";" + std::to_string(k + 1) + ")", env, value);
-        reader.extractFragments(*value, fragments);
-        if (!isEnd[k] && k + 1 < alignments.size()) {
-            const fmx::uint16 lineEnding = k < lineEndings.size() ? lineEndings[k] : fmx::uint16{0};
-            if (lineEnding != 0 && !fragments.empty()) fragments.back().addChar(lineEnding);
-            continue;
+        evaluateOnFM("GetValue(", expression, ";" + std::to_string(k + 1) + ")", conversion.env, value);
+        conversion.reader.extractFragments(*value, fragments);
+        if (isEnd[k] || k + 1 == alignments.size()) {
+            const bool isOnly = alignments.size() == 1 && alignments[k] == "left";
+            conversion.addParagraph(expression, isOnly ? "none" : alignments[k], fragments);
+        } else if (lineEndings[k] != 0 && !fragments.empty()) {
+            fragments.back().addChar(lineEndings[k]);
         }
-        const bool isOnly = alignments.size() == 1 && alignments[k] == "left";
-        transformRichtextToHTML(isOnly ? "none" : alignments[k], conversion, fragments, body);
-        fragments.clear();
     }
 }
 
@@ -108,24 +119,34 @@ std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEnd
     return isEnd;
 }
 
+// NOLINTBEGIN(performance-unnecessary-value-param): the interface passes the lists by value.
+void transformRichtextToHTML(const fmx::Text& source, const std::string& alignment, ParamVector tagParams,
+                             ParamVector classParams, ParamVector styleParams, const fmx::ExprEnv&,
+                             std::vector<cFragment>& fragments, ClassMap& classMap,
+                             fmx::TextAutoPtr& output) {
+    fragmentsPostProcessing(fragments, classMap, tagParams, classParams, styleParams);
+    mergeFragments(fragments);
+    cFragment paragraph = createParagraphFragment(alignment, tagParams, classParams, styleParams, classMap);
+    produceHTMLfromFragments(source, paragraph, fragments, classMap, output);
+}
+// NOLINTEND(performance-unnecessary-value-param)
+
 void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text& tags,
                                          const fmx::Text& classes, const fmx::Text& styles,
                                          const fmx::ExprEnv& env, fmx::TextAutoPtr& output) {
-    Conversion conversion;
-    conversion.tagParams = parseTagOrClassOrStyleParam(tags, true);
-    conversion.classParams = parseTagOrClassOrStyleParam(classes, true);
-    conversion.styleParams = parseTagOrClassOrStyleParam(styles, false);
+    Conversion conversion{env, parseTagOrClassOrStyleParam(tags, true),
+                          parseTagOrClassOrStyleParam(classes, true),
+                          parseTagOrClassOrStyleParam(styles, false)};
     if (paramVectorHasKey(conversion.tagParams, "all")) {
         paramVectorEraseKey(conversion.tagParams, "all");
         addDefaultFormattingsForTag(conversion.tagParams);
     }
-    fmx::TextUniquePtr body;
     if (standsForAValue(text, env))
-        convertValue(text, env, conversion, body);
+        convertValue(text, conversion);
     else
-        convertText(text, env, conversion, body);
+        convertText(text, conversion);
     appendCssClasses(conversion.classMap, "", output);
-    output->AppendText(*body);
+    output->AppendText(*conversion.body);
 }
 
 FMX_PROC(fmx::errcode)

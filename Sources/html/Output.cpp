@@ -1,7 +1,7 @@
 #include "html/Output.h"
 
 #include "StringUtils.h"
-#include "cFMUtils.h"
+#include "html/PostProcessing.h"
 
 #include <algorithm>
 #include <array>
@@ -80,18 +80,13 @@ void appendTo(fmx::TextAutoPtr& output, const Units& html) {
 
 } // namespace
 
-void transformRichtextToHTML(const std::string& alignment, Conversion& conversion,
-                             std::vector<cFragment>& fragments, fmx::TextAutoPtr& output) {
-    fragmentsPostProcessing(fragments, conversion);
-    mergeFragments(fragments);
-    produceHTMLfromFragments(createParagraphFragment(alignment, conversion), fragments, output);
-}
-
-cFragment createParagraphFragment(const std::string& alignment, Conversion& conversion) {
+cFragment createParagraphFragment(const std::string& alignment, const ParamVector& tagParams,
+                                  const ParamVector& classParams, const ParamVector& styleParams,
+                                  ClassMap& classMap) {
     cFragment paragraph;
     if (alignment == "none") return paragraph;
-    if (paramVectorHasKey(conversion.tagParams, alignment)) {
-        paragraph.tags.push_back(paramVectorGetValue(conversion.tagParams, alignment));
+    if (paramVectorHasKey(tagParams, alignment)) {
+        paragraph.tags.push_back(paramVectorGetValue(tagParams, alignment));
         return paragraph;
     }
     paragraph.tags.emplace_back("p");
@@ -100,21 +95,19 @@ cFragment createParagraphFragment(const std::string& alignment, Conversion& conv
     if (row == std::end(kAlignments)) return paragraph;
     const std::string css(row->css);
     for (const std::string& key : {alignment, std::string("all")}) {
-        if (!paramVectorHasKey(conversion.classParams, key)) continue;
-        const std::string name = paramVectorGetValue(conversion.classParams, key);
+        if (!paramVectorHasKey(classParams, key)) continue;
+        const std::string name = paramVectorGetValue(classParams, key);
         if (!name.empty())
-            paragraph.cssClasses.push_back(
-                get_or_create_class("text-align:" + css + ";", name, conversion.classMap));
+            paragraph.cssClasses.push_back(get_or_create_class("text-align:" + css + ";", name, classMap));
         return paragraph;
     }
-    if (paramVectorHasKey(conversion.styleParams, alignment) ||
-        paramVectorHasKey(conversion.styleParams, "all"))
+    if (paramVectorHasKey(styleParams, alignment) || paramVectorHasKey(styleParams, "all"))
         paragraph.inlineStyles["text-align"] = css;
     return paragraph;
 }
 
-void produceHTMLfromFragments(cFragment paragraph, std::vector<cFragment>& fragments,
-                              fmx::TextAutoPtr& output) {
+void produceHTMLfromFragments(const fmx::Text&, cFragment& paragraph, std::vector<cFragment>& fragments,
+                              const ClassMap&, fmx::TextAutoPtr& output) {
     Units html;
     if (!paragraph.tags.empty()) {
         escalateSharedBlockElement(paragraph, fragments);

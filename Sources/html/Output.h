@@ -4,25 +4,25 @@
 /// text; lines of it end with a return.
 
 #include "HostInterface.h"
+#include "html/ClassMap.h"
 #include "html/Fragment.h"
-#include "html/PostProcessing.h"
+#include "html/ParamVector.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// Makes a paragraph of runs, which are used up, and appends it to the output.
-void transformRichtextToHTML(const std::string& alignment, Conversion& conversion,
-                             std::vector<cFragment>& fragments, fmx::TextAutoPtr& output);
-
 /// The element around a paragraph, without characters. The alignment "none" means no element. The element is
 /// what the tag parameters say for the alignment, else "p", which then also tells the alignment, in a class
 /// or a declaration, as far as the parameters want it told.
-cFragment createParagraphFragment(const std::string& alignment, Conversion& conversion);
+cFragment createParagraphFragment(const std::string& alignment, const ParamVector& tagParams,
+                                  const ParamVector& classParams, const ParamVector& styleParams,
+                                  ClassMap& classMap);
 
-/// Appends the paragraph with its runs to the output. What the runs share has moved to the paragraph, if it
-/// has an element.
-void produceHTMLfromFragments(cFragment paragraph, std::vector<cFragment>& fragments,
+/// Appends the paragraph with its runs to the output. If the paragraph has an element, what all runs share
+/// moves to it first. The source text and the class map are not used.
+void produceHTMLfromFragments(const fmx::Text& source, cFragment& paragraph,
+                              std::vector<cFragment>& fragments, const ClassMap& classMap,
                               fmx::TextAutoPtr& output);
 
 /// An opening tag; an empty attribute is left out. Values are written as they are.

@@ -1,7 +1,6 @@
 #include "html/PostProcessing.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
 #include <iterator>
 #include <string_view>
@@ -9,63 +8,42 @@
 
 namespace {
 
-/// How a formatting becomes a declaration.
-enum class Declares {
-    value, ///< the value beside it
-    also,  ///< the value beside it, behind what the property has already
-    own    ///< the formatting's own value
-};
-
-/// In this order: a later row overwrites what an earlier one says of the same property.
-const struct {
-    std::string_view formatting, property, value;
-    Declares how = Declares::value;
-} kDeclarations[] = {
-    {"bold", "font-weight", "bold"},
-    {"italic", "font-style", "italic"},
-    {"highlight", "background-color", "#FFFF00"},
-    {"underline", "text-decoration", "underline"},
-    {"doubleunderline", "text-decoration", "underline"},
-    {"doubleunderline", "text-decoration-style", "double"},
-    {"doubleunderline", "-webkit-text-decoration-style", "double"},
-    {"strikethrough", "text-decoration", "line-through", Declares::also},
-    {"condense", "letter-spacing", "-2px"},
-    {"extend", "letter-spacing", "2px"},
-    {"superscript", "vertical-align", "super"},
-    {"subscript", "vertical-align", "sub"},
-    {"smallcaps", "font-variant", "small-caps"},
-    {"uppercase", "text-transform", "uppercase"},
-    {"lowercase", "text-transform", "lowercase"},
-    {"titlecase", "text-transform", "capitalize"},
-    {"color", "color", "", Declares::own},
-    {"font", "font-family", "", Declares::own},
-    {"size", "font-size", "", Declares::own},
-};
-
 constexpr std::string_view kBlockElements[] = {"h1", "h2",  "h3",  "h4",       "h5",         "h6",
                                                "p",  "pre", "div", "noscript", "blockquote", "address"};
 
-/// Formattings whose end is remembered. A text with ever new colours must not fill the memory with them.
-constexpr std::size_t kMostSeen = 4096;
+/// Outcomes that are cached. A text with ever new colours must not fill the memory with them.
+constexpr std::size_t kMostOutcomes = 4096;
 
 bool isBlockElement(std::string_view tag) {
     return std::find(std::begin(kBlockElements), std::end(kBlockElements), tag) != std::end(kBlockElements);
 }
 
-/// A run without characters that has found its elements, classes and declarations.
-cFragment processed(const Formattings& formattings, Conversion& conversion) {
+/// A run without characters that has its elements, classes and declarations.
+cFragment processed(const Formattings& formattings, ClassMap& classMap) {
+    const auto& [tagParams, classParams, styleParams, runs] = classMap.outcomes;
     cFragment run;
     run.formattings = formattings;
-    for (const auto& [combination, element] : conversion.tagParams)
+    for (const auto& [combination, element] : tagParams)
         run.extractFormattingCombinationToCreateTag(combination, element);
-    for (auto [combination, className] : conversion.classParams) {
-        run.extractFormattingCombinationToCreateClass(combination, className, conversion.classMap);
+    for (auto [combination, className] : classParams) {
+        run.extractFormattingCombinationToCreateClass(combination, className, classMap);
         if (combination == "all") break;
     }
-    if (!paramVectorHasKey(conversion.styleParams, "all")) run.filterFormattings(conversion.styleParams);
+    if (!paramVectorHasKey(styleParams, "all")) run.filterFormattings(styleParams);
     run.inlineStyles = CSSFromFormattings(run.formattings);
     run.formattings.clear();
     return run;
+}
+
+/// The same from the cache, which it fills. Equal formattings always have the same outcome: classes with
+/// equal declarations are one.
+const cFragment& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
+    auto& runs = classMap.outcomes.runs;
+    const auto known = runs.find(formattings);
+    if (known != runs.end()) return known->second;
+    cFragment run = processed(formattings, classMap);
+    if (runs.size() == kMostOutcomes) runs.clear();
+    return runs.emplace(std::move(formattings), std::move(run)).first->second;
 }
 
 void logMerge(const std::string& first, const std::string& both) {
@@ -89,35 +67,18 @@ void mergeChain(cFragment* first, cFragment* last, bool isLogged) {
 
 } // namespace
 
-InlineStyles CSSFromFormattings(const Formattings& formattings) {
-    InlineStyles styles;
-    for (const auto& [name, property, value, how] : kDeclarations) {
-        const auto formatting = formattings.find(name);
-        if (formatting == formattings.end()) continue;
-        std::string& declared = styles[std::string(property)];
-        if (how == Declares::own)
-            declared = formatting->second;
-        else if (how == Declares::also && !declared.empty())
-            declared.append(" ").append(value);
-        else
-            declared = value;
-    }
-    return styles;
-}
-
-void fragmentsPostProcessing(std::vector<cFragment>& fragments, Conversion& conversion) {
-    // Equal formattings always end alike: classes with equal declarations are one.
+void fragmentsPostProcessing(std::vector<cFragment>& fragments, ClassMap& classMap,
+                             const ParamVector& tagParams, const ParamVector& classParams,
+                             const ParamVector& styleParams) {
+    ClassMap::Outcomes& outcomes = classMap.outcomes;
+    if (outcomes.tagParams != tagParams || outcomes.classParams != classParams ||
+        outcomes.styleParams != styleParams)
+        outcomes = {tagParams, classParams, styleParams, {}};
     for (cFragment& fragment : fragments) {
-        auto known = conversion.seen.find(fragment.formattings);
-        if (known == conversion.seen.end()) {
-            cFragment run = processed(fragment.formattings, conversion);
-            if (conversion.seen.size() == kMostSeen) conversion.seen.clear();
-            known = conversion.seen.emplace(std::move(fragment.formattings), std::move(run)).first;
-        }
-        fragment.tags.insert(fragment.tags.end(), known->second.tags.begin(), known->second.tags.end());
-        fragment.cssClasses.insert(fragment.cssClasses.end(), known->second.cssClasses.begin(),
-                                   known->second.cssClasses.end());
-        fragment.inlineStyles = known->second.inlineStyles;
+        const cFragment& run = outcomeOf(std::move(fragment.formattings), classMap);
+        fragment.tags.insert(fragment.tags.end(), run.tags.begin(), run.tags.end());
+        fragment.cssClasses.insert(fragment.cssClasses.end(), run.cssClasses.begin(), run.cssClasses.end());
+        fragment.inlineStyles = run.inlineStyles;
         fragment.formattings.clear();
     }
 }
@@ -126,12 +87,8 @@ bool fragmentsHaveEqualAppearance(const cFragment& a, const cFragment& b) {
     return a.tags == b.tags && a.cssClasses == b.cssClasses && a.inlineStyles == b.inlineStyles;
 }
 
-bool logsMerges() {
-    const char* const log = std::getenv("KESTREL_LOG");
-    return log != nullptr && *log != '\0';
-}
-
 std::int64_t mergeFragments(std::vector<cFragment>& fragments) {
+    if (fragments.size() < 2) return 0;
     const bool isLogged = logsMerges();
     std::int64_t merges = 0;
     for (std::size_t i = 0; i < fragments.size();) {

@@ -8,31 +8,14 @@
 #include "html/ParamVector.h"
 
 #include <cstdint>
-#include <map>
-#include <string>
 #include <vector>
-
-/// One conversion: what is asked for, and what its paragraphs share. The parameters stay as they are while
-/// it lives.
-struct Conversion {
-    ParamVector tagParams;   ///< from a combination of formattings to an element
-    ParamVector classParams; ///< from a combination of formattings to a class
-    ParamVector styleParams; ///< formattings that may become declarations; values do not count
-    ClassMap classMap;
-
-    /// What is left of a run's formattings, by the formattings that it was read with. Filled by
-    /// fragmentsPostProcessing.
-    std::map<Formattings, cFragment> seen;
-};
-
-/// The declarations that show these formattings. What CSS knows as one property is decided by the later of
-/// two formattings, but underline and strike-through stand together. Unknown formattings show nothing.
-InlineStyles CSSFromFormattings(const Formattings& formattings);
 
 /// Sends every formatting of every run to its place: an element if a tag parameter asks for it, else a class,
 /// else a declaration if the style parameters allow it, else nowhere. Parameters are served in their order;
 /// after a class parameter for "all" no other is.
-void fragmentsPostProcessing(std::vector<cFragment>& fragments, Conversion& conversion);
+void fragmentsPostProcessing(std::vector<cFragment>& fragments, ClassMap& classMap,
+                             const ParamVector& tagParams, const ParamVector& classParams,
+                             const ParamVector& styleParams);
 
 /// True when elements, classes (both in order) and declarations are equal.
 bool fragmentsHaveEqualAppearance(const cFragment& a, const cFragment& b);
@@ -41,10 +24,6 @@ bool fragmentsHaveEqualAppearance(const cFragment& a, const cFragment& b);
 /// Gives how many were moved. A chain of equal runs takes time by its characters. When merges are logged,
 /// each writes a line to standard output.
 std::int64_t mergeFragments(std::vector<cFragment>& fragments);
-
-/// True when the environment variable KESTREL_LOG is set and not empty. The log has the users' own text in
-/// it.
-bool logsMerges();
 
 /// These three move what every run has, also the emptied ones, from the runs to the paragraph.
 /// A block element replaces a "p".

@@ -2,7 +2,7 @@
 
 #include "StringUtils.h"
 #include "cFMUtils.h"
-#include "html/PostProcessing.h"
+#include "html/Css.h"
 
 #include <algorithm>
 #include <array>
@@ -43,7 +43,7 @@ constexpr fmx::uint16 kBlank = 0x0020;
 constexpr fmx::uint16 kReturn = 0x000D;
 constexpr fmx::uint16 kLineSeparator = 0x2028;
 
-/// Looks that are remembered. A text with ever new colours must not fill the memory with them.
+/// Looks that are cached. A text with ever new colours must not fill the memory with them.
 constexpr std::size_t kMostLooks = 4096;
 
 /// Every character by itself as UTF-8, as far as StringFromFmText gives it.
@@ -80,8 +80,6 @@ std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& en
 #pragma clang diagnostic pop
     return StringFromFmText(*name);
 }
-
-TextReader::TextReader(const fmx::ExprEnv& env) : env_(env), keepsNarrowText_(logsMerges()) {}
 
 TextReader::Traits TextReader::traitsOf(const fmx::CharacterStyle& style, bool isBlank) {
     Traits traits;
@@ -139,41 +137,51 @@ cFragment TextReader::formattedFragmentFromFMCharacter(const fmx::Text& text, st
     return lookOf(*style_, unit == kBlank).run;
 }
 
-Formattings TextReader::formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index) {
-    return formattedFragmentFromFMCharacter(text, index).formattings;
+/// The index behind the last character from `start` that looks like the one at `start`, which has style_.
+/// Most characters look like the one before, so styles are compared before anything is made of them.
+std::size_t TextReader::endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units,
+                                  std::size_t start) {
+    const bool underWords = (style_->GetFace() & Style::kFace_WordUnderline) != 0;
+    const bool isBlank = units[start] == kBlank;
+    for (std::size_t i = start + 1; i < units.size(); ++i) {
+        text.GetStyle(*next_, static_cast<fmx::uint32>(i));
+        if (*next_ != *style_ || (underWords && (units[i] == kBlank) != isBlank)) return i;
+    }
+    return units.size();
 }
 
 void TextReader::extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments) {
     const std::vector<fmx::uint16> units = unitsFromFMText(text);
-    std::string css;         // of the run
-    std::size_t start = 0;   // of the run
-    bool wasBlank = false;   // as the last look was read
-    bool underWords = false; // whether the last style looks different on blanks
-    const auto closeRun = [&](std::size_t end) {
+    if (!units.empty()) text.GetStyle(*style_, 0);
+    std::string css; // of the run
+    for (std::size_t start = 0; start < units.size();) {
+        const std::size_t end = endOfLook(text, units, start);
+        const Look& look = lookOf(*style_, units[start] == kBlank);
+        if (start == 0 || look.css != css) {
+            fragments.push_back(look.run);
+            fragments.back().start = start;
+            css = look.css;
+        }
         cFragment& run = fragments.back();
-        run.start = start;
-        run.length = end - start;
-        run.characters.assign(units.begin() + static_cast<std::ptrdiff_t>(start),
-                              units.begin() + static_cast<std::ptrdiff_t>(end));
-        if (keepsNarrowText_) run.narrowText = narrowTextOf(text, start, end);
-    };
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        const auto position = static_cast<fmx::uint32>(i);
-        const bool isBlank = units[i] == kBlank;
-        text.GetStyle(*next_, position);
-        // Styles are compared before anything is made of them: most characters look like the one before.
-        if (i > 0 && *next_ == *style_ && (!underWords || isBlank == wasBlank)) continue;
+        run.characters.insert(run.characters.end(), units.data() + start, units.data() + end);
+        run.length += end - start;
+        if (keepsNarrowText_) run.narrowText += narrowTextOf(text, start, end);
         style_.swap(next_);
-        underWords = (style_->GetFace() & Style::kFace_WordUnderline) != 0;
-        wasBlank = isBlank;
-        const Look& look = lookOf(*style_, isBlank);
-        if (i > 0 && look.css == css) continue;
-        if (i > 0) closeRun(i);
-        fragments.push_back(look.run);
-        css = look.css;
-        start = i;
+        start = end;
     }
-    if (!units.empty()) closeRun(units.size());
+}
+
+Formattings formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index, const fmx::ExprEnv& env) {
+    return formattedFragmentFromFMCharacter(text, index, env).formattings;
+}
+
+cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index,
+                                           const fmx::ExprEnv& env) {
+    return TextReader(env).formattedFragmentFromFMCharacter(text, index);
+}
+
+void extractFragments(const fmx::Text& text, const fmx::ExprEnv& env, std::vector<cFragment>& fragments) {
+    TextReader(env).extractFragments(text, fragments);
 }
 
 fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, const std::string& suffix,

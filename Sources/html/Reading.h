@@ -21,21 +21,24 @@ std::string getFontColor(const fmx::CharacterStyle& style);
 /// characters of three bytes may be cut, as StringFromFmText says.
 std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& env);
 
-/// Reads the texts of one conversion. It remembers what it has asked the host, so it must not outlive the
+/// The formattings of one character. Word underline counts for blanks alone; a surrogate is a character.
+Formattings formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index, const fmx::ExprEnv& env);
+
+/// A new run with one character's formattings and their CSS, and nothing else.
+cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index,
+                                           const fmx::ExprEnv& env);
+
+/// Appends the runs of a text: cut wherever the CSS of the characters changes, each with the formattings of
+/// its first character. Asks the host once for the characters, and for each character once for its style.
+void extractFragments(const fmx::Text& text, const fmx::ExprEnv& env, std::vector<cFragment>& fragments);
+
+/// The same for all texts of one conversion. It caches the answers of the host, so it must not outlive the
 /// call that it serves.
 class TextReader {
 public:
-    explicit TextReader(const fmx::ExprEnv& env);
+    explicit TextReader(const fmx::ExprEnv& env) : env_(env) {}
 
-    /// The formattings of one character. Word underline counts for blanks alone; a surrogate is a character.
-    Formattings formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t index);
-
-    /// A new run with one character's formattings and their CSS, and nothing else.
     cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index);
-
-    /// Appends the runs of a text: cut wherever the CSS of the characters changes, each with the formattings
-    /// of its first character. Asks the host once for the characters, and for each character once for its
-    /// style. The narrow text is kept only when merges are logged.
     void extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments);
 
 private:
@@ -49,7 +52,7 @@ private:
 
         auto operator<=>(const Traits&) const = default;
     };
-    /// What they make of it.
+    /// The result of the traits.
     struct Look {
         cFragment run; ///< as formattedFragmentFromFMCharacter gives it
         std::string css;
@@ -59,10 +62,11 @@ private:
     const Look& lookOf(const fmx::CharacterStyle& style, bool isBlank);
     Formattings formattingsOf(const Traits& traits, const fmx::CharacterStyle& style);
     const std::string& fontNameOf(const fmx::CharacterStyle& style, fmx::CharacterStyle::FontID font);
+    std::size_t endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units, std::size_t start);
 
     const fmx::ExprEnv& env_;
-    bool keepsNarrowText_;
-    fmx::CharacterStyleUniquePtr style_, next_;
+    bool keepsNarrowText_ = logsMerges();
+    fmx::CharacterStyleUniquePtr style_, next_; ///< of the character that is read, and of the next
     std::map<fmx::CharacterStyle::FontID, std::string> fontNames_;
     std::map<Traits, Look> looks_;
 };
