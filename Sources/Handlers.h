@@ -6,7 +6,7 @@
 /// A handler writes its value into `result` with the result's own locale, records errors (LastError.h), lets
 /// nothing escape (HandlerFrame.h) and gives the host 0, or an error that becomes the calculation's.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 
 /// The type of a handler, as fmx::ExtPluginType points to it.
 using Handler = FMX_PROC(fmx::errcode)(short functionId, const fmx::ExprEnv& env,

@@ -1,10 +1,10 @@
-#include "HandlerFrame.h"
 #include "Handlers.h"
-#include "LastError.h"
-#include "Scripts.h"
-#include "StringUtils.h"
-#include "fmlib.h"
+#include "bridge/HandlerFrame.h"
+#include "bridge/LastError.h"
+#include "bridge/StringUtils.h"
+#include "bridge/fmlib.h"
 #include "platform/Platform.h"
+#include "scripts/Scripts.h"
 
 #include <optional>
 #include <stdexcept>

@@ -1,7 +1,7 @@
-#include "HandlerFrame.h"
 #include "Handlers.h"
-#include "Timestamp.h"
+#include "bridge/HandlerFrame.h"
 #include "platform/Platform.h"
+#include "platform/Timestamp.h"
 
 #include <stdexcept>
 

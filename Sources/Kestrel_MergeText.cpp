@@ -1,9 +1,9 @@
 #include "Kestrel_MergeText.h"
 
-#include "HandlerFrame.h"
 #include "Handlers.h"
-#include "LastError.h"
-#include "cFMUtils.h"
+#include "bridge/HandlerFrame.h"
+#include "bridge/LastError.h"
+#include "bridge/cFMUtils.h"
 
 #include <stdexcept>
 

@@ -2,7 +2,7 @@
 
 /// Templates: every calculation between "<<" and ">>" gives way to its value.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 
 /// Stores the first value's text, its placeholders filled in, as text with the result's own locale. All else,
 /// halves of surrogate pairs too, is copied with its looks. The values are not empty; further ones are not

@@ -1,6 +1,6 @@
-#include "HandlerFrame.h"
 #include "Handlers.h"
-#include "cFMUtils.h"
+#include "bridge/HandlerFrame.h"
+#include "bridge/cFMUtils.h"
 
 #include <bit>
 #include <iterator>

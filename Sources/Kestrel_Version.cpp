@@ -1,8 +1,8 @@
-#include "HandlerFrame.h"
 #include "Handlers.h"
 #include "PlugIn.h"
-#include "cFMUtils.h"
-#include "fmlib.h"
+#include "bridge/HandlerFrame.h"
+#include "bridge/cFMUtils.h"
+#include "bridge/fmlib.h"
 
 #include <array>
 #include <cstdio>

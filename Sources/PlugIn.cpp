@@ -1,7 +1,7 @@
 #include "PlugIn.h"
 
 #include "Registry.h"
-#include "Scripts.h"
+#include "scripts/Scripts.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -8,7 +8,7 @@
 /// Nothing escapes the entry point into the host: an init that fails on the way leaves nothing registered
 /// and answers "do not enable", any other message ends where it failed.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 
 /// True between an accepted init and shutdown.
 extern bool gPlugInInitialized;

@@ -5,7 +5,7 @@
 /// A function has an identifier, 1 to 26 without 16, which the host passes to its handler; its prototype is
 /// string 100 + identifier; its name is the prototype up to the parenthesis.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 
 /// Fills `out` with the prototype of a function, 101 to 126, or with its name alone; "ERROR" when there is
 /// none of that number.

@@ -1,5 +1,5 @@
-#include "PatternSearch.h"
-#include "fmlib.h"
+#include "bridge/fmlib.h"
+#include "patterns/PatternSearch.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "LocalService.h"
 
-#include "PublicIPServices.h"
+#include "network/PublicIPServices.h"
 
 #include <atomic>
 #include <dlfcn.h>

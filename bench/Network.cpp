@@ -4,7 +4,7 @@
 #include "LocalService.h"
 #include "Measure.h"
 
-#include "PublicIPServices.h"
+#include "network/PublicIPServices.h"
 
 #include <arpa/inet.h>
 #include <array>

@@ -1,6 +1,6 @@
-#include "Base64.h"
 #include "Benchmarks.h"
 #include "Inputs.h"
+#include "Kestrel_Base64.h"
 #include "Loaded.h"
 #include "Measure.h"
 

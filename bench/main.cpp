@@ -1,8 +1,8 @@
 #include "Benchmarks.h"
 #include "Measure.h"
 
-#include "cFMUtils.h"
-#include "fmlib.h"
+#include "bridge/cFMUtils.h"
+#include "bridge/fmlib.h"
 #include "host/app/File.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"

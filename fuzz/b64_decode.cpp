@@ -1,4 +1,4 @@
-#include "Base64.h"
+#include "Kestrel_Base64.h"
 #include "support/FuzzedFunction.h"
 
 #include <cstddef>

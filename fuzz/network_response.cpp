@@ -1,5 +1,5 @@
-#include "GetClientPublicIP.h"
-#include "PublicIPServices.h"
+#include "network/GetClientPublicIP.h"
+#include "network/PublicIPServices.h"
 #include "tests/WebServices.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "Base64.h"
 #include "CommandOutput.h"
 #include "FunctionCalls.h"
+#include "Kestrel_Base64.h"
 
 #include <bitset>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "BlockingCalls.h"
+#include "network/BlockingCalls.h"
 
 #include <array>
 #include <cerrno>

@@ -1,11 +1,11 @@
 #include "FunctionCalls.h"
 
-#include "Scripts.h"
-#include "cFMUtils.h"
+#include "bridge/cFMUtils.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Clock.h"
 #include "platform/Delay.h"
 #include "platform/Units.h"
+#include "scripts/Scripts.h"
 
 #include <chrono>
 #include <cstdint>

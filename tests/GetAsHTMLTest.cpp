@@ -1,7 +1,7 @@
 #include "FunctionCalls.h"
 
-#include "StringUtils.h"
-#include "cFMUtils.h"
+#include "bridge/StringUtils.h"
+#include "bridge/cFMUtils.h"
 #include "html/GetAsHTML.h"
 #include "html/Output.h"
 #include "html/PostProcessing.h"

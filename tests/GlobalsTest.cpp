@@ -1,7 +1,7 @@
-#include "Dictionary.h"
 #include "FunctionCalls.h"
+#include "globals/Dictionary.h"
 
-#include "cFMUtils.h"
+#include "bridge/cFMUtils.h"
 
 #include <sstream>
 

@@ -1,7 +1,7 @@
 #include "LoadedPlugIn.h"
 #include "WebServices.h"
 
-#include "GetClientPublicIP.h"
+#include "network/GetClientPublicIP.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,5 +1,5 @@
-#include "ScriptRecords.h"
-#include "cFileManager.h"
+#include "scripts/ScriptRecords.h"
+#include "scripts/cFileManager.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
-#include "Dictionary.h"
 #include "FunctionCalls.h"
 #include "Handlers.h"
 #include "InlineDocumentation.h"
+#include "globals/Dictionary.h"
 #include "host/values/Clock.h"
 
 #include <cstdlib>

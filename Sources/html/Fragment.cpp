@@ -1,6 +1,6 @@
 #include "html/Fragment.h"
 
-#include "StringUtils.h"
+#include "bridge/StringUtils.h"
 #include "html/ClassMap.h"
 
 #include <algorithm>

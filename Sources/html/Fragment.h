@@ -5,7 +5,7 @@
 /// A run is read with its formattings: what the characters look like, in words. Each formatting then goes to
 /// exactly one place: an element around the run, a class, a declaration of the run's own, or nowhere.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 #include "html/Css.h"
 #include "html/ParamVector.h"
 

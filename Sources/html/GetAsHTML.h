@@ -2,7 +2,7 @@
 
 /// A styled text as HTML, from its parameters as text to the result.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 #include "html/ClassMap.h"
 #include "html/Fragment.h"
 #include "html/ParamVector.h"

@@ -1,6 +1,6 @@
 #include "html/Output.h"
 
-#include "StringUtils.h"
+#include "bridge/StringUtils.h"
 #include "html/PostProcessing.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 /// The last stage: a paragraph as markup, and the style block of a conversion's classes. Output is plain
 /// text; lines of it end with a return.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 #include "html/ClassMap.h"
 #include "html/Fragment.h"
 #include "html/ParamVector.h"

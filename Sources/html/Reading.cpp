@@ -1,7 +1,7 @@
 #include "html/Reading.h"
 
-#include "StringUtils.h"
-#include "cFMUtils.h"
+#include "bridge/StringUtils.h"
+#include "bridge/cFMUtils.h"
 #include "html/Css.h"
 
 #include <algorithm>

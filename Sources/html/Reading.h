@@ -3,7 +3,7 @@
 /// What the host knows of a styled text: the look of its characters, where its lines end, how they are
 /// aligned. A failing host call travels as an exception.
 
-#include "HostInterface.h"
+#include "bridge/HostInterface.h"
 #include "html/Fragment.h"
 
 #include <compare>

@@ -102,7 +102,7 @@ changed "echo '[[text copy]release ];' >>$kestrel" "ownership +$kestrel:[0-9]+: 
 changed "echo 'autorelease];' >>$kestrel" "ownership +$kestrel:[0-9]+: $belongs"
 changed "echo '#  ifdef __APPLE__' >>$kestrel" "ownership +$kestrel:[0-9]+: $belongs"
 changed "echo '#if DEBUG' >>Sources/platform/Delay.h" "ownership +Sources/platform/Delay\\.h:[0-9]+: $belongs"
-changed "echo '#ifdef GNUSTEP' >>Sources/Base64.h" "ownership +Sources/Base64\\.h:[0-9]+: $belongs"
+changed "echo '#ifdef GNUSTEP' >>Sources/Kestrel_Base64.h" "ownership +Sources/Kestrel_Base64\\.h:[0-9]+: $belongs"
 
 changed "sed -i 's/$build_version$ios$oldest/$build_version$ios\\x00\\x00\\x11\\x00/' $library" \
     'format +it is not for iOS 16\.0 and later'

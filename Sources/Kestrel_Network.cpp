@@ -1,0 +1,54 @@
+#include "Handlers.h"
+#include "bridge/HandlerFrame.h"
+#include "bridge/LastError.h"
+#include "bridge/cFMUtils.h"
+#include "network/GetClientPublicIP.h"
+#include "network/NetworkNames.h"
+
+#include <array>
+#include <string>
+
+/// The solutions' way to the network. A lookup of a name or address that fails is no error: its message is
+/// the result.
+
+namespace {
+
+constexpr std::size_t kParameterSize = 1024;
+
+fmx::errcode answerWithText(const std::string& s, fmx::Data& result) {
+    cFMUtils::resultFromText(*cFMUtils::FMXTextUniquePtrFromString(s), result);
+    return 0;
+}
+
+fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char* whatIsMissing,
+                          const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return kst::runHandler(env, result, [&] {
+        if (parameters.Size() == 0)
+            return kst::answerWithError(kst::kWrongParameter, whatIsMissing, result, env);
+        std::array<char, kParameterSize> asked{};
+        parameters.AtAsText(0).GetBytes(asked.data(), asked.size());
+        return answerWithText(lookUp(asked.data()), result);
+    });
+}
+
+} // namespace
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetClientPublicIPAddress(short, const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Data& result) {
+    return kst::runHandler(env, result, [&] {
+        std::array<char, kAddressBufferSize> address{};
+        const int code = askForPublicIP(address.data());
+        if (code == kPublicIPFound) return answerWithText(address.data(), result);
+        return kst::answerWithError(static_cast<short>(code), "Public IP is not available", result, env);
+    });
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetNameForIP(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return answerLookup(slib::NameForIP, "IP address is not specified", env, parameters, result);
+}
+
+FMX_PROC(fmx::errcode)
+Kestrel_GetIPforName(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
+    return answerLookup(slib::IPForName, "Host name is not specified", env, parameters, result);
+}

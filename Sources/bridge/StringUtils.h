@@ -1,0 +1,52 @@
+#pragma once
+
+/// Small helpers around texts and strings. They keep nothing between calls; host failures travel as
+/// exceptions.
+
+#include "bridge/HostInterface.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The first `size` bytes of the text as UTF-8, padded with zeros. The cut may lie within a character.
+std::string bytesFromFMText(const fmx::Text& text, std::size_t size);
+
+/// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped. Only a text with characters
+/// of three bytes can be cut, at its end.
+std::string StringFromFmText(const fmx::Text& text);
+/// The same; an owner without a text gives an empty string.
+std::string StringFromFmText(const fmx::TextAutoPtr& text);
+
+/// The text's UTF-16 units from first to last.
+std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text);
+
+/// UTF-8 as UTF-16. Each malformed sequence becomes one U+FFFD.
+std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8);
+
+/// The length as the host counts it. Throws std::length_error when the host cannot.
+fmx::uint32 hostLength(std::size_t length);
+
+/// True when the text has no units.
+bool isEmpty(const fmx::Text& text);
+/// True when the text is exactly "all".
+bool isAll(const fmx::Text& text);
+/// True when the text is exactly one blank; other white space does not count.
+bool isSpace(const fmx::Text& text);
+
+/// A copy with every byte lower-cased by the C library's rule for single bytes.
+std::string toLower(std::string s);
+
+/// True when there is at least one byte and all are "0" to "9".
+bool is_number(const std::string& s);
+
+/// The pieces between occurrences of the delimiter. A leading delimiter gives an empty first piece, a
+/// trailing one no piece; an empty string has no pieces. An empty delimiter occurs nowhere.
+std::vector<std::string> split(const std::string& s, const std::string& delimiter);
+
+/// The pieces between occurrences of one character; a trailing separator gives no piece.
+std::vector<std::string> explode(const std::string& s, char separator);
+
+/// The index of the first equal element, -1 when there is none.
+int indexOfStringInVector(const std::string& s, const std::vector<std::string>& strings);

@@ -1,0 +1,165 @@
+#include "patterns/PatternSearch.h"
+
+#include "patterns/PatternOutline.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <regex>
+
+namespace kst {
+namespace {
+
+using std::regex_constants::error_complexity;
+using std::regex_constants::error_space;
+using std::regex_constants::error_stack;
+
+constexpr std::size_t kMostCharacters = 10'000;
+constexpr std::size_t kMostDepth = 200;
+constexpr std::size_t kMostBranches = 2'000;
+constexpr double kMostWaysWithoutReading = 1e6;
+
+constexpr double kComparisons = 1e7;
+constexpr double kComparisonsPerCharacter = 30;
+constexpr double kMostComparisons = 1.5e8; // some ten seconds of the slowest; an app is ended after twenty
+/// In one attempt the library counts its steps in an int, and several belong to one comparison.
+constexpr std::int64_t kMostComparisonsInOneAttempt = 100'000'000;
+constexpr std::int64_t kComparisonsOfAQuickLook = 1'000'000;
+constexpr double kMostBytesOfAlternatives = 512.0 * 1024 * 1024;
+
+/// Comparisons that are left to the attempt that is under way. The library copies its traits, so they have
+/// no place for it; one search at a time is under way, since the host makes one call at a time.
+std::int64_t comparisonsLeft = 0;
+/// What it means when none is left.
+std::regex_constants::error_type errorWhenNoneIsLeft = error_complexity;
+
+void countComparison() {
+    if (--comparisonsLeft < 0) throw std::regex_error(errorWhenNoneIsLeft);
+}
+
+/// The library's traits, which are told of every comparison. They are told of all because the pattern is
+/// compiled as if case did not count; but to them every character is its own other case.
+class CountingTraits : public std::regex_traits<wchar_t> {
+public:
+    wchar_t translate_nocase(wchar_t c) const {
+        countComparison();
+        return c;
+    }
+    bool isctype(wchar_t c, char_class_type type) const {
+        countComparison();
+        return std::regex_traits<wchar_t>::isctype(c, type);
+    }
+    template<class Iterator>
+    char_class_type lookup_classname(Iterator first, Iterator last, bool /*icase*/ = false) const {
+        return std::regex_traits<wchar_t>::lookup_classname(first, last, false);
+    }
+};
+
+using Pattern = std::basic_regex<wchar_t, CountingTraits>;
+
+constexpr auto kGrammar = std::regex_constants::ECMAScript | std::regex_constants::icase;
+
+PatternOutline boundedOutline(const std::wstring& pattern) {
+    if (pattern.size() > kMostCharacters) throw std::regex_error(error_space);
+    PatternOutline outline = outlineOf(pattern);
+    if (outline.depth > kMostDepth || outline.branches > kMostBranches) throw std::regex_error(error_space);
+    if (outline.waysWithoutReading > kMostWaysWithoutReading) throw std::regex_error(error_complexity);
+    return outline;
+}
+
+/// Compiling compares too, a little.
+Pattern compile(const std::wstring& pattern) {
+    comparisonsLeft = static_cast<std::int64_t>(kComparisons);
+    return Pattern(pattern, kGrammar);
+}
+
+/// How many characters an attempt may pass so that the alternatives that it leaves open, which the library
+/// keeps to come back to, have room.
+double mostCharactersPassed(const PatternOutline& outline, std::size_t groups) {
+    constexpr double bare = 128, perGroup = 24, perRepetition = 16;
+    const double bytesOfAlternative = bare + perGroup * static_cast<double>(groups) +
+                                      perRepetition * static_cast<double>(outline.repetitions);
+    return kMostBytesOfAlternatives / bytesOfAlternative / outline.openPerCharacter;
+}
+
+} // namespace
+
+struct PatternSearch::Parts {
+    const wchar_t *first, *last;
+    std::wcmatch match;
+
+    Parts(const PatternOutline& outline, const std::wstring& text)
+        : first(text.data()), last(text.data() + text.size()), atStart(compile(outline.atStart)),
+          behindStart(outline.atStart == outline.behindStart ? atStart : compile(outline.behindStart)) {
+        const auto size = static_cast<double>(text.size());
+        left = static_cast<std::int64_t>(
+            std::min(kComparisons + kComparisonsPerCharacter * size, kMostComparisons) /
+            outline.waysWithoutReading);
+        // An attempt passes each character of the text once, or goes back, which makes room.
+        const double mostPassed = mostCharactersPassed(outline, atStart.mark_count());
+        errorOfOneAttempt = size < mostPassed ? error_complexity : error_stack;
+        mostInOneAttempt =
+            size < mostPassed ? kMostComparisonsInOneAttempt : static_cast<std::int64_t>(mostPassed);
+    }
+
+    /// Looks at one position after the other, as far as a few comparisons go: the library does that faster
+    /// than anyone who calls it for each. None when they were not enough.
+    std::optional<bool> isFoundSoon(std::size_t position) {
+        const std::int64_t given = std::min({left, mostInOneAttempt, kComparisonsOfAQuickLook});
+        try {
+            return isFound(position, std::regex_constants::match_default, given);
+        } catch (const std::regex_error&) {
+            if (comparisonsLeft >= 0) throw; // not for want of comparisons
+        }
+        left -= given;
+        return std::nullopt;
+    }
+    bool matchesAt(std::size_t position) {
+        const std::int64_t given = std::min(left, mostInOneAttempt);
+        errorWhenNoneIsLeft = given < left ? errorOfOneAttempt : error_complexity;
+        return isFound(position, std::regex_constants::match_continuous, given);
+    }
+    [[nodiscard]] Span spanOf(const std::wcsub_match& found) const {
+        return {static_cast<std::size_t>(found.first - first),
+                static_cast<std::size_t>(found.second - first)};
+    }
+
+private:
+    bool isFound(std::size_t position, std::regex_constants::match_flag_type flags, std::int64_t given) {
+        if (position > 0) flags |= std::regex_constants::match_prev_avail;
+        comparisonsLeft = given;
+        const Pattern& pattern = position == 0 ? atStart : behindStart;
+        const bool isMatch = std::regex_search(first + position, last, match, pattern, flags);
+        left -= given - comparisonsLeft;
+        return isMatch;
+    }
+
+    Pattern atStart, behindStart;
+    std::int64_t left = 0, mostInOneAttempt = 0;
+    std::regex_constants::error_type errorOfOneAttempt = error_complexity;
+};
+
+PatternSearch::PatternSearch(const std::wstring& pattern, const std::wstring& text)
+    : parts_(std::make_unique<Parts>(boundedOutline(pattern), text)) {}
+
+PatternSearch::~PatternSearch() = default;
+
+bool PatternSearch::find(std::size_t position) {
+    const auto size = static_cast<std::size_t>(parts_->last - parts_->first);
+    if (position > size) return false;
+    if (const std::optional<bool> isFound = parts_->isFoundSoon(position)) return *isFound;
+    for (; position <= size; ++position)
+        if (parts_->matchesAt(position)) return true;
+    return false;
+}
+
+Span PatternSearch::whole() const { return parts_->spanOf(parts_->match[0]); }
+
+std::size_t PatternSearch::groupCount() const { return parts_->match.size() - 1; }
+
+std::optional<Span> PatternSearch::group(std::size_t number) const {
+    const auto& found = parts_->match[number];
+    if (!found.matched) return std::nullopt;
+    return parts_->spanOf(found);
+}
+
+} // namespace kst

@@ -1,0 +1,129 @@
+#include "scripts/Scripts.h"
+
+#include "bridge/LastError.h"
+#include "bridge/StringUtils.h"
+#include "bridge/cFMUtils.h"
+#include "bridge/fmlib.h"
+#include "platform/Platform.h"
+
+#include <string_view>
+#include <vector>
+
+namespace {
+
+/// Whether a text has a line, compared as the host compares without regard to case. The returns around both
+/// keep the beginning of a line from passing for the line.
+bool hasLine(const fmx::Text& lines, const fmx::Text& line) {
+    const fmx::TextUniquePtr haystack;
+    haystack->Assign("\r\r");
+    haystack->InsertText(lines, 1);
+    const fmx::TextUniquePtr needle;
+    needle->Assign("\r\r");
+    needle->InsertText(line, 1);
+    return haystack->FindIgnoringCase(*needle, 0) != fmx::Text::kSize_Invalid;
+}
+
+/// Whether a script is among those of a file, named as a calculation writes a text; none means the calling
+/// file.
+bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fmx::ExprEnv& env) {
+    constexpr std::string_view kBeforeName = "ScriptNames( \"";
+    const fmx::TextUniquePtr expression;
+    expression->Assign("ScriptNames( \"\" )");
+    expression->InsertText(fileName, kBeforeName.size());
+    const fmx::DataUniquePtr names;
+    return env.Evaluate(*expression, *names) == 0 && hasLine(names->GetAsText(), scriptName);
+}
+
+/// The text as it stands between the quotation marks of a calculation.
+fmx::TextUniquePtr quoted(const fmx::Text& text) {
+    std::vector<fmx::uint16> units;
+    for (const fmx::uint16 unit : unitsFromFMText(text)) {
+        if (unit == '"' || unit == '\\') units.push_back('\\');
+        units.push_back(unit);
+    }
+    fmx::TextUniquePtr result;
+    if (!units.empty()) result->AssignUnicodeWithLength(units.data(), hostLength(units.size()));
+    return result;
+}
+
+/// The host's start-script call; an error of ours when the host has none.
+fmx::errcode startScript(const fmx::Text& fileName, const fmx::Text& scriptName, FMX_ScriptControl control,
+                         const fmx::Data& parameter) {
+    if (gFMX_ExternCallPtr == nullptr || gFMX_ExternCallPtr->cStartScript == nullptr)
+        return kst::kUnexpectedError;
+    return FMX_StartScript(&fileName, &scriptName, control, &parameter);
+}
+
+using NameCheck = bool(const fmx::Text&, const fmx::Text&, const fmx::ExprEnv&);
+
+fmx::errcode runChecked(NameCheck& isValid, const fmx::Text& scriptName, const fmx::Data& parameter,
+                        const fmx::ExprEnv& env) {
+    const fmx::TextUniquePtr fileName;
+    fmlib::FillFMTextWithCurrentDatabaseFileName(*fileName, env);
+    if (!isValid(scriptName, *fileName, env)) return kst::kWrongParameter;
+    startScript(*fileName, scriptName, kFMXT_Halt, parameter);
+    return kst::kNoError;
+}
+
+void assign(fmx::Text& text, const platform::Units& units) {
+    if (!units.empty()) text.AssignUnicodeWithLength(units.data(), hostLength(units.size()));
+}
+
+fmx::errcode start(const platform::Script& script) {
+    const fmx::TextUniquePtr fileName;
+    assign(*fileName, script.file);
+    const fmx::TextUniquePtr scriptName;
+    assign(*scriptName, script.name);
+    const fmx::TextUniquePtr text;
+    assign(*text, script.parameter);
+    const fmx::DataUniquePtr parameter;
+    parameter->SetAsText(*text, parameter->GetLocale());
+    return startScript(*fileName, *scriptName, kFMXT_Halt, *parameter);
+}
+
+} // namespace
+
+bool IsScriptNameValidInFile(const fmx::Text& scriptName, const fmx::Text& /*fileName*/,
+                             const fmx::ExprEnv& env) {
+    const fmx::TextUniquePtr callingFile;
+    return isScriptOf(*callingFile, scriptName, env);
+}
+
+fmx::errcode runFMScript(const fmx::Text& scriptName, const fmx::Data& parameter, const fmx::ExprEnv& env) {
+    return runChecked(IsScriptNameValidInFile, scriptName, parameter, env);
+}
+
+bool cFMUtils::IsScriptNameValidInFile(const fmx::Text& scriptName, const fmx::Text& fileName,
+                                       const fmx::ExprEnv& env) {
+    return isScriptOf(*quoted(fileName), scriptName, env);
+}
+
+fmx::errcode cFMUtils::runFMScript(const fmx::Text& scriptName, const fmx::Data& parameter,
+                                   const fmx::ExprEnv& env) {
+    return runChecked(cFMUtils::IsScriptNameValidInFile, scriptName, parameter, env);
+}
+
+fmx::errcode cFMUtils::StartFMScript(const fmx::ExprEnv& /*env*/, const char* fileName,
+                                     const char* scriptName, unsigned char control, const char* parameter) {
+    const auto textFrom = [](const char* text) {
+        return FMXTextUniquePtrFromString(text == nullptr ? "" : text);
+    };
+    const fmx::DataUniquePtr value;
+    value->SetAsText(*textFrom(parameter), value->GetLocale());
+    return startScript(*textFrom(fileName), *textFrom(scriptName), control, *value);
+}
+
+void performScheduledScripts() noexcept {
+    platform::Script script;
+    const platform::Taken taken = platform::takeScript(script);
+    if (taken == platform::Taken::nothing) return;
+    fmx::errcode error = kst::kUnexpectedError;
+    try {
+        if (taken == platform::Taken::script) error = start(script);
+    } catch (...) {
+        error = kst::kUnexpectedError;
+    }
+    if (error != kst::kNoError) platform::logScriptError(error);
+}
+
+void kst::PerformScheduledScripts() noexcept {}
