@@ -86,6 +86,11 @@ std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text) {
 std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8) {
     std::vector<fmx::uint16> units;
     units.reserve(utf8.size());
+    appendUtf16(units, utf8);
+    return units;
+}
+
+void appendUtf16(std::vector<fmx::uint16>& units, std::string_view utf8) {
     for (std::size_t position = 0; position < utf8.size();) {
         // Most text is ASCII for long stretches, which go over as a whole.
         const char* const start = utf8.data() + position;
@@ -105,7 +110,6 @@ std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8) {
             units.push_back(static_cast<fmx::uint16>(0xDC00U + (offset & 0x3FFU)));
         }
     }
-    return units;
 }
 
 fmx::uint32 hostLength(std::size_t length) {

@@ -24,6 +24,7 @@ std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text);
 
 /// UTF-8 as UTF-16. Each malformed sequence becomes one U+FFFD.
 std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8);
+void appendUtf16(std::vector<fmx::uint16>& units, std::string_view utf8);
 
 /// The length as the host counts it. Throws std::length_error when the host cannot.
 fmx::uint32 hostLength(std::size_t length);

@@ -12,6 +12,9 @@ namespace {
 
 using Units = std::vector<fmx::uint16>;
 
+/// Units that hold most paragraphs without growing.
+constexpr std::size_t kOrdinaryParagraph = 256;
+
 /// CSS's words for the alignments that are told; left goes without saying.
 const struct {
     std::string_view alignment, css;
@@ -39,11 +42,6 @@ const Escape* escapeOf(fmx::uint16 unit) {
                         [unit](const Escape& escape) { return escape.unit == unit; });
 }
 
-void append(Units& html, std::string_view utf8) {
-    const Units units = utf16FromUtf8(utf8);
-    html.insert(html.end(), units.begin(), units.end());
-}
-
 void appendEscaped(Units& html, std::span<const fmx::uint16> units) {
     for (auto at = units.begin(); at != units.end(); ++at) {
         const auto plain = at;
@@ -61,14 +59,15 @@ void appendEscaped(Units& html, std::span<const fmx::uint16> units) {
 void appendRun(Units& html, const cFragment& run) {
     const std::string css = run.getInlineCSS();
     const std::string classes = run.getInlineCSSClasses();
-    std::vector<std::string> tags = run.tags;
-    if (tags.empty() && !(css.empty() && classes.empty())) tags.emplace_back("span");
+    static const std::vector<std::string> span{"span"};
+    const bool hasAttributes = !css.empty() || !classes.empty();
+    const std::vector<std::string>& tags = run.tags.empty() && hasAttributes ? span : run.tags;
     // The innermost element carries the attributes.
     for (const std::string& tag : tags)
-        append(html, &tag == &tags.back() ? createTag(tag, classes, css) : createTag(tag, "", ""));
+        appendUtf16(html, &tag == &tags.back() ? createTag(tag, classes, css) : createTag(tag, "", ""));
     appendEscaped(html, run.characters);
     for (auto tag = tags.rbegin(); tag != tags.rend(); ++tag)
-        append(html, "</" + *tag + ">");
+        appendUtf16(html, "</" + *tag + ">");
 }
 
 void appendTo(fmx::TextAutoPtr& output, const Units& html) {
@@ -109,16 +108,17 @@ cFragment createParagraphFragment(const std::string& alignment, const ParamVecto
 void produceHTMLfromFragments(const fmx::Text&, cFragment& paragraph, std::vector<cFragment>& fragments,
                               const ClassMap&, fmx::TextAutoPtr& output) {
     Units html;
+    html.reserve(kOrdinaryParagraph);
     if (!paragraph.tags.empty()) {
         escalateSharedBlockElement(paragraph, fragments);
         escalateSharedCssClasses(paragraph, fragments);
         escalateSharedCssStyles(paragraph, fragments);
-        append(html,
-               createTag(paragraph.tags.front(), paragraph.getInlineCSSClasses(), paragraph.getInlineCSS()));
+        appendUtf16(html, createTag(paragraph.tags.front(), paragraph.getInlineCSSClasses(),
+                                    paragraph.getInlineCSS()));
     }
     for (const cFragment& fragment : fragments)
         if (!fragment.characters.empty()) appendRun(html, fragment);
-    if (!paragraph.tags.empty()) append(html, "</" + paragraph.tags.front() + ">\r");
+    if (!paragraph.tags.empty()) appendUtf16(html, "</" + paragraph.tags.front() + ">\r");
     appendTo(output, html);
 }
 

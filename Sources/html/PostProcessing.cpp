@@ -70,6 +70,7 @@ void mergeChain(cFragment* first, cFragment* last, bool isLogged) {
 void fragmentsPostProcessing(std::vector<cFragment>& fragments, ClassMap& classMap,
                              const ParamVector& tagParams, const ParamVector& classParams,
                              const ParamVector& styleParams) {
+    if (fragments.empty()) return;
     ClassMap::Outcomes& outcomes = classMap.outcomes;
     if (outcomes.tagParams != tagParams || outcomes.classParams != classParams ||
         outcomes.styleParams != styleParams)
