@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <iterator>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -151,11 +150,7 @@ std::vector<std::string> split(const std::string& s, const std::string& delimite
 }
 
 std::vector<std::string> explode(const std::string& s, char separator) {
-    std::vector<std::string> pieces;
-    std::istringstream stream(s);
-    for (std::string piece; std::getline(stream, piece, separator);)
-        pieces.push_back(piece);
-    return pieces;
+    return split(s, std::string(1, separator));
 }
 
 int indexOfStringInVector(const std::string& s, const std::vector<std::string>& strings) {

@@ -5,8 +5,6 @@
 #include "html/Css.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -82,16 +80,9 @@ std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& en
 }
 
 TextReader::Traits TextReader::traitsOf(const fmx::CharacterStyle& style, bool isBlank) {
-    Traits traits;
-    traits.isEnabled = !style.IsAllDisabled();
-    if (!traits.isEnabled) return traits;
-    traits.face = style.GetFace();
-    if (!isBlank) traits.face &= static_cast<Face>(~Style::kFace_WordUnderline);
-    traits.color = getFontColor(style);
-    traits.font = style.GetFont();
-    traits.isSized = style.IsSizeEnabled();
-    if (traits.isSized) traits.size = style.GetSize();
-    return traits;
+    const unsigned forBlanksOnly = isBlank ? 0U : unsigned{Style::kFace_WordUnderline};
+    return {static_cast<Face>(style.GetFace() & ~forBlanksOnly), style.GetFont(), getFontColor(style),
+            style.IsSizeEnabled() ? std::to_string(style.GetSize()) + "px" : ""};
 }
 
 const std::string& TextReader::fontNameOf(const fmx::CharacterStyle& style,
@@ -103,7 +94,6 @@ const std::string& TextReader::fontNameOf(const fmx::CharacterStyle& style,
 
 Formattings TextReader::formattingsOf(const Traits& traits, const fmx::CharacterStyle& style) {
     Formattings formattings;
-    if (!traits.isEnabled) return formattings;
     int decided = 0;
     for (const auto& [bits, group, formatting] : kFaces) {
         if (group == decided || (traits.face & bits) != bits) continue;
@@ -113,11 +103,13 @@ Formattings TextReader::formattingsOf(const Traits& traits, const fmx::Character
     if (!traits.color.empty()) formattings["color"] = traits.color;
     const std::string& font = fontNameOf(style, traits.font);
     if (!font.empty()) formattings["font"] = font;
-    if (traits.isSized) formattings["size"] = std::to_string(traits.size) + "px";
+    if (!traits.size.empty()) formattings["size"] = traits.size;
     return formattings;
 }
 
 const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, bool isBlank) {
+    static const Look plain;
+    if (style.IsAllDisabled()) return plain;
     Traits traits = traitsOf(style, isBlank);
     const auto known = looks_.find(traits);
     if (known != looks_.end()) return known->second;

@@ -44,11 +44,9 @@ public:
 private:
     /// All that a character's formattings depend on.
     struct Traits {
-        bool isEnabled = false, isSized = false;
-        fmx::CharacterStyle::Face face = 0;
-        fmx::CharacterStyle::FontID font = 0;
-        fmx::CharacterStyle::FontSize size = 0;
-        std::string color;
+        fmx::CharacterStyle::Face face;
+        fmx::CharacterStyle::FontID font;
+        std::string color, size; ///< as formattings; empty when not enabled
 
         auto operator<=>(const Traits&) const = default;
     };
