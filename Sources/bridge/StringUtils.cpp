@@ -134,18 +134,18 @@ bool is_number(const std::string& s) {
     return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+std::string_view takePiece(std::string_view& rest, std::string_view delimiter) {
+    // An empty delimiter would be found at every position without ever moving on.
+    const std::size_t end = delimiter.empty() ? std::string_view::npos : rest.find(delimiter);
+    const std::string_view piece = rest.substr(0, end);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + delimiter.size());
+    return piece;
+}
+
 std::vector<std::string> split(const std::string& s, const std::string& delimiter) {
     std::vector<std::string> pieces;
-    for (std::size_t start = 0; start < s.size();) {
-        // An empty delimiter would be found at every position without ever moving on.
-        const std::size_t end = delimiter.empty() ? std::string::npos : s.find(delimiter, start);
-        if (end == std::string::npos) {
-            pieces.push_back(s.substr(start));
-            break;
-        }
-        pieces.push_back(s.substr(start, end - start));
-        start = end + delimiter.size();
-    }
+    for (std::string_view rest = s; !rest.empty();)
+        pieces.emplace_back(takePiece(rest, delimiter));
     return pieces;
 }
 

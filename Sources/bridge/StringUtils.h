@@ -42,6 +42,9 @@ std::string toLower(std::string s);
 /// True when there is at least one byte and all are "0" to "9".
 bool is_number(const std::string& s);
 
+/// Takes the first piece, and the delimiter behind it, from the front of `rest`.
+std::string_view takePiece(std::string_view& rest, std::string_view delimiter);
+
 /// The pieces between occurrences of the delimiter. A leading delimiter gives an empty first piece, a
 /// trailing one no piece; an empty string has no pieces. An empty delimiter occurs nowhere.
 std::vector<std::string> split(const std::string& s, const std::string& delimiter);

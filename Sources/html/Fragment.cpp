@@ -16,18 +16,11 @@ bool contains(const std::vector<std::string>& names, std::string_view name) {
 /// The formattings that a combination names, with their values. Nothing when one of them is not there.
 Formattings taken(const Formattings& formattings, std::string_view combination) {
     Formattings found;
-    const auto take = [&](std::string_view name) {
-        const auto formatting = formattings.find(name);
-        if (formatting == formattings.end()) return false;
+    while (!combination.empty()) {
+        const auto formatting = formattings.find(takePiece(combination, "+"));
+        if (formatting == formattings.end()) return {};
         found.insert(*formatting);
-        return true;
-    };
-    if (combination.find('+') == std::string_view::npos) {
-        take(combination);
-        return found;
     }
-    for (const std::string& piece : explode(std::string(combination), '+'))
-        if (!take(piece)) return {};
     return found;
 }
 

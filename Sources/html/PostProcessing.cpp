@@ -46,23 +46,17 @@ const cFragment& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
     return runs.emplace(std::move(formattings), std::move(run)).first->second;
 }
 
-void logMerge(const std::string& first, const std::string& both) {
-    std::cout << "Merging 2 fragments: '" << first << "' + '" << both << "' \n" << std::flush;
-}
-
-/// Moves the text of all runs from `first` up to `last` into `last`.
-void mergeChain(cFragment* first, cFragment* last, bool isLogged) {
-    std::vector<fmx::uint16> characters = std::exchange(first->characters, {});
-    for (cFragment* next = first + 1; next <= last; ++next) {
-        characters.insert(characters.end(), next->characters.begin(), next->characters.end());
-        std::exchange(next->characters, {}); // its memory goes too
-        next->start = first->start;
-        next->length += std::exchange((next - 1)->length, 0);
-        if (!isLogged) continue;
-        next->narrowText.insert(0, (next - 1)->narrowText);
-        logMerge((next - 1)->narrowText, next->narrowText);
-    }
-    last->characters = std::move(characters);
+/// Moves the text of a run in front of that of the next one. The characters of a chain of runs all go to one
+/// array, so that the chain takes time by its characters.
+void mergeIntoNext(cFragment& run, cFragment& next, bool isLogged) {
+    next.start = run.start;
+    next.length += std::exchange(run.length, 0);
+    run.characters.insert(run.characters.end(), next.characters.begin(), next.characters.end());
+    next.characters = std::exchange(run.characters, {});
+    if (!isLogged) return;
+    next.narrowText.insert(0, run.narrowText);
+    std::cout << "Merging 2 fragments: '" << run.narrowText << "' + '" << next.narrowText << "' \n"
+              << std::flush;
 }
 
 } // namespace
@@ -89,17 +83,12 @@ bool fragmentsHaveEqualAppearance(const cFragment& a, const cFragment& b) {
 }
 
 std::int64_t mergeFragments(std::vector<cFragment>& fragments) {
-    if (fragments.size() < 2) return 0;
-    const bool isLogged = logsMerges();
+    const bool isLogged = fragments.size() > 1 && logsMerges();
     std::int64_t merges = 0;
-    for (std::size_t i = 0; i < fragments.size();) {
-        std::size_t last = i;
-        while (last + 1 < fragments.size() &&
-               fragmentsHaveEqualAppearance(fragments[last], fragments[last + 1]))
-            ++last;
-        if (last > i) mergeChain(&fragments[i], &fragments[last], isLogged);
-        merges += static_cast<std::int64_t>(last - i);
-        i = last + 1;
+    for (std::size_t i = 1; i < fragments.size(); ++i) {
+        if (!fragmentsHaveEqualAppearance(fragments[i - 1], fragments[i])) continue;
+        mergeIntoNext(fragments[i - 1], fragments[i], isLogged);
+        ++merges;
     }
     return merges;
 }

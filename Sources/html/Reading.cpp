@@ -80,19 +80,14 @@ std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& en
 }
 
 TextReader::Traits TextReader::traitsOf(const fmx::CharacterStyle& style, bool isBlank) {
+    const auto [font, isNew] = fontNames_.try_emplace(style.GetFont());
+    if (isNew) font->second = getFontName(style, env_);
     const unsigned forBlanksOnly = isBlank ? 0U : unsigned{Style::kFace_WordUnderline};
-    return {static_cast<Face>(style.GetFace() & ~forBlanksOnly), style.GetFont(), getFontColor(style),
+    return {static_cast<Face>(style.GetFace() & ~forBlanksOnly), getFontColor(style), font->second,
             style.IsSizeEnabled() ? std::to_string(style.GetSize()) + "px" : ""};
 }
 
-const std::string& TextReader::fontNameOf(const fmx::CharacterStyle& style,
-                                          fmx::CharacterStyle::FontID font) {
-    const auto known = fontNames_.find(font);
-    if (known != fontNames_.end()) return known->second;
-    return fontNames_.emplace(font, getFontName(style, env_)).first->second;
-}
-
-Formattings TextReader::formattingsOf(const Traits& traits, const fmx::CharacterStyle& style) {
+Formattings TextReader::formattingsOf(const Traits& traits) {
     Formattings formattings;
     int decided = 0;
     for (const auto& [bits, group, formatting] : kFaces) {
@@ -101,8 +96,7 @@ Formattings TextReader::formattingsOf(const Traits& traits, const fmx::Character
         decided = group;
     }
     if (!traits.color.empty()) formattings["color"] = traits.color;
-    const std::string& font = fontNameOf(style, traits.font);
-    if (!font.empty()) formattings["font"] = font;
+    if (!traits.font.empty()) formattings["font"] = traits.font;
     if (!traits.size.empty()) formattings["size"] = traits.size;
     return formattings;
 }
@@ -114,7 +108,7 @@ const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, boo
     const auto known = looks_.find(traits);
     if (known != looks_.end()) return known->second;
     Look look;
-    look.run.formattings = formattingsOf(traits, style);
+    look.run.formattings = formattingsOf(traits);
     look.run.inlineStyles = CSSFromFormattings(look.run.formattings);
     look.css = look.run.getInlineCSS();
     if (looks_.size() == kMostLooks) looks_.clear();

@@ -45,8 +45,7 @@ private:
     /// All that a character's formattings depend on.
     struct Traits {
         fmx::CharacterStyle::Face face;
-        fmx::CharacterStyle::FontID font;
-        std::string color, size; ///< as formattings; empty when not enabled
+        std::string color, font, size; ///< as formattings have them, empty without any
 
         auto operator<=>(const Traits&) const = default;
     };
@@ -56,10 +55,9 @@ private:
         std::string css;
     };
 
-    static Traits traitsOf(const fmx::CharacterStyle& style, bool isBlank);
+    Traits traitsOf(const fmx::CharacterStyle& style, bool isBlank);
+    static Formattings formattingsOf(const Traits& traits);
     const Look& lookOf(const fmx::CharacterStyle& style, bool isBlank);
-    Formattings formattingsOf(const Traits& traits, const fmx::CharacterStyle& style);
-    const std::string& fontNameOf(const fmx::CharacterStyle& style, fmx::CharacterStyle::FontID font);
     std::size_t endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units, std::size_t start);
 
     const fmx::ExprEnv& env_;
