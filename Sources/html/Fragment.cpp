@@ -90,10 +90,7 @@ bool cFragment::extractFormattingCombinationToCreateClass(std::string_view combi
     const std::string declarations = serialize_CSS(CSSFromFormattings(pieces), "");
     if (declarations.empty()) return false;
     cssClasses.push_back(get_or_create_class(declarations, className, classMap));
-    if (combination == "all")
-        formattings.clear();
-    else
-        erase(formattings, pieces);
+    erase(formattings, pieces);
     return true;
 }
 

@@ -115,14 +115,6 @@ const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, boo
     return looks_.emplace(std::move(traits), std::move(look)).first->second;
 }
 
-cFragment TextReader::formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index) {
-    const fmx::uint32 position = hostLength(index);
-    fmx::uint16 unit = 0;
-    text.GetUnicode(&unit, position, 1);
-    text.GetStyle(*style_, position);
-    return lookOf(*style_, unit == kBlank).run;
-}
-
 /// The index behind the last character from `start` that looks like the one at `start`, which has style_.
 /// Most characters look like the one before, so styles are compared before anything is made of them.
 std::size_t TextReader::endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units,
@@ -163,7 +155,12 @@ Formattings formattingsFromFMCharacter(const fmx::Text& text, std::uint64_t inde
 
 cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index,
                                            const fmx::ExprEnv& env) {
-    return TextReader(env).formattedFragmentFromFMCharacter(text, index);
+    const fmx::uint32 position = hostLength(index);
+    fmx::uint16 unit = 0;
+    text.GetUnicode(&unit, position, 1);
+    const fmx::CharacterStyleUniquePtr style;
+    text.GetStyle(*style, position);
+    return TextReader(env).lookOf(*style, unit == kBlank).run;
 }
 
 void extractFragments(const fmx::Text& text, const fmx::ExprEnv& env, std::vector<cFragment>& fragments) {

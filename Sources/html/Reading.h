@@ -32,13 +32,18 @@ cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t 
 /// its first character. Asks the host once for the characters, and for each character once for its style.
 void extractFragments(const fmx::Text& text, const fmx::ExprEnv& env, std::vector<cFragment>& fragments);
 
-/// The same for all texts of one conversion. It caches the answers of the host, so it must not outlive the
-/// call that it serves.
+/// The same for all texts of one conversion. It caches the host's answers, so it must not outlive the call
+/// that it serves.
 class TextReader {
 public:
     explicit TextReader(const fmx::ExprEnv& env) : env_(env) {}
 
-    cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t index);
+    /// The formattings of a character and their CSS.
+    struct Look {
+        cFragment run; ///< as formattedFragmentFromFMCharacter gives it
+        std::string css;
+    };
+    const Look& lookOf(const fmx::CharacterStyle& style, bool isBlank);
     void extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments);
 
 private:
@@ -49,15 +54,9 @@ private:
 
         auto operator<=>(const Traits&) const = default;
     };
-    /// The result of the traits.
-    struct Look {
-        cFragment run; ///< as formattedFragmentFromFMCharacter gives it
-        std::string css;
-    };
 
     Traits traitsOf(const fmx::CharacterStyle& style, bool isBlank);
     static Formattings formattingsOf(const Traits& traits);
-    const Look& lookOf(const fmx::CharacterStyle& style, bool isBlank);
     std::size_t endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units, std::size_t start);
 
     const fmx::ExprEnv& env_;
