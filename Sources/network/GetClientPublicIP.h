@@ -22,16 +22,16 @@ enum PublicIPCode : short {
     kNoAddress = -8, ///< the response has no marker, or no address behind it
 };
 
-/// The longest that connecting and receiving take, of all services together: half of what the system bears of
-/// an app, less half a second for the rest of the call. The resolver's time is not counted, since nothing can
-/// end a lookup.
+/// The longest that connecting and receiving take, of all services together: half of the time after which the
+/// system ends an app that hangs, less half a second for the rest of the call. The resolver's time is not
+/// counted, since nothing can end a lookup.
 constexpr std::chrono::milliseconds kNetworkTime{9500};
 
 /// The part of the time that is kept for each service still to be asked. The first may use six tenths, which
 /// lets a slow one answer; the last may use all that is left.
 constexpr int kKeptPart = 10;
 
-/// What of a response is looked at, at most. One read: of an answer that comes in pieces, the first.
+/// The bytes of a response that are looked at. One read: of an answer that comes in pieces, the first.
 constexpr std::size_t kResponseSize = 16000;
 
 /// Asks a service, by its number in network/PublicIPServices.h, over plain HTTP, and gives a PublicIPCode.
