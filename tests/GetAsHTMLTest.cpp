@@ -382,7 +382,7 @@ TEST_F(GetAsHTML, logsMergesOnRequestOnly) {
     }
 }
 
-TEST_F(GetAsHTML, readsOneCharacter) {
+TEST_F(GetAsHTML, readsCharactersAndRuns) {
     const host::calc::Environment place = session.environment(session.front());
     const host::Text words(u"a ", looks(face::wordUnderline));
     const auto& text = host::bridge::out<fmx::Text>(words);
@@ -392,6 +392,11 @@ TEST_F(GetAsHTML, readsOneCharacter) {
     const cFragment blank = formattedFragmentFromFMCharacter(text, 1, env);
     EXPECT_EQ(blank.getInlineCSS(), "text-decoration:underline;");
     EXPECT_TRUE(blank.characters.empty() && blank.length == 0 && blank.narrowText.empty());
+    std::vector<cFragment> runs(1, blank);
+    extractFragments(text, env, runs);
+    ASSERT_EQ(runs.size(), 3U);
+    EXPECT_EQ(runs[2].characters, std::vector<fmx::uint16>{u' '});
+    EXPECT_TRUE(runs[2].start == 1 && runs[2].length == 1 && runs[2].formattings == blank.formattings);
 }
 
 TEST_F(GetAsHTML, readsNoLinesOfWhatDoesNotEvaluate) {
@@ -426,6 +431,23 @@ TEST(HtmlFragment, isAValueThatIsEmptyAfterMoving) {
     // NOLINTNEXTLINE(bugprone-use-after-move): that is what is asked
     EXPECT_TRUE(fragment.characters.empty() && fragment.narrowText.empty() && fragment.formattings.empty() &&
                 fragment.tags.empty() && fragment.cssClasses.empty() && fragment.inlineStyles.empty());
+}
+
+TEST(HtmlFragment, isProcessedByTheParametersOfEachCall) {
+    cFragment boldRun;
+    boldRun.formattings["bold"];
+    std::vector<cFragment> asElement(2, boldRun), asClass(1, boldRun), asStyle(1, boldRun),
+        dropped(1, boldRun);
+    ClassMap classMap;
+    fragmentsPostProcessing(asElement, classMap, {{"bold", "b"}}, {{"all", "kst"}}, {});
+    fragmentsPostProcessing(asClass, classMap, {}, {{"all", "kst"}}, {});
+    fragmentsPostProcessing(asStyle, classMap, {}, {}, {{"bold", "1"}});
+    fragmentsPostProcessing(dropped, classMap, {}, {}, {{"color", "1"}});
+    for (const cFragment& run : asElement)
+        EXPECT_TRUE(run.containsTag("b") && run.cssClasses.empty() && run.formattings.empty());
+    EXPECT_TRUE(asClass[0].tags.empty() && asClass[0].containsCssClassName("kst"));
+    EXPECT_EQ(asStyle[0].getInlineCSS(), "font-weight:bold;");
+    EXPECT_TRUE(fragmentsHaveEqualAppearance(dropped[0], cFragment()));
 }
 
 TEST(HtmlAlignment, isReadFromTheFirstTag) {

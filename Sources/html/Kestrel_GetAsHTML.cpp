@@ -35,58 +35,55 @@ bool standsForAValue(const fmx::Text& text, const fmx::ExprEnv& env) {
     return StringFromFmText(*isEmptyValue) == "0";
 }
 
-/// One conversion: what is asked for, and what its paragraphs share.
+/// One conversion: the parameters, and the state that its paragraphs share.
 struct Conversion {
     const fmx::ExprEnv& env;
     ParamVector tagParams, classParams, styleParams;
     ClassMap classMap = {};
     TextReader reader{env};
+    std::vector<cFragment> fragments = {}; ///< of the paragraph that is read
     fmx::TextUniquePtr body = {};
 
-    void addParagraph(const fmx::Text& source, const std::string& alignment,
-                      std::vector<cFragment>& fragments) {
+    void endParagraph(const fmx::Text& source, const std::string& alignment) {
         transformRichtextToHTML(source, alignment, tagParams, classParams, styleParams, env, fragments,
                                 classMap, body);
         fragments.clear();
     }
-};
 
-/// The text's own paragraphs. One alone stands without an element.
-void convertText(const fmx::Text& text, Conversion& conversion) {
-    const std::vector<fmx::uint16> units = unitsFromFMText(text);
-    const fmx::TextUniquePtr paragraph;
-    std::vector<cFragment> fragments;
-    for (auto start = units.begin(); start != units.end();) {
-        const auto end = std::find(start, units.end(), kReturn);
-        const auto next = end == units.end() ? end : end + 1;
-        const bool isOnly = start == units.begin() && next == units.end();
-        paragraph->SetText(text, static_cast<fmx::uint32>(start - units.begin()),
-                           static_cast<fmx::uint32>(end - start));
-        conversion.reader.extractFragments(*paragraph, fragments);
-        conversion.addParagraph(*paragraph, isOnly ? "none" : "", fragments);
-        start = next;
-    }
-}
-
-/// The paragraphs of the expression's value, aligned as the host says.
-void convertValue(const fmx::Text& expression, Conversion& conversion) {
-    const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, conversion.env);
-    // A value has a line of its own at least.
-    const std::vector<std::string> alignments = getLineAligns(expression, conversion.env, lineEndings.size());
-    const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
-    fmx::TextUniquePtr value;
-    std::vector<cFragment> fragments;
-    for (std::size_t k = 0; k < alignments.size(); ++k) {
-        evaluateOnFM("GetValue(", expression, ";" + std::to_string(k + 1) + ")", conversion.env, value);
-        conversion.reader.extractFragments(*value, fragments);
-        if (isEnd[k] || k + 1 == alignments.size()) {
-            const bool isOnly = alignments.size() == 1 && alignments[k] == "left";
-            conversion.addParagraph(expression, isOnly ? "none" : alignments[k], fragments);
-        } else if (lineEndings[k] != 0 && !fragments.empty()) {
-            fragments.back().addChar(lineEndings[k]);
+    /// The text's own paragraphs. One alone stands without an element.
+    void convertText(const fmx::Text& text) {
+        const std::vector<fmx::uint16> units = unitsFromFMText(text);
+        const fmx::TextUniquePtr paragraph;
+        for (auto start = units.begin(); start != units.end();) {
+            const auto end = std::find(start, units.end(), kReturn);
+            const auto next = end == units.end() ? end : end + 1;
+            const bool isOnly = start == units.begin() && next == units.end();
+            paragraph->SetText(text, static_cast<fmx::uint32>(start - units.begin()),
+                               static_cast<fmx::uint32>(end - start));
+            reader.extractFragments(*paragraph, fragments);
+            endParagraph(*paragraph, isOnly ? "none" : "");
+            start = next;
         }
     }
-}
+
+    /// The paragraphs of the expression's value, aligned as the host says.
+    void convertValue(const fmx::Text& expression) {
+        const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, env);
+        // A value has a line of its own at least, so there are as many line endings as alignments or more.
+        const std::vector<std::string> alignments = getLineAligns(expression, env, lineEndings.size());
+        const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
+        fmx::TextUniquePtr value;
+        for (std::size_t k = 0; k < alignments.size(); ++k) {
+            evaluateOnFM("GetValue(", expression, ";" + std::to_string(k + 1) + ")", env, value);
+            reader.extractFragments(*value, fragments);
+            if (isEnd[k] || k + 1 == alignments.size())
+                endParagraph(expression,
+                             alignments.size() == 1 && alignments[k] == "left" ? "none" : alignments[k]);
+            else if (lineEndings[k] != 0 && !fragments.empty())
+                fragments.back().addChar(lineEndings[k]);
+        }
+    }
+};
 
 } // namespace
 
@@ -142,9 +139,9 @@ void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text&
         addDefaultFormattingsForTag(conversion.tagParams);
     }
     if (standsForAValue(text, env))
-        convertValue(text, conversion);
+        conversion.convertValue(text);
     else
-        convertText(text, conversion);
+        conversion.convertText(text);
     appendCssClasses(conversion.classMap, "", output);
     output->AppendText(*conversion.body);
 }
