@@ -16,7 +16,6 @@ namespace host {
 
 namespace {
 
-constexpr QuadChar fileStream{{'F', 'I', 'L', 'E'}};
 constexpr int fractionDigits = 6;
 
 std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
@@ -149,8 +148,7 @@ int bindNumber(sqlite3_stmt* statement, int place, const Decimal& number) {
 
 int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
     if (container.streams().empty()) return sqlite3_bind_null(statement, place);
-    const int file = container.indexOf(fileStream);
-    const auto& bytes = container.streams()[static_cast<std::size_t>(std::max(file, 0))].bytes;
+    const auto bytes = container.fileBytes();
     if (bytes.empty()) return sqlite3_bind_zeroblob(statement, place, 0);
     return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
@@ -167,7 +165,7 @@ Data columnBytes(sqlite3_stmt* statement, int column) {
     const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(statement, column));
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
     Binary container;
-    container.add(fileStream, {bytes, bytes == nullptr ? 0 : size});
+    container.add(kFileStream, {bytes, bytes == nullptr ? 0 : size});
     return Data(std::move(container));
 }
 

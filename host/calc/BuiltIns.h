@@ -7,23 +7,30 @@
 #include <span>
 #include <string_view>
 
-/// The families of built-in functions, each a table of rows, and what their implementations share.
+/// The families of built-in functions, each a table of rows, and the tools that their implementations share.
 
 namespace host::calc {
 
 void addTextFunctions(FunctionTable& table);
 void addListFunctions(FunctionTable& table);
 void addNumberFunctions(FunctionTable& table);
+void addRealFunctions(FunctionTable& table);
+void addFinancialFunctions(FunctionTable& table);
 void addDateFunctions(FunctionTable& table);
 void addLogicFunctions(FunctionTable& table);
 void addGetFunctions(FunctionTable& table);
 void addStyleFunctions(FunctionTable& table);
+void addJsonFunctions(FunctionTable& table);
+void addEncodingFunctions(FunctionTable& table);
+void addCryptFunctions(FunctionTable& table);
+void addSignatureFunctions(FunctionTable& table);
+void addContainerFunctions(FunctionTable& table);
 
 DataRef textResult(Text text);
 DataRef numberResult(Decimal number);
 DataRef booleanResult(bool value);
 DataRef emptyResult();
-/// The result of what is impossible (a division by zero): the text "?", of no type.
+/// The result of an impossible operation (a division by zero): the text "?", of no type.
 DataRef questionMark();
 
 /// A text may not outgrow this; beyond, the calculation's error is 1200.
@@ -38,7 +45,7 @@ struct EagerRow {
     std::u16string_view name;
     int minimum, maximum; ///< -1: no upper limit
     DataRef (*implementation)(std::span<const DataRef>);
-    bool takesPairs = false; ///< as in Function
+    int listSize = 0; ///< as in Function
 };
 /// A function that also needs the evaluation.
 struct EvaluationRow {

@@ -95,7 +95,7 @@ void addRow(FunctionTable& table, const EagerRow& row) {
     added.eager = [implementation = row.implementation](Evaluation&, std::span<const DataRef> arguments) {
         return implementation(arguments);
     };
-    added.takesPairs = row.takesPairs;
+    added.listSize = row.listSize;
     table.add(std::move(added));
 }
 
@@ -113,8 +113,10 @@ void addRow(FunctionTable& table, const LazyRow& row) {
 }
 
 FunctionTable::FunctionTable() {
-    for (const auto addFamily : {addTextFunctions, addListFunctions, addNumberFunctions, addDateFunctions,
-                                 addLogicFunctions, addGetFunctions, addStyleFunctions})
+    for (const auto addFamily :
+         {addTextFunctions, addListFunctions, addNumberFunctions, addRealFunctions, addFinancialFunctions,
+          addDateFunctions, addLogicFunctions, addGetFunctions, addStyleFunctions, addJsonFunctions,
+          addEncodingFunctions, addCryptFunctions, addSignatureFunctions, addContainerFunctions})
         addFamily(*this);
 }
 
@@ -165,7 +167,8 @@ Result evaluate(const Expression& expression, const Environment& environment) {
 Result evaluate(std::u16string_view source, const Environment& environment,
                 std::shared_ptr<const FunctionTable> functions) {
     const Parsed parsed = parse(source, std::move(functions));
-    if (parsed.error != error::none) return {.error = parsed.error, .value = emptyResult(), .problem = parsed.problem};
+    if (parsed.error != error::none)
+        return {.error = parsed.error, .value = emptyResult(), .problem = parsed.problem};
     return evaluate(*parsed.expression, environment);
 }
 

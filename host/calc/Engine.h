@@ -48,8 +48,9 @@ struct Function {
     Lazy lazy;
     /// The argument (from 0) that holds bare words joined by "+" instead of a value; -1: none has.
     int wordArgument = -1;
-    /// Whether two arguments may stand in brackets as a pair, `[ a ; b ]`; they count and come as two.
-    bool takesPairs = false;
+    /// The number of arguments that may stand together in brackets, `[ a ; b ]`; they count and come one by
+    /// one. 0: none may.
+    int listSize = 0;
     /// Set by the table that has withdrawn the row.
     mutable bool withdrawn = false;
 };

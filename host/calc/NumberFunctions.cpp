@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -15,11 +16,12 @@ int placesOf(const DataRef& value) {
         value->asNumber().toInt64(), -Decimal::maximumIntegerDigits, Decimal::maximumPrecision));
 }
 
-DataRef optionalResult(const std::optional<Decimal>& number) {
-    return number ? numberResult(*number) : questionMark();
-}
-
+/// The magnitude; a time stays a time.
 DataRef absolute(Arguments arguments) {
+    if (arguments[0]->nativeType() == DataType::time) {
+        const std::int64_t micros = std::abs(arguments[0]->asTime().micros);
+        return std::make_shared<const Data>(DateTime{.days = 0, .micros = micros}, DataType::time);
+    }
     const Decimal& number = arguments[0]->asNumber();
     return numberResult(number.sign() < 0 ? number.negated() : number);
 }
@@ -33,14 +35,64 @@ DataRef truncate(Arguments arguments) {
     return numberResult(arguments[0]->asNumber().truncated(placesOf(arguments[1])));
 }
 DataRef squareRoot(Arguments arguments) { return optionalResult(arguments[0]->asNumber().squareRoot()); }
+DataRef sign(Arguments arguments) { return numberResult(arguments[0]->asNumber().sign()); }
 
-/// The remainder takes the divisor's sign.
-DataRef modulo(Arguments arguments) {
+/// A quotient rounded down, and the rest, which has the divisor's sign.
+struct Division {
+    Decimal quotient, rest;
+};
+std::optional<Division> divided(Arguments arguments) {
     const Decimal& number = arguments[0]->asNumber();
     const Decimal& divisor = arguments[1]->asNumber();
     const auto quotient = number.dividedBy(divisor);
-    if (!quotient) return questionMark();
-    return numberResult(number.minus(divisor.times(quotient->floor())));
+    if (!quotient) return std::nullopt;
+    Division result{.quotient = quotient->floor(), .rest = {}};
+    result.rest = number.minus(divisor.times(result.quotient));
+    // The quotient's last place may have been rounded up to the next integer.
+    if (result.rest.sign() * divisor.sign() < 0) {
+        result.quotient = result.quotient.minus(1);
+        result.rest = result.rest.plus(divisor);
+    }
+    return result;
+}
+DataRef quotient(Arguments arguments) {
+    const auto division = divided(arguments);
+    return division ? numberResult(division->quotient) : questionMark();
+}
+DataRef modulo(Arguments arguments) {
+    const auto division = divided(arguments);
+    return division ? numberResult(division->rest) : questionMark();
+}
+
+/// Factorial ( number {; numberOfFactors } )
+DataRef factorial(Arguments arguments) {
+    Decimal factor = arguments[0]->asNumber().truncated(0);
+    Decimal left = arguments.size() > 1 ? arguments[1]->asNumber().truncated(0) : factor;
+    if (factor.sign() < 0 || left.sign() < 0) return questionMark();
+    // Some 210 factors above 1 suffice to pass 10^400, which throws.
+    Decimal product(1);
+    for (; left.sign() > 0 && factor > Decimal(1); left = left.minus(1), factor = factor.minus(1)) {
+        Work::charge();
+        product = product.times(factor);
+    }
+    return numberResult(product);
+}
+
+/// Combination ( setSize ; numberOfChoices )
+DataRef combination(Arguments arguments) {
+    const Decimal& size = arguments[0]->asNumber();
+    const Decimal& choices = arguments[1]->asNumber();
+    if (size != size.truncated(0) || choices != choices.truncated(0) || choices.sign() < 0 || choices > size)
+        return questionMark();
+    // Each step at least doubles the product until it passes 10^400, which throws.
+    const Decimal others = size.minus(choices), steps = std::min(choices, others);
+    Decimal product(1), factor = size.minus(steps);
+    for (Decimal step(1); step <= steps; step = step.plus(1)) {
+        Work::charge();
+        factor = factor.plus(1);
+        product = product.times(factor).dividedBy(step).value_or(Decimal());
+    }
+    return numberResult(product);
 }
 
 /// At least 0, below 1.
@@ -84,13 +136,24 @@ DataRef count(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Abs", 1, 1, absolute},      EagerRow{u"Ceiling", 1, 1, ceiling},
-    EagerRow{u"Floor", 1, 1, floor},       EagerRow{u"Int", 1, 1, integer},
-    EagerRow{u"Mod", 2, 2, modulo},        EagerRow{u"Round", 2, 2, round},
-    EagerRow{u"Truncate", 2, 2, truncate}, EagerRow{u"Sqrt", 1, 1, squareRoot},
-    EagerRow{u"Random", 0, 0, random},     EagerRow{u"Max", 1, -1, maximum},
-    EagerRow{u"Min", 1, -1, minimum},      EagerRow{u"Sum", 1, -1, sum},
-    EagerRow{u"Average", 1, -1, average},  EagerRow{u"Count", 1, -1, count},
+    EagerRow{u"Abs", 1, 1, ofValid<absolute>},
+    EagerRow{u"Ceiling", 1, 1, ofValid<ceiling>},
+    EagerRow{u"Combination", 2, 2, ofValid<combination>},
+    EagerRow{u"Div", 2, 2, ofValid<quotient>},
+    EagerRow{u"Factorial", 1, 2, ofValid<factorial>},
+    EagerRow{u"Floor", 1, 1, ofValid<floor>},
+    EagerRow{u"Int", 1, 1, ofValid<integer>},
+    EagerRow{u"Mod", 2, 2, ofValid<modulo>},
+    EagerRow{u"Random", 0, 0, random},
+    EagerRow{u"Round", 2, 2, ofValid<round>},
+    EagerRow{u"Sign", 1, 1, ofValid<sign>},
+    EagerRow{u"Sqrt", 1, 1, ofValid<squareRoot>},
+    EagerRow{u"Truncate", 2, 2, ofValid<truncate>},
+    EagerRow{u"Max", 1, -1, maximum},
+    EagerRow{u"Min", 1, -1, minimum},
+    EagerRow{u"Sum", 1, -1, sum},
+    EagerRow{u"Average", 1, -1, average},
+    EagerRow{u"Count", 1, -1, count},
 };
 
 } // namespace

@@ -211,8 +211,8 @@ const Node* Parser::call(const std::shared_ptr<const Function>& function, std::u
     node.function = function;
     if (!at(Token::Kind::rightParenthesis)) {
         do {
-            if (function->takesPairs && take(Token::Kind::leftBracket)) {
-                pair(node);
+            if (function->listSize > 0 && take(Token::Kind::leftBracket)) {
+                bracketList(node);
                 continue;
             }
             const bool wantsWords = std::cmp_equal(node.children.size(), function->wordArgument);
@@ -223,11 +223,13 @@ const Node* Parser::call(const std::shared_ptr<const Function>& function, std::u
     return &node;
 }
 
-/// The rest of a pair of arguments, [ a ; b ].
-void Parser::pair(Node& call) {
+/// The rest of arguments that stand together in brackets, [ a ; b ].
+void Parser::bracketList(Node& call) {
     call.children.push_back(expression());
-    if (!take(Token::Kind::semicolon)) fail(error::tooFewParameters);
-    call.children.push_back(expression());
+    for (int given = 1; given < call.function->listSize; ++given) {
+        if (!take(Token::Kind::semicolon)) fail(error::tooFewParameters);
+        call.children.push_back(expression());
+    }
     if (!take(Token::Kind::rightBracket)) fail(error::operatorExpected);
 }
 

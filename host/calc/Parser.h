@@ -47,7 +47,7 @@ private:
     const Node* let(const std::shared_ptr<const Function>& function, std::uint32_t start);
     const Node* assignment();
     const Node* words();
-    void pair(Node& call);
+    void bracketList(Node& call);
     void closeCall(Node& node, std::size_t given, std::uint32_t start);
     void bind(const std::u16string& name);
     void unbindTo(std::size_t size);

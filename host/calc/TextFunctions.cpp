@@ -242,7 +242,7 @@ constexpr std::array rows{
     EagerRow{u"Middle", 3, 3, middle},
     EagerRow{u"Position", 4, 4, position},
     EagerRow{u"PatternCount", 2, 2, patternCount},
-    EagerRow{u"Substitute", 3, -1, substitute, true},
+    EagerRow{u"Substitute", 3, -1, substitute, 2},
     EagerRow{u"Replace", 4, 4, replace},
     EagerRow{u"Upper", 1, 1, upper},
     EagerRow{u"Lower", 1, 1, lower},

@@ -16,9 +16,6 @@ namespace gate = host::gate;
 
 namespace {
 
-/// The kind under which a file's own bytes stand.
-constexpr host::QuadChar fileStream{{'F', 'I', 'L', 'E'}};
-
 std::span<const std::byte> bytesOf(const void* buffer, fmx::uint32 amount) {
     if (amount == 0) return {};
     return {static_cast<const std::byte*>(checked(buffer)), amount};
@@ -44,7 +41,7 @@ fmx::BinaryData* FM_BinaryData_Constructor3(const fmx::Text& name, fmx::uint32 a
     return gate::construct<fmx::BinaryData, ObjectClass::binaryData>(_x, [&] {
         Binary data;
         data.setFileName(in<host::Text>(&name));
-        data.add(fileStream, bytesOf(buffer, amount));
+        data.add(host::kFileStream, bytesOf(buffer, amount));
         return data;
     });
 }

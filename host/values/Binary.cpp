@@ -28,4 +28,9 @@ std::size_t Binary::totalSize() const {
     return size;
 }
 
+std::span<const std::byte> Binary::fileBytes() const {
+    if (streams_.empty()) return {};
+    return streams_[static_cast<std::size_t>(std::max(indexOf(kFileStream), 0))].bytes;
+}
+
 } // namespace host

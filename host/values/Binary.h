@@ -15,6 +15,9 @@ struct QuadChar {
     auto operator<=>(const QuadChar&) const = default;
 };
 
+/// The kind of the stream that holds a file's own bytes.
+inline constexpr QuadChar kFileStream{{'F', 'I', 'L', 'E'}};
+
 /// A container's value: a file name and byte streams, each under a kind of its own, in the order they were
 /// added.
 class Binary {
@@ -33,6 +36,8 @@ public:
     bool remove(const QuadChar& type);
     void clear() { streams_.clear(); }
     [[nodiscard]] std::size_t totalSize() const;
+    /// The bytes of the file, of the first stream where there is no file; none without a stream.
+    [[nodiscard]] std::span<const std::byte> fileBytes() const;
 
     [[nodiscard]] const Text& fileName() const { return fileName_; }
     void setFileName(Text name) { fileName_ = std::move(name); }

@@ -15,9 +15,10 @@ namespace {
 
 std::atomic<Encoding> nativeChoice = Encoding::asciiMac;
 
-/// ICU's names, in the order of the interface's numbers.
-constexpr std::array<const char*, 8> converterNames{"macintosh", "UTF-8",      "IBM437",    "windows-1252",
-                                                    "macintosh", "ISO-8859-1", "Shift_JIS", "windows-31j"};
+/// ICU's names, in the order of the enumeration.
+constexpr std::array<const char*, 12> converterNames{
+    "macintosh", "UTF-8",       "IBM437",       "windows-1252", "macintosh", "ISO-8859-1",
+    "Shift_JIS", "windows-31j", "windows-1251", "gb18030",      "EUC-KR",    "Big5"};
 
 struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
@@ -91,7 +92,7 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
 } // namespace
 
 Encoding encodingFromNumber(std::int32_t number) {
-    return number < 0 || number >= static_cast<std::int32_t>(converterNames.size())
+    return number < 0 || number > static_cast<std::int32_t>(Encoding::shiftJisWin)
                ? Encoding::native
                : static_cast<Encoding>(number);
 }

@@ -4,8 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// Bytes to UTF-16 and back, in the encodings of the interface. Unpaired surrogates and bytes that mean
-/// nothing become the replacement character (U+FFFD, "?" where the encoding lacks it); nothing here fails.
+/// Bytes to UTF-16 and back, in the encodings of the interface and some more. Unpaired surrogates and bytes
+/// that mean nothing become the replacement character (U+FFFD, "?" where the encoding lacks it); nothing here
+/// fails.
 
 namespace host {
 
@@ -17,7 +18,12 @@ enum class Encoding : std::int32_t {
     asciiMac,
     iso8859_1,
     shiftJisMac,
-    shiftJisWin
+    shiftJisWin,
+    // The interface has no numbers for these.
+    windows1251,
+    gb18030,
+    eucKr,
+    big5
 };
 /// Numbers that the interface does not name are taken for native.
 Encoding encodingFromNumber(std::int32_t number);

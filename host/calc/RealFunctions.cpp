@@ -1,0 +1,130 @@
+#include "host/calc/Arguments.h"
+#include "host/calc/BuiltIns.h"
+#include "host/values/Encoding.h"
+
+#include <array>
+#include <boost/math/constants/constants.hpp>
+#include <boost/multiprecision/cpp_bin_float.hpp>
+#include <limits>
+
+/// Exponentials, logarithms and trigonometry: functions whose results are real numbers, computed with more
+/// digits than they keep.
+
+namespace host::calc {
+
+namespace {
+
+template<unsigned digits>
+using Float = boost::multiprecision::number<boost::multiprecision::cpp_bin_float<digits>,
+                                            boost::multiprecision::et_off>;
+using Usual = Float<100>;
+/// The digits of the longest numbers, 400 on both sides of the point, and some to spare.
+using Wide = Float<850>;
+
+/// The work of one function, in steps.
+constexpr std::size_t usualSteps = 100, wideSteps = 20'000;
+
+template<typename Real>
+Real realOf(const Decimal& number) {
+    return Real(toUtf8(number.text()));
+}
+
+/// Nothing for what is no finite number below 10^400.
+template<typename Real>
+std::optional<Decimal> decimalOf(const Real& real, int precision) {
+    if (!isfinite(real)) return std::nullopt;
+    const std::string text = real.str(std::numeric_limits<Real>::digits10, std::ios_base::scientific);
+    auto number = Decimal::parse(fromUtf8(text));
+    if (number) number->setPrecision(precision);
+    return number;
+}
+
+/// Evaluates `function` with so many digits that `precision` places of its result are right.
+template<typename Function>
+DataRef evaluated(const Decimal& argument, int precision, bool isWide, const Function& function) {
+    Work::charge(isWide ? wideSteps : usualSteps);
+    if (!isWide) return optionalResult(decimalOf(function(realOf<Usual>(argument)), precision));
+    return optionalResult(decimalOf(function(realOf<Wide>(argument)), precision));
+}
+
+constexpr int usualPlaces = 60;
+
+DataRef exponential(Arguments arguments) {
+    const Decimal& exponent = arguments[0]->asNumber();
+    constexpr std::int64_t largest = 922, smallest = -922, largestUsual = 60; // e ^ 922 passes 10^400
+    if (exponent > Decimal(largest)) return questionMark();
+    if (exponent < Decimal(smallest)) return numberResult(0);
+    const bool isWide = exponent.precision() > usualPlaces || exponent > Decimal(largestUsual);
+    return evaluated(exponent, exponent.precision(), isWide, [](const auto& x) { return exp(x); });
+}
+
+/// A logarithm keeps the precision of its argument; 0 and numbers below have none.
+template<auto function>
+DataRef logarithm(Arguments arguments) {
+    const Decimal& number = arguments[0]->asNumber();
+    if (number.sign() <= 0) return questionMark();
+    return evaluated(number, number.precision(), number.precision() > usualPlaces, function);
+}
+constexpr auto naturalLogarithm = [](const auto& x) { return log(x); };
+constexpr auto decimalLogarithm = [](const auto& x) { return log10(x); };
+constexpr auto binaryLogarithm = []<typename Real>(const Real& x) {
+    return Real(log(x) / boost::math::constants::ln_two<Real>());
+};
+
+/// Trigonometric functions always give 16 places. Angles of many digits need all of these to be reduced.
+template<auto function>
+DataRef trigonometric(Arguments arguments) {
+    static const Decimal largestUsual = Decimal(10).power(Decimal(40)).value_or(Decimal());
+    const Decimal& angle = arguments[0]->asNumber();
+    const bool isWide = angle > largestUsual || angle < largestUsual.negated();
+    return evaluated(angle, Decimal::minimumPrecision, isWide, function);
+}
+
+/// The inverse of a function that reaches from -1 to 1.
+template<auto function>
+DataRef inverse(Arguments arguments) {
+    const Decimal& number = arguments[0]->asNumber();
+    if (number > Decimal(1) || number < Decimal(-1)) return questionMark();
+    return trigonometric<function>(arguments);
+}
+
+constexpr auto sine = [](const auto& x) { return sin(x); };
+constexpr auto cosine = [](const auto& x) { return cos(x); };
+constexpr auto tangent = [](const auto& x) { return tan(x); };
+constexpr auto arcSine = [](const auto& x) { return asin(x); };
+constexpr auto arcCosine = [](const auto& x) { return acos(x); };
+constexpr auto arcTangent = [](const auto& x) { return atan(x); };
+constexpr auto radiansToDegrees = []<typename Real>(const Real& x) {
+    return Real(x * boost::math::constants::radian<Real>());
+};
+constexpr auto degreesToRadians = []<typename Real>(const Real& x) {
+    return Real(x * boost::math::constants::degree<Real>());
+};
+
+DataRef pi(Arguments) {
+    static const DataRef value =
+        optionalResult(decimalOf(boost::math::constants::pi<Usual>(), Decimal::minimumPrecision));
+    return value;
+}
+
+constexpr std::array rows{
+    EagerRow{u"Exp", 1, 1, ofValid<exponential>},
+    EagerRow{u"Ln", 1, 1, ofValid<logarithm<naturalLogarithm>>},
+    EagerRow{u"Log", 1, 1, ofValid<logarithm<decimalLogarithm>>},
+    EagerRow{u"Lg", 1, 1, ofValid<logarithm<binaryLogarithm>>},
+    EagerRow{u"Pi", 0, 0, pi},
+    EagerRow{u"Sin", 1, 1, ofValid<trigonometric<sine>>},
+    EagerRow{u"Cos", 1, 1, ofValid<trigonometric<cosine>>},
+    EagerRow{u"Tan", 1, 1, ofValid<trigonometric<tangent>>},
+    EagerRow{u"Asin", 1, 1, ofValid<inverse<arcSine>>},
+    EagerRow{u"Acos", 1, 1, ofValid<inverse<arcCosine>>},
+    EagerRow{u"Atan", 1, 1, ofValid<trigonometric<arcTangent>>},
+    EagerRow{u"Degrees", 1, 1, ofValid<trigonometric<radiansToDegrees>>},
+    EagerRow{u"Radians", 1, 1, ofValid<trigonometric<degreesToRadians>>},
+};
+
+} // namespace
+
+void addRealFunctions(FunctionTable& table) { addRows(table, rows); }
+
+} // namespace host::calc
