@@ -102,7 +102,6 @@ TEST_F(CalcTest, ExpressionsGiveValues) {
         {"Length ( Get ( UUID ) )", "36", number},
         {"ScriptNames ( \"\" ) & ScriptNames ( \"other\" ) & DatabaseNames & DatabaseNames ( )",
          "One\rTwoContactsContacts"},
-        {"RGB ( 255 ; 0 ; 300 )", "16711935", number},
     });
 }
 
@@ -144,60 +143,6 @@ TEST_F(CalcTest, WrongExpressionsAnswerTheirCode) {
     EXPECT_EQ(run("1").error, error::missingFile);
 }
 
-TEST_F(CalcTest, PartsOfTexts) {
-    expect({
-        {"Length ( \"größe😀\" )", "7", number},
-        {"Left ( \"abc\" ; 2 ) & Left ( \"abc\" ; 9 ) & Left ( \"abc\" ; -1 ) & Left ( \"abc\" ; 1.9 )",
-         "ababca"},
-        {"Right ( \"abc\" ; 2 ) & Right ( \"abc\" ; 9 ) & Right ( \"abc\" ; 0 )", "bcabc"},
-        {"Middle ( \"abcdef\" ; 2 ; 3 ) & Middle ( \"abc\" ; 3 ; 9 ) & Middle ( \"abc\" ; 7 ; 1 )", "bcdc"},
-        {"Middle ( \"abcdef\" ; 0 ; 2 )", "ab"},
-        {"LeftWords ( \"one, two; three\" ; 2 )", "one, two"},
-        {"RightWords ( \"one, two; three.\" ; 2 )", "two; three"},
-        {"MiddleWords ( \"one two three four\" ; 2 ; 2 )", "two three"},
-        {"WordCount ( \"  one, two-three's 4.5 \" )", "4", number},
-        {"LeftValues ( \"a¶b¶c\" ; 2 )", "a\rb\r"},
-        {"RightValues ( \"a¶b¶c\" ; 2 )", "b\rc\r"},
-        {"MiddleValues ( \"a¶b¶c\" ; 2 ; 1 )", "b\r"},
-        {"GetValue ( \"a¶b¶c\" ; 2 ) & GetValue ( \"a¶b\" ; 3 ) & GetValue ( \"a\" ; 0 )", "b"},
-        {"ValueCount ( \"a¶b¶\" ) & ValueCount ( \"\" ) & ValueCount ( \"¶¶\" )", "202"},
-        {"Position ( \"Mississippi\" ; \"ISS\" ; 1 ; 2 ) & Position ( \"Mississippi\" ; \"iss\" ; 11 ; -1 )",
-         "55"},
-        {"Position ( \"abc\" ; \"x\" ; 1 ; 1 )", "0", number},
-        {"PatternCount ( \"Mississippi\" ; \"is\" ) & PatternCount ( \"aaa\" ; \"AA\" )", "21"},
-    });
-}
-
-TEST_F(CalcTest, ChangedTexts) {
-    expect({
-        {"Substitute ( \"abcabc\" ; \"b\" ; \"xx\" )", "axxcaxxc"},
-        {"Substitute ( \"abcABC\" ; [ \"a\" ; \"b\" ] ; [ \"b\" ; \"c\" ] )", "cccABC"},
-        {"Substitute ( \"abc\" ; [ \"b\" ; \"\" ] )", "ac"},
-        {"Substitute ( \"abc\" ; [ \"b\" ] )", "error 1201"},
-        {"Substitute ( \"abc\" ; [ \"b\" ; \"c\" )", "error 1212"},
-        {"Left ( [ \"b\" ; 1 ] )", "error 1211"},
-        {"Replace ( \"abcdef\" ; 2 ; 3 ; \"X\" ) & Replace ( \"abc\" ; 9 ; 1 ; \"!\" )", "aXefabc!"},
-        {"Upper ( \"straße é\" ) & Lower ( \"ÀÉ\" ) & Proper ( \"two wORDS o'clock\" )",
-         "STRASSE ÉàéTwo Words O'clock"},
-        {"Trim ( \"  a b  \" ) & \"|\"", "a b|"},
-        {"TrimAll ( \"  Julian   Scott  \" ; 0 ; 0 )", "Julian Scott"},
-        {"Filter ( \"(408)555-1212\" ; \"0123456789\" )", "4085551212"},
-        {"FilterValues ( \"a¶b¶c¶a\" ; \"C¶a\" )", "a\rc\ra\r"},
-        {"Exact ( \"a\" ; \"A\" ) & Exact ( \"é\" ; \"é\" )", "01"},
-        {"Char ( 97 ) & Char ( 8364 ) & Code ( \"a\" )", "a€97"},
-        {"Code ( \"\" )", ""},
-        {"Quote ( \"a \\\"b\\\" \\\\ ¶\" )", "\"a \\\"b\\\" \\\\ ¶\""},
-        {"List ( \"a\" ; \"\" ; \"b\" )", "a\rb"},
-        {"SerialIncrement ( \"abc12\" ; 9 ) & SerialIncrement ( \"n099\" ; 1 )", "abc21n100"},
-        {"GetAsText ( 012.50 ) & GetAsText ( Time ( 1 ; 2 ; 3 ) )", "12.51:02:03"},
-        {"GetAsNumber ( \"FY98.5x1\" )", "98.51", number},
-        {"GetAsDate ( \"2/29/2024\" )", "2/29/2024", date},
-        {"GetAsDate ( \"2/30/2024\" )", "?", invalid},
-        {"GetAsTime ( \"2:30:15\" )", "2:30:15", time},
-        {"GetAsTimestamp ( \"2/29/2024 2:30:15\" )", "2/29/2024 2:30:15", timestamp},
-    });
-}
-
 TEST_F(CalcTest, ResultsHaveTypes) {
     expect({
         {"Abs ( -1.5 )", "1.5", number},
@@ -211,33 +156,6 @@ TEST_F(CalcTest, ResultsHaveTypes) {
         {"TextEncode ( \"a\" ; \"utf-8\" ; 1 )", "text.txt", binary},
         {"Base64Decode ( \"YQ==\" )", "a"},
         {"CryptDigest ( \"a\" ; \"none\" )", "?", invalid},
-    });
-}
-
-TEST_F(CalcTest, LooksTravelAndAreWrittenAsCss) {
-    const std::string frank =
-        "TextStyleAdd ( TextColor ( TextSize ( TextFont ( \"Frank\" ; \"Helvetica\" ) ; 12 ) ; "
-        "RGB ( 255 ; 0 ; 0 ) ) ; bold + Plain )";
-    expect({
-        {"GetAsCSS ( " + frank + " )",
-         "<span style=\"font-family: 'Helvetica';font-size: 12px;color: #FF0000;font-weight: bold;"
-         "text-align: left;\">Frank</span>"},
-        {"GetAsCSS ( \"a<b&\" & TextStyleAdd ( \"c¶d\" ; Italic + Underline + Strikethrough ) )",
-         "<span style=\"text-align: left;\">a&lt;b&amp;</span><span style=\"font-style: italic;"
-         "text-decoration: underline line-through;text-align: left;\">c<br>\nd</span>"},
-        {"GetAsCSS ( \"a\" & Char ( 8232 ) & \"b\" )", "<span style=\"text-align: left;\">a<br>\nb</span>"},
-        {"GetAsCSS ( \"\" )", ""},
-        {"GetAsCSS ( TextStyleAdd ( TextStyleAdd ( 1 ; Bold + Titlecase ) ; Plain ) )",
-         "<span style=\"text-align: left;\">1</span>"},
-        {"GetAsCSS ( TextStyleRemove ( TextStyleAdd ( 1 ; AllStyles ) ; AllStyles ) )",
-         "<span style=\"text-align: left;\">1</span>"},
-        {"GetAsCSS ( TextSizeRemove ( TextSize ( 1 ; 9 ) & TextSize ( 2 ; 10 ) ; 9 ) )",
-         "<span style=\"text-align: left;\">1</span><span style=\"font-size: 10px;text-align: "
-         "left;\">2</span>"},
-        {"GetAsCSS ( TextFormatRemove ( " + frank + " ) )", "<span style=\"text-align: left;\">Frank</span>"},
-        {"GetAsCSS ( TextColorRemove ( TextFontRemove ( TextSizeRemove ( TextStyleRemove ( " + frank +
-             " ; Bold ) ) ) ; RGB ( 255 ; 0 ; 0 ) ) )",
-         "<span style=\"text-align: left;\">Frank</span>"},
     });
 }
 

@@ -173,6 +173,24 @@ TEST(TextFind, agreesWithTryingEveryPlace) {
     }
 }
 
+/// Long patterns of few letters, which end like their own beginnings.
+TEST(TextFind, agreesWithTheLibraryOnLongPatterns) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        std::mt19937 random(seed);
+        std::u16string units;
+        while (units.size() < 600)
+            units += random() % 12 == 0 ? u"b" : u"aa";
+        const std::size_t start = random() % 500, size = 33 + random() % 60;
+        const std::u16string wanted = units.substr(start, size) + (random() % 2 == 0 ? u"" : u"b");
+        for (std::uint32_t at = 0; at < units.size() + 2; at += 1 + random() % 40) {
+            const std::size_t found = units.find(wanted, at);
+            EXPECT_EQ(Text(units).find(Text(wanted), at),
+                      found == std::u16string::npos ? Text::end : static_cast<std::uint32_t>(found))
+                << "seed " << seed << " at " << at;
+        }
+    }
+}
+
 TEST(TextCompare, takesEmptyTexts) {
     for (const Text& text : {Text(), Text(u"abc")}) {
         EXPECT_EQ(text.findIgnoringCase(Text(), 0), Text::end);

@@ -12,7 +12,13 @@
 namespace host::calc {
 
 void addTextFunctions(FunctionTable& table);
+void addTrimFunctions(FunctionTable& table);
+void addConversionFunctions(FunctionTable& table);
 void addListFunctions(FunctionTable& table);
+void addSortFunctions(FunctionTable& table);
+void addAggregateFunctions(FunctionTable& table);
+void addRepeatingFunctions(FunctionTable& table);
+void addJapaneseFunctions(FunctionTable& table);
 void addNumberFunctions(FunctionTable& table);
 void addRealFunctions(FunctionTable& table);
 void addFinancialFunctions(FunctionTable& table);
@@ -25,6 +31,7 @@ void addEncodingFunctions(FunctionTable& table);
 void addCryptFunctions(FunctionTable& table);
 void addSignatureFunctions(FunctionTable& table);
 void addContainerFunctions(FunctionTable& table);
+void addMarkupFunctions(FunctionTable& table);
 
 DataRef textResult(Text text);
 DataRef numberResult(Decimal number);

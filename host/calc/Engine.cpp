@@ -36,6 +36,7 @@ constexpr std::array messages{
     Message{error::listNotAllowed, "list usage is not allowed here"},
     Message{error::operatorExpected, "an operator is expected here"},
     Message{error::alreadyDefined, "variable is already defined in Let"},
+    Message{error::fieldExpected, "function parameter holds an expression where a field is required"},
     Message{error::unknownKeyword, "keyword is unknown"},
     Message{8309, "SQL statement was refused"},
     Message{8310, "syntax error in SQL statement"},
@@ -114,9 +115,11 @@ void addRow(FunctionTable& table, const LazyRow& row) {
 
 FunctionTable::FunctionTable() {
     for (const auto addFamily :
-         {addTextFunctions, addListFunctions, addNumberFunctions, addRealFunctions, addFinancialFunctions,
-          addDateFunctions, addLogicFunctions, addGetFunctions, addStyleFunctions, addJsonFunctions,
-          addEncodingFunctions, addCryptFunctions, addSignatureFunctions, addContainerFunctions})
+         {addTextFunctions, addTrimFunctions, addConversionFunctions, addListFunctions, addSortFunctions,
+          addAggregateFunctions, addRepeatingFunctions, addJapaneseFunctions, addNumberFunctions,
+          addRealFunctions, addFinancialFunctions, addDateFunctions, addLogicFunctions, addGetFunctions,
+          addStyleFunctions, addMarkupFunctions, addJsonFunctions, addEncodingFunctions, addCryptFunctions,
+          addSignatureFunctions, addContainerFunctions})
         addFamily(*this);
 }
 

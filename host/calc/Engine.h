@@ -22,7 +22,8 @@ inline constexpr int none = 0, unavailable = 3, missingFile = 100, missingField 
                      unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
                      unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
                      nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
-                     operatorExpected = 1212, alreadyDefined = 1213, unknownKeyword = 1218;
+                     operatorExpected = 1212, alreadyDefined = 1213, fieldExpected = 1214,
+                     unknownKeyword = 1218;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
 std::string_view errorMessage(int code);

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdlib>
 #include <random>
-#include <vector>
 
 namespace host::calc {
 
@@ -103,38 +102,6 @@ DataRef random(Arguments) {
     return optionalResult(picked.dividedBy(Decimal(steps)));
 }
 
-std::vector<Decimal> numbersOf(Arguments arguments) {
-    std::vector<Decimal> numbers;
-    for (const DataRef& value : arguments)
-        if (auto number = value->number()) numbers.push_back(std::move(*number));
-    return numbers;
-}
-
-Decimal total(const std::vector<Decimal>& numbers) {
-    Decimal sum;
-    for (const Decimal& number : numbers)
-        sum = sum.plus(number);
-    return sum;
-}
-
-DataRef maximum(Arguments arguments) {
-    const auto numbers = numbersOf(arguments);
-    return numbers.empty() ? textResult({}) : numberResult(*std::max_element(numbers.begin(), numbers.end()));
-}
-DataRef minimum(Arguments arguments) {
-    const auto numbers = numbersOf(arguments);
-    return numbers.empty() ? textResult({}) : numberResult(*std::min_element(numbers.begin(), numbers.end()));
-}
-DataRef sum(Arguments arguments) { return numberResult(total(numbersOf(arguments))); }
-DataRef average(Arguments arguments) {
-    const auto numbers = numbersOf(arguments);
-    return optionalResult(total(numbers).dividedBy(Decimal(static_cast<std::int64_t>(numbers.size()))));
-}
-DataRef count(Arguments arguments) {
-    return numberResult(std::count_if(arguments.begin(), arguments.end(),
-                                      [](const DataRef& value) { return !value->isEmpty(); }));
-}
-
 constexpr std::array rows{
     EagerRow{u"Abs", 1, 1, ofValid<absolute>},
     EagerRow{u"Ceiling", 1, 1, ofValid<ceiling>},
@@ -149,11 +116,6 @@ constexpr std::array rows{
     EagerRow{u"Sign", 1, 1, ofValid<sign>},
     EagerRow{u"Sqrt", 1, 1, ofValid<squareRoot>},
     EagerRow{u"Truncate", 2, 2, ofValid<truncate>},
-    EagerRow{u"Max", 1, -1, maximum},
-    EagerRow{u"Min", 1, -1, minimum},
-    EagerRow{u"Sum", 1, -1, sum},
-    EagerRow{u"Average", 1, -1, average},
-    EagerRow{u"Count", 1, -1, count},
 };
 
 } // namespace

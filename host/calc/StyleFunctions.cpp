@@ -90,13 +90,13 @@ Color colorOf(const Data& value) {
     return {.red = byte(16), .green = byte(8), .blue = byte(0)};
 }
 
-/// 0 for what is no size.
+/// A size in points; 0 for a number that cannot be one.
 std::uint16_t sizeOf(const Data& value) {
     const std::int64_t size = value.asNumber().toInt64();
     return size < 1 || size > 0xFFFF ? 0 : static_cast<std::uint16_t>(size);
 }
 
-/// A trait that a function sets by its second argument; a value that is none leaves the style empty.
+/// A trait that a function sets by its second argument. An unusable value leaves the style empty.
 using Trait = CharacterStyle (*)(Evaluation& evaluation, const Data& value);
 
 CharacterStyle colorTrait(Evaluation&, const Data& value) {
@@ -143,13 +143,10 @@ DataRef removeTrait(Evaluation& evaluation, Arguments arguments) {
     const CharacterStyle wanted = trait(evaluation, *arguments[1]);
     if (wanted.isAllDisabled()) return textResult(std::move(text));
     Text result;
-    const auto& runs = text.runs();
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const std::uint32_t end = i + 1 < runs.size() ? runs[i + 1].start : text.size();
-        RunStyle look = runs[i].look;
+    text.forEachRun([&](std::u16string_view units, RunStyle look) {
         if (hasTrait(look.style, wanted)) look.style.remove(any);
-        result.append(text.units().substr(runs[i].start, end - runs[i].start), look);
-    }
+        result.append(units, look);
+    });
     return textResult(std::move(result));
 }
 
@@ -159,109 +156,11 @@ DataRef textFormatRemove(Arguments arguments) {
     return textResult(std::move(text));
 }
 
-/// Faces as CSS says them; those of one property stand together.
-struct FaceCss {
-    std::uint16_t mask, faces;
-    std::u16string_view property, value;
-};
-constexpr std::array faceCss{
-    FaceCss{face::bold, face::bold, u"font-weight", u"bold"},
-    FaceCss{face::italic, face::italic, u"font-style", u"italic"},
-    FaceCss{face::underline, face::underline, u"text-decoration", u"underline"},
-    FaceCss{face::wordUnderline, face::wordUnderline, u"text-decoration", u"underline"},
-    FaceCss{face::doubleUnderline, face::doubleUnderline, u"text-decoration", u"underline double"},
-    FaceCss{face::strikethrough, face::strikethrough, u"text-decoration", u"line-through"},
-    FaceCss{face::highlight, face::highlight, u"background-color", u"#FFFF00"},
-    FaceCss{face::condense, face::condense, u"font-stretch", u"condensed"},
-    FaceCss{face::extend, face::extend, u"font-stretch", u"expanded"},
-    FaceCss{face::smallCaps, face::smallCaps, u"font-variant", u"small-caps"},
-    FaceCss{face::superscript, face::superscript, u"vertical-align", u"super"},
-    FaceCss{face::subscript, face::subscript, u"vertical-align", u"sub"},
-    FaceCss{face::caseMask, face::uppercase, u"text-transform", u"uppercase"},
-    FaceCss{face::caseMask, face::lowercase, u"text-transform", u"lowercase"},
-    FaceCss{face::caseMask, face::titlecase, u"text-transform", u"capitalize"},
-};
-constexpr std::array<std::u16string_view, 4> alignments{u"left", u"center", u"right", u"full"};
-
-std::u16string hexadecimal(const Color& color) {
-    constexpr std::u16string_view digits = u"0123456789ABCDEF";
-    std::u16string text = u"#";
-    for (const std::uint8_t channel : {color.red, color.green, color.blue}) {
-        text += digits[channel / 16];
-        text += digits[channel % 16];
-    }
-    return text;
-}
-
-std::u16string decimal(std::uint16_t number) { return Decimal(number).text(); }
-
-std::u16string faceDeclarations(std::uint16_t faces) {
-    std::u16string css;
-    std::u16string_view property;
-    for (const FaceCss& row : faceCss) {
-        if ((faces & row.mask) != row.faces) continue;
-        if (row.property == property) {
-            css.insert(css.size() - 1, u" " + std::u16string(row.value));
-            continue;
-        }
-        property = row.property;
-        css.append(property).append(u": ").append(row.value).append(u";");
-    }
-    return css;
-}
-
-struct Escape {
-    char16_t unit;
-    std::u16string_view text;
-};
-/// A return and the soft line break become line breaks, so that what comes out shows the lines that went in.
-constexpr std::array escapes{Escape{u'&', u"&amp;"},  Escape{u'<', u"&lt;"},    Escape{u'>', u"&gt;"},
-                             Escape{u'"', u"&quot;"}, Escape{u'\r', u"<br>\n"}, Escape{u'\u2028', u"<br>\n"}};
-
-std::u16string escaped(std::u16string_view units) {
-    std::u16string html;
-    for (const char16_t unit : units) {
-        const auto row = std::find_if(escapes.begin(), escapes.end(),
-                                      [unit](const Escape& escape) { return escape.unit == unit; });
-        if (row == escapes.end())
-            html += unit;
-        else
-            html += row->text;
-    }
-    return html;
-}
-
-std::u16string declarations(FileContext& file, const RunStyle& look) {
-    std::u16string css;
-    const CharacterStyle& style = look.style;
-    if (style.isFontEnabled())
-        if (const auto name = file.fontName(style.font())) css += u"font-family: '" + escaped(*name) + u"';";
-    if (style.isSizeEnabled()) css += u"font-size: " + decimal(style.size()) + u"px;";
-    if (style.isColorEnabled()) css += u"color: " + hexadecimal(style.color()) + u";";
-    css += faceDeclarations(style.faces());
-    css.append(u"text-align: ").append(alignments.at(static_cast<std::size_t>(look.alignment))).append(u";");
-    return css;
-}
-
-/// One span for every run of one look. Traits that are left to the field are left out.
-DataRef getAsCss(Evaluation& evaluation, Arguments arguments) {
-    const Text& text = arguments[0]->asText();
-    const auto& runs = text.runs();
-    std::u16string html;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const std::uint32_t end = i + 1 < runs.size() ? runs[i + 1].start : text.size();
-        html += u"<span style=\"" + declarations(evaluation.file(), runs[i].look) + u"\">" +
-                escaped(text.units().substr(runs[i].start, end - runs[i].start)) + u"</span>";
-        checkTextSize(html.size());
-    }
-    return textResult(std::move(html));
-}
-
 constexpr std::array lazyRows{
     LazyRow{u"TextStyleAdd", 2, 2, textStyleAdd, 1},
     LazyRow{u"TextStyleRemove", 2, 2, textStyleRemove, 1},
 };
-/// A font may be followed by a script, which says nothing here.
+/// The script that may follow a font changes nothing.
 constexpr std::array evaluationRows{
     EvaluationRow{u"TextColor", 2, 2, addTrait<colorTrait>},
     EvaluationRow{u"TextFont", 2, 3, addTrait<fontTrait>},
@@ -269,7 +168,6 @@ constexpr std::array evaluationRows{
     EvaluationRow{u"TextColorRemove", 1, 2, removeTrait<colorTrait, &CharacterStyle::enableColor>},
     EvaluationRow{u"TextFontRemove", 1, 3, removeTrait<fontTrait, &CharacterStyle::enableFont>},
     EvaluationRow{u"TextSizeRemove", 1, 2, removeTrait<sizeTrait, &CharacterStyle::enableSize>},
-    EvaluationRow{u"GetAsCSS", 1, 1, getAsCss},
 };
 constexpr std::array eagerRows{
     EagerRow{u"RGB", 3, 3, rgb},

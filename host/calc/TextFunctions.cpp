@@ -1,10 +1,13 @@
 #include "host/calc/Arguments.h"
 #include "host/calc/BuiltIns.h"
+#include "host/values/Search.h"
 
 #include <algorithm>
 #include <array>
-#include <unicode/uchar.h>
 #include <unicode/utf16.h>
+#include <vector>
+
+/// Parts of texts, search, and changes.
 
 namespace host::calc {
 
@@ -12,6 +15,15 @@ namespace {
 
 std::uint32_t countOf(const DataRef& value) {
     return static_cast<std::uint32_t>(std::max<std::int64_t>(whole(value), 0));
+}
+
+std::vector<UChar32> charactersOf(std::u16string_view units) {
+    std::vector<UChar32> points;
+    for (std::size_t at = 0; at < units.size();) {
+        points.emplace_back();
+        U16_NEXT(units.data(), at, units.size(), points.back());
+    }
+    return points;
 }
 
 DataRef length(Arguments arguments) { return numberResult(arguments[0]->asText().size()); }
@@ -32,43 +44,46 @@ DataRef middle(Arguments arguments) {
     return textResult(arguments[0]->asText().substring(start, countOf(arguments[2])));
 }
 
-/// Position ( text ; wanted ; start ; occurrence ): backwards for a negative occurrence, 0 when absent.
+/// The place of a match, counted from 1 among those that begin up to `last`; 0 when there are not so many.
+std::int64_t placeOf(CaselessSearch search, std::int64_t occurrence, std::uint32_t last = Text::end) {
+    for (auto match = search.next(); match && match->start <= last; match = search.next())
+        if (--occurrence == 0) return std::int64_t{match->start} + 1;
+    return 0;
+}
+
+std::int64_t matchesUpTo(CaselessSearch search, std::uint32_t last) {
+    std::int64_t count = 0;
+    for (auto match = search.next(); match && match->start <= last; match = search.next())
+        ++count;
+    return count;
+}
+
+/// Position ( text ; wanted ; start ; occurrence ): 0 when absent, backwards for a negative occurrence.
+/// Occurrences may overlap.
 DataRef position(Arguments arguments) {
-    const Text& text = arguments[0]->asText();
-    const Text& wanted = arguments[1]->asText();
-    std::int64_t occurrence = whole(arguments[3]);
-    std::uint32_t at = std::max(countOf(arguments[2]), 1U) - 1;
-    const std::uint32_t step = std::max(wanted.size(), 1U);
-    const bool forwards = occurrence > 0;
-    for (occurrence = std::abs(occurrence); occurrence > 0; --occurrence) {
-        const std::uint32_t found =
-            forwards ? text.findIgnoringCase(wanted, at) : text.findBackwardIgnoringCase(wanted, at);
-        if (found == Text::end) return numberResult(0);
-        if (occurrence == 1) return numberResult(std::int64_t{found} + 1);
-        if (!forwards && found < step) return numberResult(0);
-        at = forwards ? found + step : found - step;
-    }
-    return numberResult(0);
+    const std::u16string_view text = arguments[0]->asText().units();
+    const std::u16string_view wanted = arguments[1]->asText().units();
+    const std::uint32_t start = std::max(countOf(arguments[2]), 1U) - 1;
+    const std::int64_t occurrence = whole(arguments[3]);
+    if (occurrence > 0) return numberResult(placeOf(CaselessSearch(text, wanted, start), occurrence));
+    if (occurrence == 0) return numberResult(0);
+    const CaselessSearch search(text, wanted);
+    return numberResult(placeOf(search, matchesUpTo(search, start) + 1 + occurrence, start));
 }
 
 DataRef patternCount(Arguments arguments) {
-    const std::u16string text = foldName(arguments[0]->asText().units());
-    const std::u16string wanted = foldName(arguments[1]->asText().units());
+    CaselessSearch search(arguments[0]->asText().units(), arguments[1]->asText().units());
     std::int64_t count = 0;
-    if (!wanted.empty())
-        for (std::size_t at = 0; (at = text.find(wanted, at)) != std::u16string::npos; at += wanted.size())
-            ++count;
+    for (; search.next(); ++count)
+        search.skipOverlaps();
     return numberResult(count);
 }
 
-/// One search and replacement; exact in case. What replaces brings its own style.
+/// One search and replacement, exact in case. The replacement brings its own style.
 Text substituteOne(const Text& text, const Text& wanted, const Text& replacement) {
-    if (wanted.empty()) return text;
     Text result;
     std::uint32_t from = 0;
-    for (;;) {
-        const std::uint32_t found = text.find(wanted, from);
-        if (found == Text::end) break;
+    for (std::uint32_t found = 0; (found = text.find(wanted, from)) != Text::end;) {
         result.append(text, from, found - from);
         result.append(replacement);
         checkTextSize(result.size());
@@ -81,8 +96,10 @@ Text substituteOne(const Text& text, const Text& wanted, const Text& replacement
 DataRef substitute(Arguments arguments) {
     if (arguments.size() % 2 == 0) throw Error{error::tooFewParameters};
     Text text = arguments[0]->asText();
-    for (std::size_t i = 1; i + 1 < arguments.size(); i += 2)
+    for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
         text = substituteOne(text, arguments[i]->asText(), arguments[i + 1]->asText());
+        Work::chargeText(text.size());
+    }
     return textResult(std::move(text));
 }
 
@@ -98,73 +115,45 @@ DataRef upper(Arguments arguments) { return textResult(arguments[0]->asText().wi
 DataRef lower(Arguments arguments) { return textResult(arguments[0]->asText().withCase(Text::Case::lower)); }
 DataRef proper(Arguments arguments) { return textResult(arguments[0]->asText().withCase(Text::Case::title)); }
 
-DataRef trim(Arguments arguments) {
-    const Text& text = arguments[0]->asText();
-    const std::size_t first = text.units().find_first_not_of(u' ');
-    if (first == std::u16string_view::npos) return textResult({});
-    const std::size_t last = text.units().find_last_not_of(u' ');
-    return textResult(
-        text.substring(static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(last - first + 1)));
-}
-
-/// TrimAll ( text ; trimSpaces ; trimType ): how many blanks stay in a gap depends on the scripts on both
-/// sides.
-DataRef trimAll(Arguments arguments) {
-    const Text& text = arguments[0]->asText();
-    const std::u16string_view units = text.units();
-    const bool wideToo = arguments[1]->asBoolean();
-    const std::int64_t type = std::clamp<std::int64_t>(whole(arguments[2]), 0, 3);
-    const auto isBlank = [&](char16_t unit) { return unit == u' ' || (wideToo && unit == u'\u3000'); };
-    const auto isRoman = [](char16_t unit) { return unit < 0x2E80; };
-    const auto keepsBlank = [&](char16_t before, char16_t after, bool gap) {
-        if (type == 3) return false;
-        if (isRoman(before) && isRoman(after)) return gap;
-        if (isRoman(before) == isRoman(after)) return false;
-        return type == 1 || (type == 2 && gap);
-    };
-    Text result;
-    std::uint32_t written = text.size(); // none yet
-    bool gap = false;
-    for (std::uint32_t i = 0; i < text.size(); ++i) {
-        if (isBlank(units[i])) {
-            gap = true;
-            continue;
-        }
-        if (written != text.size() && keepsBlank(units[written], units[i], gap))
-            result.append(std::u16string_view(u" "), text.lookAt(i));
-        result.append(text, i, 1);
-        written = i;
-        gap = false;
-    }
-    return textResult(std::move(result));
-}
-
+/// The characters of a text that occur in another one.
 DataRef filter(Arguments arguments) {
     const Text& text = arguments[0]->asText();
-    std::u16string allowed(arguments[1]->asText().units());
-    std::sort(allowed.begin(), allowed.end());
+    const std::vector<UChar32> allowed = [&] {
+        std::vector<UChar32> points = charactersOf(arguments[1]->asText().units());
+        std::sort(points.begin(), points.end());
+        return points;
+    }();
     Text result;
-    std::uint32_t from = 0;
-    for (std::uint32_t i = 0; i <= text.size(); ++i) {
-        if (i < text.size() && std::binary_search(allowed.begin(), allowed.end(), text.units()[i])) continue;
-        result.append(text, from, i - from);
-        from = i + 1;
+    std::uint32_t from = 0, at = 0;
+    while (at < text.size()) {
+        const std::uint32_t start = at;
+        UChar32 point = 0;
+        U16_NEXT(text.units().data(), at, text.size(), point);
+        if (std::binary_search(allowed.begin(), allowed.end(), point)) continue;
+        result.append(text, from, start - from);
+        from = at;
     }
+    result.append(text, from);
     return textResult(std::move(result));
 }
 
-DataRef exact(Arguments arguments) { return booleanResult(arguments[0]->asText() == arguments[1]->asText()); }
+DataRef exact(Arguments arguments) {
+    const Data &left = *arguments[0], &right = *arguments[1];
+    const bool areContainers =
+        left.nativeType() == DataType::binary && right.nativeType() == DataType::binary;
+    return booleanResult(areContainers ? left.asBinary() == right.asBinary()
+                                       : left.asText() == right.asText());
+}
 
 /// Several characters stand in one number, five digits each, the first in the lowest.
-constexpr int codeDigits = 5;
-constexpr std::int64_t codeBase = 100'000;
+constexpr std::size_t kCodeDigits = 5, kMostCodes = Decimal::maximumIntegerDigits / kCodeDigits;
 
 DataRef character(Arguments arguments) {
-    std::u16string digits = arguments[0]->asNumber().truncated(0).text();
     if (arguments[0]->asNumber().sign() < 0) return questionMark();
+    std::u16string digits = arguments[0]->asNumber().truncated(0).text();
     std::u16string units;
     while (!digits.empty()) {
-        const std::size_t start = digits.size() > codeDigits ? digits.size() - codeDigits : 0;
+        const std::size_t start = digits.size() - std::min(digits.size(), kCodeDigits);
         UChar32 code = 0;
         for (const char16_t digit : digits.substr(start))
             code = code * 10 + (digit - u'0');
@@ -180,59 +169,60 @@ DataRef character(Arguments arguments) {
 
 DataRef code(Arguments arguments) {
     const std::u16string_view units = arguments[0]->asText().units();
-    constexpr std::size_t mostCharacters = 40;
-    Decimal number, place(1);
-    std::size_t at = 0;
-    for (std::size_t count = 0; at < units.size() && count < mostCharacters; ++count) {
-        UChar32 point = 0;
-        U16_NEXT(units.data(), at, units.size(), point);
-        number = number.plus(place.times(Decimal(point)));
-        place = place.times(Decimal(codeBase));
+    if (units.empty()) return emptyResult();
+    if (units.size() > kMostCodes) return questionMark();
+    std::u16string digits;
+    for (const char16_t unit : units) {
+        const std::u16string number = Decimal(unit).text();
+        digits.insert(0, std::u16string(kCodeDigits - number.size(), u'0') + number);
     }
-    if (units.empty()) return textResult({});
-    return numberResult(number);
+    return numberResult(Decimal::parse(digits).value_or(Decimal()));
 }
 
+struct Escape {
+    char16_t unit;
+    std::u16string_view text;
+};
+constexpr std::array kEscapes{Escape{u'"', u"\\\""}, Escape{u'\\', u"\\\\"}, Escape{u'¶', u"\\¶"},
+                              Escape{u'\r', u"¶"}};
+
+/// The text as a text constant that stands for it.
 DataRef quote(Arguments arguments) {
-    std::u16string quoted = u"\"";
-    for (const char16_t unit : arguments[0]->asText().units()) {
-        if (unit == u'"' || unit == u'\\') quoted += u'\\';
-        quoted += unit == u'\r' ? u'¶' : unit;
+    const Text& text = arguments[0]->asText();
+    const std::u16string_view mark = u"\"";
+    Text quoted;
+    quoted.append(mark);
+    for (std::uint32_t i = 0; i < text.size(); ++i) {
+        const auto* escape = std::find_if(kEscapes.begin(), kEscapes.end(),
+                                          [&](const Escape& row) { return row.unit == text.units()[i]; });
+        if (escape == kEscapes.end())
+            quoted.append(text, i, 1);
+        else
+            quoted.append(escape->text, text.lookAt(i));
     }
-    return textResult(quoted + u'"');
+    quoted.append(mark);
+    return textResult(std::move(quoted));
 }
 
-/// Adds to the last group of digits, which keeps its width.
+/// Adds to the last run of digits, which keeps its width; adds a run to a text without one.
 DataRef serialIncrement(Arguments arguments) {
-    const std::u16string text(arguments[0]->asText().units());
-    const Decimal step = arguments[1]->asNumber().truncated(0);
-    const std::size_t last = text.find_last_of(u"0123456789");
-    if (last == std::u16string::npos) return textResult(text + step.text());
-    const std::size_t before = text.find_last_not_of(u"0123456789", last);
-    const std::size_t first = before == std::u16string::npos ? 0 : before + 1;
-    const auto number = Decimal::parse(text.substr(first, last + 1 - first));
+    constexpr std::u16string_view kDigits = u"0123456789";
+    Text text = arguments[0]->asText();
+    const std::u16string_view units = text.units();
+    const std::size_t end = units.find_last_of(kDigits) + 1;
+    const std::size_t start = end == 0 ? units.size() : units.find_last_not_of(kDigits, end - 1) + 1;
+    const std::size_t width = end == 0 ? 0 : end - start;
+    const auto number = width == 0 ? Decimal() : Decimal::parse(units.substr(start, width));
     if (!number) return questionMark();
-    const Decimal next = number->plus(step);
-    std::u16string digits = (next.sign() < 0 ? next.negated() : next).text();
-    if (const std::size_t width = last + 1 - first; digits.size() < width)
-        digits.insert(0, width - digits.size(), u'0');
-    return textResult(text.substr(0, first) + digits + text.substr(last + 1));
-}
-
-DataRef asText(Arguments arguments) { return textResult(arguments[0]->asText()); }
-
-DataRef asNumber(Arguments arguments) {
-    const auto number = arguments[0]->number();
-    if (number) return numberResult(*number);
-    Data empty;
-    empty.setText({}, DataType::number);
-    return std::make_shared<const Data>(std::move(empty));
-}
-
-template<DataType type>
-DataRef asDateTime(Arguments arguments) {
-    const auto value = arguments[0]->dateTime(type);
-    return value ? std::make_shared<const Data>(*value, type) : questionMark();
+    const Decimal next = number->plus(arguments[1]->asNumber().truncated(0));
+    std::u16string digits = next.text();
+    if (const std::size_t sign = next.sign() < 0 ? 1 : 0; digits.size() < width + sign)
+        digits.insert(sign, width + sign - digits.size(), u'0');
+    const auto at = static_cast<std::uint32_t>(start);
+    const RunStyle look = text.lookAt(at);
+    text.erase(at, static_cast<std::uint32_t>(width));
+    text.insert({std::move(digits), look}, at);
+    return textResult(std::move(text));
 }
 
 constexpr std::array rows{
@@ -247,19 +237,12 @@ constexpr std::array rows{
     EagerRow{u"Upper", 1, 1, upper},
     EagerRow{u"Lower", 1, 1, lower},
     EagerRow{u"Proper", 1, 1, proper},
-    EagerRow{u"Trim", 1, 1, trim},
-    EagerRow{u"TrimAll", 3, 3, trimAll},
     EagerRow{u"Filter", 2, 2, filter},
     EagerRow{u"Exact", 2, 2, exact},
     EagerRow{u"Char", 1, 1, character},
     EagerRow{u"Code", 1, 1, code},
     EagerRow{u"Quote", 1, 1, quote},
     EagerRow{u"SerialIncrement", 2, 2, serialIncrement},
-    EagerRow{u"GetAsText", 1, 1, asText},
-    EagerRow{u"GetAsNumber", 1, 1, asNumber},
-    EagerRow{u"GetAsDate", 1, 1, asDateTime<DataType::date>},
-    EagerRow{u"GetAsTime", 1, 1, asDateTime<DataType::time>},
-    EagerRow{u"GetAsTimestamp", 1, 1, asDateTime<DataType::timestamp>},
 };
 
 } // namespace

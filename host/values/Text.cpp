@@ -1,6 +1,7 @@
 #include "host/values/Text.h"
 
 #include "host/values/Encoding.h"
+#include "host/values/Search.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -154,8 +155,7 @@ void Text::setAlignment(Alignment alignment, std::uint32_t position, std::uint32
 }
 
 std::uint32_t Text::find(const Text& wanted, std::uint32_t position) const {
-    if (wanted.empty()) return end;
-    const std::size_t found = units_.find(wanted.units_, position);
+    const std::size_t found = findUnits(units_, wanted.units_, position);
     return found == std::u16string::npos ? end : static_cast<std::uint32_t>(found);
 }
 

@@ -42,6 +42,14 @@ public:
     [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(units_.size()); }
     [[nodiscard]] bool empty() const { return units_.empty(); }
     [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
+    /// Calls `use` with the units and the look of each run, in order.
+    template<class Use>
+    void forEachRun(const Use& use) const {
+        for (std::size_t i = 0; i < runs_.size(); ++i) {
+            const std::size_t stop = i + 1 < runs_.size() ? runs_[i + 1].start : units_.size();
+            use(units().substr(runs_[i].start, stop - runs_[i].start), runs_[i].look);
+        }
+    }
     /// True when every character has the default look.
     [[nodiscard]] bool isPlain() const;
 

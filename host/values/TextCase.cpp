@@ -1,3 +1,5 @@
+#include "host/values/CaseFolding.h"
+#include "host/values/Search.h"
 #include "host/values/Text.h"
 
 #include <algorithm>
@@ -7,7 +9,7 @@
 #include <unicode/utf16.h>
 #include <vector>
 
-/// What depends on Unicode's case rules: mapping, folding, search without case.
+/// The text operations that depend on Unicode's case rules: mapping, folding, search without case.
 
 namespace host {
 
@@ -43,62 +45,6 @@ std::u16string withCaseOf(std::u16string_view units, Text::Case wanted) {
     });
 }
 
-std::u16string fold(std::u16string_view units) {
-    return mapped(units, [](char16_t* to, std::int32_t capacity, const char16_t* from, std::int32_t size,
-                            UErrorCode* status) {
-        return u_strFoldCase(to, capacity, from, size, U_FOLD_CASE_DEFAULT, status);
-    });
-}
-
-/// As much of a text, from a position on, as was folded so far, and where each folded unit came from.
-class Folded {
-public:
-    Folded(std::u16string_view source, std::size_t from) : source_(source), next_(from) {}
-
-    /// Folds the characters that begin before `stop`.
-    void extendTo(std::size_t stop) {
-        stop = std::min(stop, source_.size());
-        while (next_ < stop) {
-            const std::size_t start = next_;
-            UChar32 point = 0;
-            U16_NEXT(source_.data(), next_, source_.size(), point);
-            if (point < 0x80) {
-                units_ += static_cast<char16_t>(u_foldCase(point, U_FOLD_CASE_DEFAULT));
-            } else {
-                units_ += fold(source_.substr(start, next_ - start));
-            }
-            origins_.resize(units_.size(), static_cast<std::uint32_t>(start));
-        }
-    }
-
-    [[nodiscard]] bool isComplete() const { return next_ >= source_.size(); }
-    [[nodiscard]] const std::u16string& units() const { return units_; }
-    [[nodiscard]] std::uint32_t origin(std::size_t at) const { return origins_[at]; }
-    /// The first folded unit of a character behind a position of the source.
-    [[nodiscard]] std::size_t firstBehind(std::uint32_t position) const {
-        const auto behind = std::upper_bound(origins_.begin(), origins_.end(), position);
-        return static_cast<std::size_t>(behind - origins_.begin());
-    }
-    /// True when a match begins and ends on whole characters of the source.
-    [[nodiscard]] bool isWhole(std::size_t at, std::size_t size) const {
-        return isBoundary(at) && isBoundary(at + size);
-    }
-
-private:
-    [[nodiscard]] bool isBoundary(std::size_t at) const {
-        return at == 0 || at == units_.size() || origins_[at] != origins_[at - 1];
-    }
-
-    std::u16string_view source_;
-    std::size_t next_;
-    std::u16string units_;
-    std::vector<std::uint32_t> origins_;
-};
-
-/// A search folds this much more than the pattern at first, then twice as much each time: a caller that goes
-/// from match to match does not pay for the whole text at every step.
-constexpr std::size_t firstWindow = 256;
-
 /// How many units of a mapping came from `character`, whose mapping `rest` begins with.
 std::size_t mappedSize(std::u16string_view character, std::u16string_view rest, Text::Case wanted) {
     const bool title = wanted == Text::Case::title;
@@ -107,7 +53,35 @@ std::size_t mappedSize(std::u16string_view character, std::u16string_view rest, 
     return !title || rest.starts_with(alone) ? alone.size() : withCaseOf(character, wanted).size();
 }
 
+/// A backward search looks this far before the pattern's place at first, then twice as far each time: a
+/// caller that goes from match to match does not pay for the whole text at every step.
+constexpr std::size_t kFirstWindow = 256;
+
 } // namespace
+
+std::u16string foldCase(std::u16string_view units) {
+    if (std::all_of(units.begin(), units.end(), isAscii)) {
+        std::u16string folded(units);
+        std::transform(folded.begin(), folded.end(), folded.begin(), foldAscii);
+        return folded;
+    }
+    return mapped(units, [](char16_t* to, std::int32_t capacity, const char16_t* from, std::int32_t size,
+                            UErrorCode* status) {
+        return u_strFoldCase(to, capacity, from, size, U_FOLD_CASE_DEFAULT, status);
+    });
+}
+
+FoldedCharacter foldOther(char32_t character) {
+    FoldedCharacter folded{};
+    std::array<char16_t, 2> units{};
+    std::int32_t size = 0;
+    U16_APPEND_UNSAFE(units.data(), size, character);
+    UErrorCode status = U_ZERO_ERROR;
+    folded.size = static_cast<std::size_t>(u_strFoldCase(folded.units.data(), std::ssize(folded.units),
+                                                         units.data(), size, U_FOLD_CASE_DEFAULT, &status));
+    check(status);
+    return folded;
+}
 
 Text Text::withCase(Case wanted) const {
     // The mapping sees across runs (words, the final sigma); the looks are laid over it afterwards.
@@ -137,36 +111,24 @@ Text Text::withCase(Case wanted) const {
 }
 
 std::uint32_t Text::findIgnoringCase(const Text& wanted, std::uint32_t position) const {
-    if (wanted.empty() || position >= size()) return end;
-    const std::u16string pattern = fold(wanted.units_);
-    Folded text(units_, position);
-    std::size_t from = 0;
-    for (std::size_t window = pattern.size() + firstWindow;; window *= 2) {
-        text.extendTo(position + window);
-        for (std::size_t at = from; (at = text.units().find(pattern, at)) != std::u16string::npos; ++at)
-            if (text.isWhole(at, pattern.size())) return text.origin(at);
-        if (text.isComplete()) return end;
-        // Only a match that reaches past what was folded is still to come.
-        from = text.units().size() - pattern.size() + 1;
-    }
+    const auto match = CaselessSearch(units_, wanted.units_, position).next();
+    return match ? match->start : end;
 }
 
 std::uint32_t Text::findBackwardIgnoringCase(const Text& wanted, std::uint32_t position) const {
     if (wanted.empty() || empty()) return end;
-    const std::u16string pattern = fold(wanted.units_);
     position = std::min(position, size() - 1);
-    for (std::size_t window = pattern.size() + firstWindow;; window *= 2) {
+    // No character folds to fewer units than it has: a match is no longer than its pattern.
+    std::size_t stop = std::min<std::size_t>(size(), std::size_t{position} + wanted.size());
+    U16_SET_CP_LIMIT(units_.data(), 0, stop, units_.size());
+    for (std::size_t window = wanted.size() + kFirstWindow;; window *= 2) {
         std::size_t start = position - std::min<std::size_t>(position, window);
         U16_SET_CP_START(units_.data(), 0, start);
-        Folded text(units_, start);
-        // No character folds to fewer units than it has: a match is no longer than its pattern.
-        text.extendTo(position + pattern.size());
-        for (std::size_t at = text.firstBehind(position); at > 0;) {
-            at = text.units().rfind(pattern, at - 1);
-            if (at == std::u16string::npos) break;
-            if (text.isWhole(at, pattern.size())) return text.origin(at);
-        }
-        if (start == 0) return end;
+        CaselessSearch search(units().substr(0, stop), wanted.units_, start);
+        std::uint32_t last = end;
+        for (auto match = search.next(); match && match->start <= position; match = search.next())
+            last = match->start;
+        if (last != end || start == 0) return last;
     }
 }
 

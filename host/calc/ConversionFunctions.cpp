@@ -1,0 +1,45 @@
+#include "host/calc/Arguments.h"
+#include "host/calc/BuiltIns.h"
+
+#include <array>
+
+/// Values read as another type.
+
+namespace host::calc {
+
+namespace {
+
+/// The data of a container has no text; a container that only names a file gives the name.
+DataRef asText(Arguments arguments) {
+    const Data& value = *arguments[0];
+    if (!value.asBinary().streams().empty()) return questionMark();
+    return textResult(value.asText());
+}
+
+/// A value without a number is an empty number.
+DataRef asNumber(Arguments arguments) {
+    if (const auto number = arguments[0]->number()) return numberResult(*number);
+    Data empty;
+    empty.setText({}, DataType::number);
+    return std::make_shared<const Data>(std::move(empty));
+}
+
+template<DataType type>
+DataRef asDateTime(Arguments arguments) {
+    const auto value = arguments[0]->dateTime(type);
+    return value ? std::make_shared<const Data>(*value, type) : questionMark();
+}
+
+constexpr std::array rows{
+    EagerRow{u"GetAsText", 1, 1, asText},
+    EagerRow{u"GetAsNumber", 1, 1, asNumber},
+    EagerRow{u"GetAsDate", 1, 1, asDateTime<DataType::date>},
+    EagerRow{u"GetAsTime", 1, 1, asDateTime<DataType::time>},
+    EagerRow{u"GetAsTimestamp", 1, 1, asDateTime<DataType::timestamp>},
+};
+
+} // namespace
+
+void addConversionFunctions(FunctionTable& table) { addRows(table, rows); }
+
+} // namespace host::calc
