@@ -18,7 +18,7 @@ using WorkClock = std::chrono::steady_clock;
 
 constexpr int sqlRefused = 8309, sqlSyntax = 8310;
 
-constexpr int stepsBetweenLooks = 100; // one may handle a value of 16 MiB
+constexpr int stepsBetweenLooks = 100; // few, because one step may handle a value of 16 MiB
 constexpr std::int64_t memoryForAllTables = std::int64_t{512} << 20;
 constexpr std::size_t mostValues = 1'000'000, mostBytes = 256U << 20U;
 
@@ -39,10 +39,10 @@ struct Finalize {
 };
 using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-/// What may stand behind a statement.
+/// Whether a character may follow the end of a statement.
 bool mayFollow(char letter) { return letter == ' ' || letter == ';' || (letter >= '\t' && letter <= '\r'); }
 
-/// Whether an SQL error is one of grammar, told from its words: the engine has one code for all.
+/// Whether an SQL error is a syntax error. The message decides, because the engine has one code for all.
 bool isSyntaxError(int code, std::string_view words) {
     return (code & 0xFF) == SQLITE_ERROR &&
            ((words.starts_with("near \"") && words.ends_with(": syntax error")) ||
@@ -58,8 +58,8 @@ struct Database::Connection {
     Connection& operator=(const Connection&) = delete;
 
     void startWork() { deadline = WorkClock::now() + budget; }
-    /// The next statement of a script; null where there is only a comment or nothing. `script`, which
-    /// ends in a zero, is moved behind it.
+    /// The next statement of a script; null for a comment or nothing. `script` is zero-terminated and moves
+    /// to the end of the statement.
     Statement prepare(const char*& script, int& code) const;
     [[nodiscard]] calc::SqlAnswer failure(int code) const;
 
@@ -69,13 +69,13 @@ struct Database::Connection {
     sqlite3* handle = nullptr;
     std::chrono::milliseconds budget;
     WorkClock::time_point deadline;
-    bool mayUseTransactions = true; ///< while the schema is read
+    bool mayUseTransactions = true; ///< true while the schema is read
 };
 
 int Database::Connection::authorize(void* self, int action, const char* /*first*/, const char* second,
                                     const char* /*database*/, const char* /*trigger*/) {
     switch (action) {
-    case SQLITE_ATTACH: // VACUUM attaches too
+    case SQLITE_ATTACH: // refuses VACUUM as well
     case SQLITE_DETACH:
     case SQLITE_PRAGMA:
     case SQLITE_CREATE_VTABLE:
@@ -84,7 +84,7 @@ int Database::Connection::authorize(void* self, int action, const char* /*first*
     case SQLITE_SAVEPOINT:
         return static_cast<Connection*>(self)->mayUseTransactions ? SQLITE_OK : SQLITE_DENY;
     case SQLITE_FUNCTION: {
-        // The latter takes hours for two large objects, in a single step.
+        // json_patch takes hours for two large objects, in a single step.
         const auto is = [second](const char* name) { return sqlite3_stricmp(second, name) == 0; };
         return second != nullptr && (is("load_extension") || is("json_patch")) ? SQLITE_DENY : SQLITE_OK;
     }
@@ -105,7 +105,7 @@ Database::Connection::Connection(std::chrono::milliseconds budget) : budget(budg
     for (const Limit& limit : limits)
         sqlite3_limit(handle, limit.which, limit.value);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    // A quoted name is a name: one that is unknown is refused, not taken for a text.
+    // An unknown name in double quotes is an error, not a text.
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_set_authorizer(handle, authorize, this);
@@ -116,7 +116,7 @@ Database::Connection::Connection(std::chrono::milliseconds budget) : budget(budg
 
 Statement Database::Connection::prepare(const char*& script, int& code) const {
     sqlite3_stmt* statement = nullptr;
-    // Given a length, the engine would hold the whole script against the limit of one statement.
+    // With a length, the engine would apply the limit of one statement to the whole script.
     code = sqlite3_prepare_v2(handle, script, -1, &statement, &script);
     return Statement(statement);
 }
@@ -138,7 +138,7 @@ Database::Database(const std::string& schema, std::chrono::milliseconds budget)
         }
         const bool isStuck = rest == start; // at a zero byte
         if ((code == SQLITE_OK || code == SQLITE_DONE) && !isStuck) continue;
-        // The engine does not know the place of every error; then it is the statement's beginning.
+        // The statement's beginning stands for errors without a known position.
         const int inside = sqlite3_error_offset(connection_->handle);
         const char* const place = inside > 0 ? start + inside : std::find_if_not(start, end, mayFollow);
         const auto line = 1 + std::count(schema.c_str(), place, '\n');

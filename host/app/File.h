@@ -11,7 +11,7 @@ namespace host {
 class Session;
 class Database;
 
-/// An open file. See Session for how files come and go.
+/// An open file. Session opens and closes files.
 class File final : public calc::FileContext {
 public:
     /// Throws std::runtime_error when the tables cannot be made.
@@ -21,9 +21,9 @@ public:
     [[nodiscard]] std::uint64_t id() const { return id_; }
     [[nodiscard]] const std::u16string& name() const { return solution_.name; }
     [[nodiscard]] const Solution& solution() const { return solution_; }
-    /// By name, any case; null when there is none.
+    /// The script of that name, in any case; null when there is none.
     [[nodiscard]] const Script* script(std::u16string_view name) const;
-    /// From then on nothing can be evaluated or asked of the tables, and the session is no longer used.
+    /// Ends evaluation and SQL in the file; the session is no longer used.
     void markClosed();
 
     [[nodiscard]] bool isOpen() const override { return open_; }

@@ -16,8 +16,8 @@
 
 namespace host {
 
-/// What a row of the function table holds of its plug-in. The row outlives the plug-in where an expression
-/// still names it; the pointer is cleared when the function is withdrawn.
+/// The reference from a row of the function table to its plug-in. The pointer is cleared when the function
+/// is withdrawn, because the row lives on where a parsed expression uses it.
 struct PlugIn::Link {
     PlugIn* plugIn;
     std::int16_t id;
@@ -27,14 +27,15 @@ struct PlugIn::Link {
 namespace {
 
 constexpr const char* entryPointName = "FMExternCallProc";
-constexpr std::u16string_view hostVersionText = u"Kestrel Host 1.0"; // a literal: it ends in a zero
+constexpr std::u16string_view hostVersionText = u"Kestrel Host 1.0"; // zero-terminated, as a literal
 constexpr FMX_PtrType englishLanguage = 0;
 
 FMX_PtrType address(const void* pointer) { return reinterpret_cast<FMX_PtrType>(pointer); }
 
 FMX_ErrorCode startScript(const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl /*control*/,
                           const FMX_Data* parameter) {
-    // The control says what becomes of the script that runs; here the new one always waits for its end.
+    // The control decides about the running script. This host ignores it: a new script always waits for the
+    // end of the running one.
     Session* session = Session::current();
     if (session == nullptr) return calc::error::unspecific;
     try {
@@ -58,7 +59,8 @@ FMX_ErrorCode setToCurrentEnvironment(FMX_ExprEnv* environment) {
     }
 }
 
-/// The length of the name that a text begins with, in units: letters, digits and underscores, no digit first.
+/// The length in units of the name at the beginning of a text: letters, digits and underscores, no digit
+/// first.
 std::size_t nameLength(std::u16string_view text) {
     std::size_t end = 0;
     while (end < text.size()) {
@@ -100,7 +102,7 @@ PlugIn::~PlugIn() {
     shutdown();
     while (!functions_.empty())
         withdraw(functions_.size() - 1);
-    mainQueue().drop(*this); // neither run nor released without the library's code
+    mainQueue().drop(*this); // blocks need the library's code even to be released
     session_.leave(*this);
     ::dlclose(library_);
 }
@@ -119,7 +121,7 @@ void PlugIn::send(FMX_ExternCallStruct& block) {
     block.instanceID = address(this);
     block.cStartScript = startScript;
     block.cCurrentEnv = setToCurrentEnvironment;
-    // A message may be sent while another is served, which must find its block as it was.
+    // A nested message must leave the block of the outer message unchanged.
     const FMX_ExternCallStruct before = std::exchange(block_, block);
     const bool isNested = WorkOwner::running() == this;
     const Running running(this);
@@ -181,7 +183,8 @@ void PlugIn::sessionShutdown() {
 
 PlugIn::StringAnswer PlugIn::readString(int request, std::uint32_t units) {
     constexpr std::size_t guard = 4096;
-    // The buffer comes cleared, so a text needs no zero of its own behind it. No text looks like the guards.
+    // The buffer is cleared first, so a text needs no zero at its end. The guard zones hold private-use
+    // characters, which occur in no text.
     const auto original = [&](std::size_t place) {
         const bool isInside = place >= guard && place < guard + units;
         return static_cast<char16_t>(isInside ? 0 : 0xE000 | (place * 31 % 0x1000));
@@ -262,7 +265,7 @@ std::int16_t PlugIn::registerFunction(RegisteredFunction function) {
         if (link->plugIn == nullptr) throw calc::Error{calc::error::functionNotFound};
         const DataVect arguments(values.begin(), values.end());
         auto result = std::make_shared<Data>();
-        // The row may be withdrawn while the handler runs: after the call nothing of it is touched.
+        // The handler may withdraw its own row, so the row is not used after the call.
         const fmx::errcode error = link->plugIn->callHandler(
             link->id, link->handler, bridge::out<fmx::ExprEnv>(evaluation.environment()),
             bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(*result));

@@ -17,8 +17,8 @@ namespace {
 
 Session* currentSession = nullptr;
 
-/// Identifiers are never used twice in a process, so what outlives a session is not taken for a part of the
-/// next one.
+/// Identifiers are never used twice in a process, so an object that outlives its session is not mistaken for
+/// a part of the next one.
 std::uint64_t nextId() {
     static std::uint64_t last = 0;
     return ++last;
@@ -37,7 +37,7 @@ Session::Session()
 }
 
 Session::~Session() {
-    onScriptCall = nullptr; // those who listen may be gone
+    onScriptCall = nullptr; // the listeners may no longer exist
     onFileClosed = nullptr;
     end();
     setCurrent(nullptr);
@@ -59,7 +59,7 @@ Session* Session::current() { return currentSession; }
 std::int16_t Session::registerFunction(RegisteredFunction function) {
     if (auto* plugIn = static_cast<PlugIn*>(WorkOwner::running()))
         return plugIn->registerFunction(std::move(function));
-    // A plug-in may also register from a timer of its own, when no message runs.
+    // A plug-in may also register from its own timer, while no message runs.
     if (plugIns_.size() != 1) return calc::error::unspecific;
     return plugIns_.front()->registerFunction(std::move(function));
 }

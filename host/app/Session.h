@@ -13,22 +13,22 @@
 
 namespace host {
 
-/// An open file: its identifier, `$$` variables, fonts, scripts and tables. A file that has been closed stays
-/// alive for those who still refer to it, but nothing can be evaluated in it.
+/// An open file: its identifier, `$$` variables, fonts, scripts and tables. A closed file stays alive as long
+/// as something refers to it, but nothing can be evaluated in it.
 class File;
 class PlugIn;
 
-/// What a start-script call asked for.
+/// A start-script call and its result.
 struct ScriptCall {
     std::uint64_t fileId;
     std::u16string fileName, scriptName;
     DataRef parameter;
     int error = 0;
-    std::size_t depth = 1; ///< 1 when no script made the call, else one more than the script that did
+    std::size_t depth = 1; ///< 1 outside of scripts, otherwise one more than the calling script's
 };
 
-/// A user's session: the open files in the order they were opened, and where calculations run. One at a time
-/// in a process; FM_… functions find it through `Session::current`.
+/// A user's session: the open files, in the order in which they were opened, and the calculations in them. A
+/// process has one session at a time; FM_… functions find it through `Session::current`.
 class Session final : public Application {
 public:
     Session();
@@ -36,7 +36,7 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// The session FM_… functions serve; null when there is none.
+    /// The session of the FM_… functions; null when there is none.
     static Session* current();
 
     [[nodiscard]] std::uint64_t id() const { return id_; }
@@ -47,57 +47,57 @@ public:
     std::int16_t registerFunction(RegisteredFunction function) override;
     std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id) override;
 
-    /// Opens a solution (the first one is the file that calculates); throws std::runtime_error naming the
-    /// cause when its tables cannot be made or a file of that name is open.
+    /// Opens a solution and gives the file's identifier. Calculations run in the first open file. Throws
+    /// std::runtime_error with the cause when the tables cannot be made or a file of that name is open.
     std::uint64_t open(Solution solution);
-    /// Tells the plug-ins that a file closes, while it can still be asked, and closes it; false when no such
-    /// file is open.
+    /// Closes a file; false when no such file is open. The plug-ins get the file-shutdown message first,
+    /// while the file can still be used.
     bool close(std::uint64_t fileId);
-    /// Closes every file, drops what waits, on the main queue as well, and tells the plug-ins once that the
-    /// session is over. The destructor does it, but then most plug-ins have gone.
+    /// Closes every file, drops waiting scripts and the work on the main queue, and sends the plug-ins the
+    /// session-shutdown message once. The destructor calls it too, but most plug-ins are unloaded by then.
     void end();
     [[nodiscard]] std::vector<std::shared_ptr<File>> files() const;
-    /// The file that calculates: the first one still open; null when none is.
+    /// The file in which calculations run: the first open one; null when none is open.
     [[nodiscard]] std::shared_ptr<File> front() const;
     /// An open file by name, with or without extension, any case.
     [[nodiscard]] std::shared_ptr<File> find(std::u16string_view name) const;
 
-    /// A place to evaluate in, in a file, with variables of its own (top level of a calculation).
+    /// An environment in a file, with new `$` variables (the top level of a calculation).
     [[nodiscard]] calc::Environment environment(const std::shared_ptr<File>& file) const;
     /// The top level of the front file, whose `$` variables live as long as the session.
     [[nodiscard]] calc::Environment topLevel() const;
-    /// Evaluates at the top level of the front file; without one the error is 100.
+    /// Evaluates at the top level of the front file; the error is 100 when no file is open.
     calc::Result evaluate(std::u16string_view source);
 
-    /// The start-script call: 0, 100 (no such file open), 104 (no such script), or 3 where scripts started
-    /// one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
-    /// `runWaitingScripts`. Every call, accepted or not, is told to `onScriptCall`.
+    /// The start-script call. Gives 0, 100 (no such file is open), 104 (no such script), or 3 when scripts
+    /// started one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
+    /// `runWaitingScripts`. Every call, accepted or not, is reported to `onScriptCall`.
     int startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
-    /// Runs what waits and what that starts in turn, in order, each script's calculations in one variable
-    /// scope; an error in one does not stop the next. Gives the number run, at most kMostScriptsPerRun; what
-    /// is left then waits for the next call. A script whose file has closed meanwhile is dropped. Between the
-    /// calculations of a script the plug-ins are told that one runs (idle, kFMXT_ScriptRunning). A call from
-    /// within a script does nothing: scripts run one after another, never inside each other.
+    /// Runs the waiting scripts in order, and then the scripts that these start. Gives the number run, at
+    /// most kMostScriptsPerRun; the rest waits for the next call. The calculations of a script share one
+    /// variable scope; an error in one does not stop the next. Between them the plug-ins get an idle message
+    /// (kFMXT_ScriptRunning). A script is dropped when its file has closed. A call from within a script does
+    /// nothing: scripts run one after another, never inside each other.
     std::size_t runWaitingScripts();
     static constexpr std::size_t kMostScriptsPerRun = 10'000, kMostScriptDepth = 1'000,
                                  kMostWaitingScripts = 100'000;
     std::function<void(const ScriptCall&)> onScriptCall;
 
-    /// One turn of the host's loop, as it comes a few times a second while the user does nothing: what is due
-    /// on the main queue, an idle message (kFMXT_UserIdle), the scripts that wait.
+    /// One turn of the host's loop: the due work of the main queue, an idle message (kFMXT_UserIdle), the
+    /// waiting scripts. The app makes a few turns a second while the user does nothing.
     struct Turn {
-        std::size_t blocks = 0;      ///< run from the main queue
+        std::size_t blocks = 0;      ///< blocks run from the main queue
         std::size_t scriptCalls = 0; ///< start-script calls, accepted or not
-        std::size_t scripts = 0;     ///< run
+        std::size_t scripts = 0;     ///< scripts run
     };
     Turn turn();
-    /// Sends an idle message of any level to the plug-ins that are enabled.
+    /// Sends an idle message of the level to the enabled plug-ins.
     void idle(unsigned char level);
 
     /// Called when a file has closed.
     std::function<void(std::uint64_t fileId)> onFileClosed;
 
-    /// The plug-ins that are loaded; each joins when it is made and leaves when it is gone.
+    /// The loaded plug-ins. A plug-in joins in its constructor and leaves in its destructor.
     void join(PlugIn& plugIn) { plugIns_.push_back(&plugIn); }
     void leave(PlugIn& plugIn) { std::erase(plugIns_, &plugIn); }
     [[nodiscard]] const std::vector<PlugIn*>& plugIns() const { return plugIns_; }
@@ -108,7 +108,7 @@ private:
 
     std::uint64_t id_;
     bool hasEnded_ = false;
-    std::size_t runningDepth_ = 0; ///< of the script that runs; 0 while none does
+    std::size_t runningDepth_ = 0; ///< depth of the running script; 0 while none runs
     std::size_t scriptCalls_ = 0;
     std::shared_ptr<calc::FunctionTable> functions_;
     std::vector<std::shared_ptr<File>> files_;

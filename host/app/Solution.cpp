@@ -11,15 +11,15 @@
 #include <stdexcept>
 #include <string_view>
 
-// What the parser takes for impossible comes about: it asserts of some wrong headers, and its tables of
-// characters have no answer for a letter such as é outside of quotes. The first becomes a complaint, the
-// second "no".
+// Two inputs break assumptions of the parser. Some wrong table headers fail an assertion of it, which becomes
+// an exception here. A letter such as é outside of quotes reaches code that is marked unreachable, which
+// answers "no" here.
 #define TOML_ASSERT(expression)                                                                              \
     static_cast<void>((expression) ? 0 : throw std::logic_error("this is not TOML"))
 #define TOML_ASSERT_ASSUME TOML_ASSERT
 #define TOML_HEADER_ONLY 1
 #include <toml++/impl/preprocessor.h>
-// The order matters from here on.
+// The order of these includes matters: the first definition of the macro holds for one header only.
 #undef TOML_UNREACHABLE
 #define TOML_UNREACHABLE                                                                                     \
     return {}
@@ -36,7 +36,7 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t largestFile = 256U << 20U;
 
-/// Reads one description; every complaint names the file and the line.
+/// Reads one description; every error names the file and the line.
 class Reader {
 public:
     explicit Reader(std::string file) : file_(std::move(file)) {}
@@ -57,7 +57,7 @@ public:
         return fromUtf8(string->get());
     }
 
-    /// A text that can stand as one line of a list of names.
+    /// A text without control characters, so that it fits on one line of a list of names.
     std::u16string name(const toml::node& node, const std::string& what) const {
         std::u16string result = text(node, what);
         if (result.empty()) fail(node.source(), what + " is empty");

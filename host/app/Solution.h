@@ -11,7 +11,7 @@ struct Script {
     std::vector<std::u16string> calculations; ///< evaluated in order in one variable scope
 };
 
-/// A file as it stands on disk: a folder with `solution.toml` and, if it has tables, `schema.sql`.
+/// A file as stored on disk: a folder with `solution.toml` and, if it has tables, `schema.sql`.
 ///
 ///     name = "Contacts"            # the file's name, without extension
 ///     user = "Ada"                 # Get ( UserName ); optional, as is account
@@ -25,7 +25,7 @@ struct Solution {
     std::vector<Script> scripts;
     std::string schema; ///< SQL statements
 
-    /// Throws std::runtime_error with the file's name, the line where known, and what is wrong.
+    /// Throws std::runtime_error with the file's name, the line where it is known, and the problem.
     static Solution load(const std::filesystem::path& folder);
 };
 

@@ -44,8 +44,8 @@ void giveText(sqlite3_context* context, std::string_view text) {
                           SQLITE_UTF8);
 }
 
-/// Where `needle` first stands at or behind `from`; npos when nowhere. Linear, which the library's own
-/// search of a string is not.
+/// The first position of `needle` at or after `from`; npos when there is none. Linear, unlike the search of
+/// the standard library's string.
 std::size_t placeOf(std::string_view text, std::string_view needle, std::size_t from) {
     const std::string_view rest = text.substr(from);
     const auto* place =
@@ -53,7 +53,7 @@ std::size_t placeOf(std::string_view text, std::string_view needle, std::size_t 
     return place == nullptr ? std::string_view::npos : static_cast<std::size_t>(place - text.data());
 }
 
-/// In bytes between containers, otherwise in characters.
+/// The position counts bytes for two containers, otherwise characters.
 void instr(sqlite3_context* context, int /*count*/, Arguments arguments) {
     const bool inBytes = isBlob(arguments[0]) && isBlob(arguments[1]);
     const std::string_view text = inBytes ? blobOf(arguments[0]) : textOf(arguments[0]);
@@ -151,8 +151,8 @@ void glob(sqlite3_context* context, int /*count*/, Arguments arguments) {
     sqlite3_result_int(context, different == 0 ? 1 : 0);
 }
 
-/// What all have in common: no begin behind the deadline, nothing from nothing, no exception to the engine.
-/// A container matches no pattern, not even nothing, as the engine is built here.
+/// The frame of every function: no start after the deadline, NULL for a NULL argument, no exception into the
+/// engine. A container matches no pattern; the answer is 0 even for a NULL pattern, as in the engine.
 template<Implementation implementation, bool isMatch = false>
 void guarded(sqlite3_context* context, int count, Arguments arguments) {
     const auto* deadline =

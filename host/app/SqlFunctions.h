@@ -5,11 +5,11 @@
 
 namespace host {
 
-/// Replaces the engine's functions whose work grows with the product of two lengths: it looks at the clock
-/// between them, not within one. `instr`, `replace` and the trims give for well-formed text what the
-/// engine's own give, in linear time; `like` and `glob` refuse what would take seconds, and `like` also "%"
-/// and "_" as its escape. All refuse to begin behind `deadline`, which outlives the connection. Gives the
-/// engine's result code.
+/// Replaces the engine's functions whose time grows with the product of two lengths. The engine checks the
+/// clock between function calls, not within one. `instr`, `replace` and the trims are linear here, with the
+/// engine's results for well-formed text. `like` and `glob` refuse input that would take seconds; `like` also
+/// refuses "%" and "_" as its escape. No function starts after `deadline`, which outlives the connection.
+/// Gives the engine's result code.
 int boundFunctions(sqlite3* connection, const std::chrono::steady_clock::time_point& deadline);
 
 } // namespace host

@@ -20,7 +20,7 @@ constexpr int fractionDigits = 6;
 
 std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-/// The decimal number that a binary one stands for: the shortest that reads back as the same.
+/// The shortest decimal number that reads back as the same binary number.
 std::optional<Decimal> fromDouble(double value) {
     std::array<char, 64> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
@@ -47,7 +47,7 @@ std::string isoTime(const DateTime& value) {
     return {text.data(), static_cast<std::size_t>(size)};
 }
 
-/// Walks an ISO text.
+/// Reads the parts of an ISO date or time from the front of a text.
 class IsoReader {
 public:
     explicit IsoReader(std::u16string_view text) : rest_(text) {}
@@ -153,7 +153,7 @@ int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
     return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
-/// As UTF-8, the form that tables keep: asked for in another, the engine would turn the stored value around.
+/// Reads UTF-8, the encoding of the tables; for another encoding the engine would convert the stored value.
 std::u16string columnText(sqlite3_stmt* statement, int column) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
@@ -181,7 +181,7 @@ Data fromText(std::u16string text, DataType declared) {
 
 int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
     switch (value.nativeType()) {
-    // Not as UTF-16, of which the engine would take a leading U+FEFF for a mark of byte order.
+    // UTF-8, because the engine takes a leading U+FEFF of a UTF-16 text for a byte order mark.
     case DataType::text: return bindUtf8(statement, place, value.asText().utf8());
     case DataType::number:
     case DataType::boolean: {
@@ -208,7 +208,7 @@ DataType declaredType(const char* declaration) {
         std::string_view part;
         DataType type;
     };
-    // The first word that occurs decides, so the longer ones come first.
+    // The first word that occurs decides, so longer words stand before words that they contain.
     static constexpr std::array<Word, 14> words{{{"TIMESTAMP", DataType::timestamp},
                                                  {"DATETIME", DataType::timestamp},
                                                  {"DATE", DataType::date},

@@ -4,17 +4,17 @@
 
 #include <sqlite3.h>
 
-/// Values of calculations to SQL and back.
+/// Conversion of values between calculations and SQL.
 
 namespace host {
 
-/// Binds a value to a place counted from 1; gives the engine's result code.
+/// Binds a value to a parameter position, counted from 1. Gives the engine's result code.
 int bindValue(sqlite3_stmt* statement, int place, const Data& value);
 
-/// The kind of value that a declared column type stands for; invalid when it says nothing.
+/// The type of value that a declared column type stands for; invalid when it stands for none.
 DataType declaredType(const char* declaration);
 
-/// A column of the current row, read as the declared type where that can be done.
+/// A column of the current row, converted to the declared type where possible.
 DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared);
 
 } // namespace host
