@@ -27,7 +27,7 @@ MainQueue::Moment MainQueue::later(Moment when, std::int64_t nanoseconds) {
     constexpr std::int64_t perMicro = 1'000;
     if (when == forever) return forever;
     if (when == DISPATCH_TIME_NOW) when = now();
-    // Towards zero for a negative one, which is up as well.
+    // A negative quotient is rounded towards zero, which is up as well.
     const std::int64_t micros = nanoseconds / perMicro + (nanoseconds % perMicro > 0 ? 1 : 0);
     if (micros >= 0)
         return forever - when > static_cast<Moment>(micros) ? when + static_cast<Moment>(micros) : forever;
@@ -74,14 +74,14 @@ std::size_t MainQueue::drain() {
 void MainQueue::clear() {
     std::multimap<Moment, Item> waiting;
     std::deque<Item> due;
-    // Released when the lock is open again: what a block releases may use the queue.
+    // The work is released after the lock, because a destructor in it may use the queue.
     const std::lock_guard lock(mutex_);
     waiting.swap(waiting_);
     due.swap(due_);
 }
 
 void MainQueue::drop(const WorkOwner& owner) {
-    std::vector<Item> dropped; // released when the lock is open again
+    std::vector<Item> dropped; // released after the lock, as in clear
     const std::lock_guard lock(mutex_);
     const auto isOwned = [&owner](const Item& item) { return item.owner == &owner; };
     for (auto item = waiting_.begin(); item != waiting_.end();) {
@@ -142,10 +142,10 @@ void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block
     dispatch_block_t copy = Block_copy(block);
     if (copy == nullptr) return;
     try {
-        // However often the work is copied, there is one copy of the block.
+        // All copies of the work share one copy of the block.
         std::shared_ptr<const void> kept(static_cast<const void*>(copy), BlockRelease{});
         host::mainQueue().add(when, [kept, copy] { copy(); });
     } catch (const std::bad_alloc&) {
-        return; // the interface has no way to say so, and its callers catch nothing
+        return; // the interface has no error to report, and its callers catch nothing
     }
 }

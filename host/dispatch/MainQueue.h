@@ -13,34 +13,34 @@ namespace host {
 
 class WorkOwner;
 
-/// Work that plug-ins left for later, by its deadline on the host's clock: what stands behind the main queue
-/// of dispatch/dispatch.h. Work may be added on any thread; it runs where `drain` is called, in the host's
-/// loop, and nowhere else.
+/// The main queue of dispatch/dispatch.h: delayed work of plug-ins, ordered by its deadline on the host's
+/// clock. Work may be added on any thread. It runs only in `drain`, which the host's loop calls.
 class MainQueue {
 public:
-    /// Moments as the queue counts them: microseconds since the year 1, which is as finely as the host's
-    /// clock ticks and holds every date it can show. From 1; FOREVER of the interface is no moment.
+    /// A moment in microseconds since the year 1, from 1. The host's clock ticks in microseconds, and the
+    /// type holds every date of it. FOREVER of the interface is no moment.
     using Moment = std::uint64_t;
     static constexpr Moment forever = ~Moment{0};
     static Moment now();
-    /// Never early: a part of a microsecond counts as a whole one.
+    /// The moment `nanoseconds` after `when`, rounded up to a whole microsecond, so work never runs early.
     static Moment later(Moment when, std::int64_t nanoseconds);
 
     using Work = std::function<void()>;
-    /// Work that is due `forever` is dropped at once. It belongs to the plug-in whose code runs, if any.
+    /// Adds work for the plug-in whose code runs, if any. Work with the deadline `forever` is dropped at
+    /// once.
     void add(Moment when, Work work);
-    /// Runs what is due, by deadline and then in the order in which it was added; gives the number run. Work
-    /// that is added meanwhile waits for the next call, and a call from within does nothing. What throws is a
-    /// violation of its plug-in.
+    /// Runs the due work, by deadline and then in the order in which it was added. Gives the number run. Work
+    /// that is added meanwhile waits for the next call. A call from within the work does nothing. An
+    /// exception is a violation of the plug-in that added the work.
     std::size_t drain();
-    /// Drops everything, or what belongs to a plug-in, without running it.
+    /// Drops all work, or the work of one plug-in, without running it.
     void clear();
     void drop(const WorkOwner& owner);
 
     [[nodiscard]] std::size_t pending() const;
-    /// How long until something is due, on the host's clock: 0 when something is; nothing when nothing waits.
+    /// The time until the next deadline on the host's clock: 0 when work is due; no value when none waits.
     [[nodiscard]] std::optional<Clock::Micros> untilNext() const;
-    /// How much of the work has thrown so far.
+    /// The number of pieces of work that have thrown.
     [[nodiscard]] std::size_t failures() const { return failures_; }
 
 private:
@@ -51,15 +51,15 @@ private:
     void takeDue();
     std::optional<Item> nextDue();
 
-    mutable std::mutex mutex_; ///< of waiting_ and due_
+    mutable std::mutex mutex_; ///< guards waiting_ and due_
     std::multimap<Moment, Item> waiting_;
-    std::deque<Item> due_; ///< what the drain that runs has yet to run
+    std::deque<Item> due_; ///< the rest of the work of the current drain
     bool isDraining_ = false;
     std::size_t failures_ = 0;
 };
 
-/// The process's one. What still waits in it when the process ends is given up with the process: by then the
-/// code that it would run or release may be gone.
+/// The main queue of the process. It is never destroyed: at the end of the process the code that its work
+/// would run or release may already be unloaded.
 MainQueue& mainQueue();
 
 } // namespace host

@@ -4,13 +4,13 @@
 
 namespace host {
 
-/// The code that runs on a thread and that work on the main queue belongs to: a plug-in.
+/// The owner of running code and of work on the main queue: a plug-in.
 class WorkOwner {
 public:
     /// The owner whose code runs on this thread; null when none does.
     static WorkOwner* running();
-    /// Runs work as the owner's code, or as nobody's for null. False when the work threw; the owner then
-    /// gets `workThrew`.
+    /// Runs work as the owner's code; null stands for no owner. False when the work threw; `workThrew` of the
+    /// owner is called then.
     static bool run(WorkOwner* owner, const std::function<void()>& work);
 
     /// Marks code of an owner as running for as long as the mark lives. Marks nest.
