@@ -20,7 +20,7 @@ struct RegisteredFunction {
     fmx::ExtPluginType handler;
 };
 
-/// The running application, as the interface's functions need it. A session implements it.
+/// The running application, as the functions of the interface need it. Session implements it.
 class Application {
 public:
     /// The process's application; null when none runs.
@@ -28,10 +28,10 @@ public:
 
     /// The functions that calculations may call.
     [[nodiscard]] virtual const std::shared_ptr<calc::FunctionTable>& functions() const = 0;
-    /// Registers a function for the plug-in that calls. Answers 0, 1210 for a name or identifier that is
-    /// taken, 1200 for a name, prototype or counts that make no sense.
+    /// Registers a function for the calling plug-in. Gives 0, 1210 for a name or identifier that is taken, or
+    /// 1200 for an invalid name, prototype or count.
     virtual std::int16_t registerFunction(RegisteredFunction function) = 0;
-    /// Answers 0, or 1200 for a function that is not registered.
+    /// Withdraws a function. Gives 0, or 1200 for a function that is not registered.
     virtual std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id) = 0;
 
 protected:

@@ -25,7 +25,7 @@ namespace {
 
 const Data& valueAt(const void* self, fmx::uint32 position) { return *in<DataVect>(self).at(position); }
 
-/// The result is set when there is no error, and as it was otherwise.
+/// Evaluates the expression; the result stays unchanged on an error.
 fmx::errcode evaluate(const Environment& environment, const Text& expression, Data& result) {
     const host::Application* application = host::Application::current();
     if (application == nullptr) return host::calc::error::missingFile;

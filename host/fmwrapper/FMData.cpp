@@ -25,7 +25,7 @@ DataType typeOf(fmx::int32 number) {
                                                                              : static_cast<DataType>(number);
 }
 
-/// A date has no time of day and a time no day, whatever else the plug-in's value holds.
+/// A date keeps no time of day, and a time keeps no day.
 void setDateTime(void* self, const fmx::DateTime& given, DataType type, fmx::int32 nativeType) {
     DateTime value = in<DateTime>(&given);
     if (type == DataType::date) value.micros = 0;
@@ -33,7 +33,7 @@ void setDateTime(void* self, const fmx::DateTime& given, DataType type, fmx::int
     in<Data>(self).setDateTime(value, type, typeOf(nativeType));
 }
 
-/// The file of an environment knows the fonts; without a file there are none.
+/// The file of an environment, which knows the fonts; null when there is none.
 host::calc::FileContext* fileOf(const fmx::ExprEnv& env) {
     return in<host::calc::Environment>(&env).file.get();
 }

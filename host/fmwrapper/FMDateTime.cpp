@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::int64_t mostSeconds = (DateTime::lastDay + 1) * 86'400;
 
-/// Nothing longer than the calendar, in either direction, can be a time.
+/// Whether a number of seconds can be a time: at most the length of the calendar, in either direction.
 bool isTime(const Decimal& seconds) {
     return seconds <= Decimal(mostSeconds) && seconds >= Decimal(-mostSeconds);
 }
@@ -37,7 +37,7 @@ void setDays(DateTime& value, fmx::int64 days) {
     value.days = days;
 }
 
-/// The value stays as it was where the date leaves the calendar.
+/// The value stays unchanged when the date is outside of the calendar.
 fmx::errcode setDate(DateTime& value, std::int64_t year, std::int64_t month, std::int64_t day) {
     const auto date = DateTime::fromDate(year, month, day);
     if (!date) return host::calc::error::unspecific;
@@ -45,7 +45,7 @@ fmx::errcode setDate(DateTime& value, std::int64_t year, std::int64_t month, std
     return 0;
 }
 
-/// Minutes and seconds past 59 carry over; the value stays as it was where the sum can be no time.
+/// Minutes and seconds past 59 carry over. The value stays unchanged when the sum is no valid time.
 fmx::errcode setTime(DateTime& value, const Decimal& hour, const Decimal& minute, const Decimal& second) {
     for (const Decimal* part : {&hour, &minute, &second})
         if (!isTime(*part)) return host::calc::error::unspecific;
@@ -55,7 +55,7 @@ fmx::errcode setTime(DateTime& value, const Decimal& hour, const Decimal& minute
     return 0;
 }
 
-/// A timestamp, a date or a time, whichever the text is; the epoch when it is none.
+/// Reads a timestamp, a date or a time; gives the epoch for any other text.
 DateTime read(std::u16string_view text) {
     if (const auto moment = DateTime::parseTimestamp(text)) return *moment;
     return DateTime::parseTime(text).value_or(DateTime());

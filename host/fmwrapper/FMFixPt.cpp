@@ -13,7 +13,7 @@ namespace gate = host::gate;
 
 namespace {
 
-/// Keeps the number's own precision.
+/// Adds an amount; the number keeps its own precision.
 void add(void* self, const Decimal& amount) {
     Decimal& number = in<Decimal>(self);
     number = number.plus(amount);

@@ -19,8 +19,8 @@ namespace gate = host::gate;
 
 namespace {
 
-/// Wide characters are code points here; a surrogate or a number past the last one is none, and becomes the
-/// replacement character.
+/// Converts wide characters, which are code points on this platform. A surrogate or a number past the last
+/// code point becomes the replacement character.
 std::u16string fromWide(std::wstring_view wide) {
     constexpr char32_t replacement = 0xFFFD, lastCodePoint = 0x10FFFF, firstBeyond = 0x10000;
     std::u16string result;
@@ -59,7 +59,8 @@ std::size_t bytesOf(const Text& text, fmx::uint32 position, fmx::uint32 size, fm
                             capacity);
 }
 
-/// The interface changes case through a const pointer; the text behind it is the plug-in's own and not const.
+/// Changes the case of a text. The interface passes a const pointer, but the text itself is never const: the
+/// plug-in owns it.
 void mapCase(const void* self, Text::Case wanted) {
     Text& text = in<Text>(const_cast<void*>(self));
     text = text.withCase(wanted);

@@ -10,12 +10,12 @@
 #include <new>
 #include <utility>
 
-/// The one way into the host: every FM_… function passes here.
+/// The frame of every FM_… function.
 
 namespace host::gate {
 
-/// Counts the call, lets it fail when it is its turn, and turns exceptions into codes of the error slot: 1
-/// for lack of memory, 2 for everything else. A call that fails answers `fallback`.
+/// Counts the call, makes it fail when a fault is armed for it, and turns exceptions into codes of the error
+/// slot: 1 for lack of memory, 2 for everything else. A failing call gives `fallback`.
 template<class Answer, class Body>
 Answer call(fmx::_fmxcpt& slot, Answer fallback, Body&& body) {
     slot.m_code = faults().next();
@@ -38,21 +38,21 @@ void call(fmx::_fmxcpt& slot, Body&& body) {
     });
 }
 
-/// A call that answers a number, 0 when it fails. The body's number is narrowed to the interface's type.
+/// A call that gives a number, 0 when it fails. The body's number is narrowed to the interface's type.
 template<class Number, class Body>
 Number number(fmx::_fmxcpt& slot, Body&& body) {
     return call(slot, Number{}, [&] { return static_cast<Number>(std::forward<Body>(body)()); });
 }
 
-/// A call that answers an error code, 1200 when it fails.
+/// A call that gives an error code, 1200 when it fails.
 template<class Body>
 fmx::errcode code(fmx::_fmxcpt& slot, Body&& body) {
     return call(slot, fmx::errcode{calc::error::unspecific},
                 [&] { return static_cast<fmx::errcode>(std::forward<Body>(body)()); });
 }
 
-/// What a call that answers a reference answers when it fails: a caller that looks before it checks the slot
-/// sees an empty value.
+/// An empty value, the result of a failing call that gives a reference. A caller that reads the reference
+/// before the error slot sees an empty value.
 template<class Value>
 const Value& empty() {
     static const Value value{};
@@ -64,14 +64,14 @@ const Opaque* refer(fmx::_fmxcpt& slot, Body&& body) {
     return &bridge::out<Opaque>(*call(slot, &empty<Value>(), [&] { return &std::forward<Body>(body)(); }));
 }
 
-/// What assignment operators do: they answer the object that was assigned to.
+/// An assignment operator; gives the object that was assigned to.
 template<class Value, class Opaque>
 const Opaque* assign(fmx::_fmxcpt& slot, void* self, const Opaque& that) {
     return refer<Opaque, Value>(
         slot, [&]() -> const Value& { return bridge::in<Value>(self) = bridge::in<Value>(&that); });
 }
 
-/// Makes an object for the plug-in; null when it fails.
+/// Creates an object that the plug-in owns; null when the call fails.
 template<class Opaque, ObjectClass which, class Body>
 Opaque* construct(fmx::_fmxcpt& slot, Body&& body) {
     using Value = decltype(body());
@@ -82,7 +82,7 @@ Opaque* construct(fmx::_fmxcpt& slot, Body&& body) {
     }));
 }
 
-/// Takes an object back. This never fails, and null is nothing.
+/// Destroys an object of the plug-in. The call never fails; null is allowed.
 template<class Value, ObjectClass which>
 void destroy(void* object, fmx::_fmxcpt& slot) {
     slot.m_code = 0;

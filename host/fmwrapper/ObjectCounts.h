@@ -23,20 +23,20 @@ enum class ObjectClass : std::uint8_t {
 };
 inline constexpr std::size_t objectClassCount = 12;
 
-/// How many objects of each class plug-ins hold: those they constructed (or were handed for good) and have
-/// not given back. What the host keeps for itself does not count.
+/// The number of objects of each class that plug-ins own: objects that they constructed, or received with
+/// ownership, and have not destroyed. The host's own objects do not count.
 struct ObjectCounts {
     std::array<std::int64_t, objectClassCount> live{};
     void add(ObjectClass which) { ++live[static_cast<std::size_t>(which)]; }
     void remove(ObjectClass which) { --live[static_cast<std::size_t>(which)]; }
     [[nodiscard]] std::int64_t total() const;
-    /// "2 Text, 1 Data"; empty when nothing is live.
+    /// A list such as "2 Text, 1 Data"; empty when no object is live.
     [[nodiscard]] std::string describe() const;
     bool operator==(const ObjectCounts&) const = default;
     ObjectCounts operator-(const ObjectCounts& earlier) const;
 };
 
-/// The process's one.
+/// The object counts of the process.
 ObjectCounts& objectCounts();
 
 } // namespace host
