@@ -36,7 +36,7 @@ constexpr std::array propertyNames{
 
 constexpr std::string_view blanks = " \t\r\n\f";
 
-/// The weight of a selector, above the order in which rules are written.
+/// The weight of a selector stands in the bits above the order of the rules.
 constexpr unsigned weightShift = 32;
 
 std::string withoutComments(std::string_view css) {
@@ -53,7 +53,7 @@ std::string withoutComments(std::string_view css) {
     }
 }
 
-/// Where a block that has been opened ends: at its own closing brace, or with the text.
+/// The end of an open block: its own closing brace, or the end of the text.
 std::size_t endOfBlock(std::string_view css, std::size_t position) {
     std::size_t depth = 1;
     for (; position < css.size(); ++position) {
@@ -63,7 +63,7 @@ std::size_t endOfBlock(std::string_view css, std::size_t position) {
     return css.size();
 }
 
-/// Up to the next separator outside quotation marks.
+/// Removes the part up to the next separator outside quotation marks, and gives it.
 std::string_view cut(std::string_view& list, char separator) {
     char quote = 0;
     std::size_t end = 0;
@@ -82,7 +82,8 @@ std::string_view cut(std::string_view& list, char separator) {
     return piece;
 }
 
-/// "element", ".class" or "element.class" with the element in lower case; empty for every other selector.
+/// The selector as "element", ".class" or "element.class", with the element in lower case; empty for every
+/// other selector.
 std::string simpleSelector(std::string_view selector) {
     selector = trimmed(selector);
     if (selector.empty() || selector.find_first_of(" \t\r\n\f>+~:[#*()\\") != std::string_view::npos)
@@ -127,7 +128,7 @@ std::optional<Length> parseLength(std::string_view value) {
     if (isNegative || value.starts_with('+')) value.remove_prefix(1);
     Length length;
     bool hasDigits = false;
-    double place = 0; // of the next digit behind the point; 0: still before it
+    double place = 0; // value of the next digit after the point; 0 before the point
     for (; !value.empty(); value.remove_prefix(1)) {
         if (value.front() == '.' && place == 0) {
             place = 0.1;
@@ -201,7 +202,7 @@ void StyleSheet::parse(std::string_view source) {
         if (open == std::string_view::npos) return;
         const std::string_view head = trimmed(css.substr(position, open - position));
         position = open + 1;
-        if (css[open] == ';') continue; // "@import …;", or a lost semicolon
+        if (css[open] == ';') continue; // "@import …;", or a stray semicolon
         const std::size_t close = endOfBlock(css, position);
         if (!head.starts_with('@')) addRule(head, css.substr(position, close - position));
         position = close + 1;

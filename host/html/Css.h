@@ -8,9 +8,9 @@
 #include <string_view>
 #include <unordered_map>
 
-/// The part of CSS that says how characters and paragraphs of rich text look: declarations, and style sheets
-/// whose selectors are an element, a class, or an element with a class. Everything else is passed over, as
-/// CSS itself wants it. Linear in its input, whatever that is.
+/// The part of CSS that formats characters and paragraphs of rich text: declarations, and style sheets whose
+/// selectors are an element, a class, or an element with a class. Everything else is ignored, as the CSS
+/// standard requires. The time is linear in any input.
 
 namespace host::html {
 
@@ -33,21 +33,21 @@ enum class Property : std::uint8_t {
 };
 inline constexpr std::size_t propertyCount = static_cast<std::size_t>(Property::display) + 1;
 
-/// A value as it is written, without blanks around it and without "!important" (which is not heeded).
+/// A value as written, without surrounding blanks and without "!important", which has no effect here.
 struct Declared {
     std::string value;
-    std::uint64_t order = 0; ///< of two, the one with the higher order holds; 0: not declared
+    std::uint64_t order = 0; ///< the value with the higher order wins; 0 means not declared
 };
 
-/// One value at most for every property.
+/// At most one value for each property.
 class Declarations {
 public:
-    /// Values longer than this are ignored, so that applying them costs little.
+    /// Longer values are ignored, which bounds the cost of applying them. In bytes.
     static constexpr std::size_t longestValue = 250;
 
-    /// Takes "property: value; …"; later ones win. Each is given an order, `order` counting on.
+    /// Reads "property: value; …"; later declarations win. Each one gets the next number of `order`.
     void parse(std::string_view css, std::uint64_t& order);
-    /// Takes over what is declared later than here.
+    /// Takes over every value with a higher order than the value here.
     void add(const Declarations& other);
     void declare(Property property, std::string_view value, std::uint64_t order);
 
@@ -59,17 +59,17 @@ private:
     std::array<Declared, propertyCount> values_;
 };
 
-/// The rules of all style blocks of a document. Rules within @media and the like are left out.
+/// The rules of all style blocks of a document. Rules inside @media and similar blocks are left out.
 class StyleSheet {
 public:
     static constexpr std::size_t kMostRules = 100'000;
 
     /// Throws std::runtime_error when there are more than `kMostRules` different selectors.
     void parse(std::string_view css);
-    /// Lays what the sheet says of an element (lower case) with its classes (separated by blanks) over
-    /// `declarations`. Classes count more than elements, both together more than either.
+    /// Adds the rules for an element (lower case) with its classes (separated by blanks) to `declarations`.
+    /// A class selector wins over an element selector, and a selector with both wins over either.
     void apply(std::string_view element, std::string_view classes, Declarations& declarations) const;
-    /// An order that is later than every rule's.
+    /// An order that is higher than that of every rule.
     static constexpr std::uint64_t later = std::uint64_t{4} << 32;
 
 private:
@@ -80,12 +80,13 @@ private:
     std::uint64_t order_ = 0;
 };
 
-/// CSS is forgiving about case, except in names of classes and fonts.
+/// The text in lower case (ASCII). CSS ignores case, except in names of classes and fonts.
 std::string lowered(std::string_view text);
 std::string_view trimmed(std::string_view text);
-/// Cuts the next word of a list off its front; words are separated by blanks. Empty at the end.
+/// Removes the next word from the front of a list and gives it; empty at the end. Blanks separate words.
 std::string_view nextWord(std::string_view& list);
-/// A number and what follows it directly ("12pt"); nothing when it starts with no number.
+/// A number and the unit directly after it ("12pt"). `parseLength` gives no value for a text that does not
+/// begin with a number.
 struct Length {
     double number = 0;
     std::string_view unit;

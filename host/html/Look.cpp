@@ -73,7 +73,7 @@ int digitOf(char c) {
     return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
 }
 
-/// The digits of #rgb, #rgba, #rrggbb or #rrggbbaa.
+/// Reads the digits of #rgb, #rgba, #rrggbb or #rrggbbaa.
 std::optional<Color> parseHexadecimal(std::string_view digits) {
     const bool isShort = digits.size() == 3 || digits.size() == 4;
     if (!isShort && digits.size() != 6 && digits.size() != 8) return std::nullopt;
@@ -88,7 +88,7 @@ std::optional<Color> parseHexadecimal(std::string_view digits) {
     return Color{.red = channels[0], .green = channels[1], .blue = channels[2]};
 }
 
-/// What stands between the brackets of rgb( ) and rgba( ): numbers or percentages, commas or blanks between.
+/// Reads the arguments of rgb( ) and rgba( ): numbers or percentages, separated by commas or blanks.
 std::optional<Color> parseChannels(std::string list) {
     for (char& c : list)
         if (c == ',' || c == '/' || c == ')') c = ' ';
@@ -119,9 +119,9 @@ constexpr std::array<Words<double>, 8> sizeNames{{
     {"xx-large", 32},
     {"xxx-large", 48},
 }};
-/// Units that are a share of the size around.
+/// Units relative to the surrounding font size.
 constexpr std::array<Words<double>, 3> relativeUnits{{{"em", 1}, {"%", 0.01}, {"ex", 0.5}}};
-/// Others, in pixels.
+/// Absolute units, in pixels.
 constexpr std::array<Words<double>, 7> absoluteUnits{{
     {"px", 1},
     {"pt", 4.0 / 3},
@@ -144,7 +144,7 @@ std::optional<double> parseSize(const std::string& value, double around) {
     return std::nullopt;
 }
 
-/// The first of a list of fonts, without its quotation marks.
+/// The first name of a list of fonts, without quotation marks.
 std::u16string firstFont(std::string_view list) {
     const bool isQuoted = list.starts_with('"') || list.starts_with('\'');
     if (isQuoted) {
@@ -178,7 +178,7 @@ bool hasWord(std::string_view list, std::string_view wanted) {
     return false;
 }
 
-// One function for each property that is handed down: its value, in lower case, becomes part of the look.
+// One function for each inherited property puts a value, in lower case, into the formatting.
 
 void setWeight(Look& look, const std::string& value) {
     constexpr double bold = 600;
@@ -200,7 +200,7 @@ void setColor(Look& look, const std::string& value) {
     if (const auto color = parseColor(value)) look.color = color;
 }
 void setBackground(Look& look, const std::string& value) {
-    // White is what text stands on anyway.
+    // A white background is the default, so it is no highlight.
     const auto color = parseColor(value);
     if (color && *color != rgb(0xFFFFFF)) look.isHighlighted = true;
 }
@@ -247,12 +247,12 @@ void addLines(Look& look, const std::string& value, bool isDouble) {
     if (hasWord(value, "line-through")) look.isStruckThrough = true;
 }
 
-/// The lines of an element: `byItself` is what it has without declarations.
+/// Sets the lines of an element; `byItself` holds its default declarations.
 void setLines(Look& look, const Declarations& byItself, const Declarations& own) {
     const Declared& declared = own[Property::decoration];
     const std::string value = lowered(declared.value);
     const Declared& style = own[Property::decorationStyle];
-    // The short form sets the style as well, and so takes back one that was declared before.
+    // The short form sets the style as well, so it overrides a style that was declared before.
     const bool isDouble =
         hasWord(value, "double") || (style.order > declared.order && lowered(style.value) == "double");
     const std::string& ofElement = byItself[Property::decoration].value;

@@ -8,15 +8,15 @@
 #include <optional>
 #include <string_view>
 
-/// How an element makes its characters look, from its own declarations and from where it stands.
+/// The formatting of an element's characters, from its own declarations and from the elements around it.
 
 namespace host::html {
 
-/// The identifier of a font by its name.
+/// Gives the identifier of a font by its name.
 using FontIds = std::function<std::uint16_t(std::u16string_view name)>;
 
-/// The look within an element. Weight, colour and the like are handed down to what is inside; lines, raised
-/// and lowered text, and what is highlighted stay so inside, whatever is said there.
+/// The formatting inside an element. Inner elements inherit it. They can change weight, colour and similar
+/// properties; they cannot take away lines, highlights, superscript or subscript.
 struct Look {
     bool isBold = false, isItalic = false, isSmallCaps = false;
     bool isUnderlined = false, isDoublyUnderlined = false, isStruckThrough = false, isHighlighted = false;
@@ -27,22 +27,22 @@ struct Look {
     std::optional<Color> color;
     std::optional<double> size; ///< pixels
     Alignment alignment = Alignment::left;
-    bool keepsBlanks = false; ///< white space stands as it is written
+    bool keepsBlanks = false; ///< white space is kept as written
     bool isHidden = false;
 
     [[nodiscard]] RunStyle runStyle() const;
 };
 
-/// What elements are by themselves, as declarations; empty for those that say nothing.
+/// The default declarations of an element; empty for an element without default formatting.
 std::string_view defaultDeclarations(std::string_view element);
 
-/// The look inside an element that declares `own` and is one of those with `defaults` (see above). A line
-/// under or through the text that belongs to the element itself is kept beside another that is declared, so
-/// that <s> stays struck through with an underline declared for it; "none" takes it away.
+/// The formatting inside an element with the declarations `own` and the default declarations `defaults`. A
+/// default line is kept beside a declared line: <s> with a declared underline is still struck through. The
+/// value "none" removes the default line.
 Look lookWithin(const Look& around, std::string_view defaults, const Declarations& own, const FontIds& fonts);
 
-/// "#f00", "#ff0000", "rgb(255, 0, 0)", or one of the common names; nothing for everything else and for what
-/// is fully transparent.
+/// Reads a colour such as "#f00", "#ff0000", "rgb(255, 0, 0)" or one of the common names. Gives no value for
+/// any other text and for a fully transparent colour.
 std::optional<Color> parseColor(std::string_view value);
 
 } // namespace host::html

@@ -28,13 +28,14 @@ bool isIn(const std::array<std::string_view, count>& names, std::string_view nam
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// Not the body: what the parser does not know begins in the head for it.
+/// Block elements. The body is not one of them, because the parser puts an unknown element at the beginning
+/// of a document into the head.
 constexpr std::array<std::string_view, 34> blocks{
     "p",       "div",        "h1",      "h2",     "h3",       "h4",   "h5",      "h6",    "blockquote",
     "pre",     "ul",         "ol",      "li",     "dl",       "dt",   "dd",      "table", "tr",
     "caption", "section",    "article", "header", "footer",   "main", "nav",     "aside", "address",
     "figure",  "figcaption", "hr",      "center", "fieldset", "form", "noscript"};
-/// Blocks that are a paragraph even when there is nothing in them.
+/// Blocks that are a paragraph even when they are empty.
 constexpr std::array<std::string_view, 10> paragraphs{"p",  "div", "h1", "h2",         "h3",
                                                       "h4", "h5",  "h6", "blockquote", "pre"};
 constexpr std::array<std::string_view, 5> unread{"script", "style", "title", "template", "object"};
@@ -51,7 +52,7 @@ bool isText(const xmlNode* node) {
     return node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE;
 }
 
-/// An attribute's value; the parser keeps it as one text.
+/// An attribute's value, which the parser stores as one text node; empty when it is missing.
 std::string_view attribute(const xmlNode* element, const char* name) {
     for (const xmlAttr* row = element->properties; row != nullptr; row = row->next)
         if (row->children != nullptr && std::string_view(reinterpret_cast<const char*>(row->name)) == name)
@@ -63,8 +64,8 @@ bool isBlank(char16_t unit) {
     return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r' || unit == u'\f';
 }
 
-/// The node after this one in the document's order, without what is inside it when `isInside` is false.
-/// `leave` is told of every element that ends on the way.
+/// The next node in document order; the children of `node` are skipped when `isInside` is false. `leave` is
+/// called for every element that ends in between.
 template<class Leave>
 const xmlNode* following(const xmlNode* node, bool isInside, const Leave& leave) {
     if (isInside && node->children != nullptr && node->type == XML_ELEMENT_NODE) return node->children;
@@ -76,7 +77,7 @@ const xmlNode* following(const xmlNode* node, bool isInside, const Leave& leave)
     }
 }
 
-/// Collects characters into paragraphs, with as many blanks as a browser would show.
+/// Collects characters into paragraphs, with the blanks that a browser would show.
 class Paragraphs {
 public:
     void endParagraph() {
@@ -138,9 +139,9 @@ private:
     }
 
     Text text_;
-    Alignment alignment_ = Alignment::left; ///< of the last paragraph
+    Alignment alignment_ = Alignment::left; ///< alignment of the last paragraph
     bool hasParagraphs_ = false, isOpen_ = false, isAtLineStart_ = true;
-    std::optional<RunStyle> blank_; ///< one that will show if something follows it in its line
+    std::optional<RunStyle> blank_; ///< a blank that is written only if text follows it on its line
 };
 
 class Walk {
@@ -165,7 +166,7 @@ public:
     }
 
 private:
-    /// Whether what is inside is to be read.
+    /// Begins an element. Gives whether its content is read.
     bool enter(const xmlNode* element) {
         const std::string_view name = nameOf(element);
         looks_.push_back(html::lookWithin(looks_.back(), html::defaultDeclarations(name),
@@ -180,7 +181,7 @@ private:
         return true;
     }
 
-    /// The line feed that `pre` begins with only sets its tag off.
+    /// The text without the line feed directly after a <pre> tag, which is not part of the content.
     static std::string_view shownTextOf(const xmlNode* text) {
         std::string_view shown = contentOf(text);
         if (text->prev != nullptr || text->parent == nullptr || nameOf(text->parent) != "pre") return shown;
@@ -189,14 +190,14 @@ private:
         return shown;
     }
 
-    /// No elements, and blanks at most.
+    /// Whether an element holds no elements and no text but blanks.
     static bool isEmpty(const xmlNode* element) {
         for (const xmlNode* child = element->children; child != nullptr; child = child->next)
             if (!isText(child) || !html::trimmed(contentOf(child)).empty()) return false;
         return true;
     }
 
-    /// What attributes say of the look counts less than any rule.
+    /// The element's declarations. Rules win over formatting attributes, and `style` wins over rules.
     [[nodiscard]] Declarations declarationsOf(const xmlNode* element, std::string_view name) const {
         constexpr std::uint64_t ofAttributes = 1000;
         Declarations declarations;
@@ -216,7 +217,7 @@ private:
         return declarations;
     }
 
-    /// 1 to 7, or so many steps from 3.
+    /// Reads the size of a `font` element: 1 to 7, or with a sign the steps from 3.
     static void takeFontSize(std::string_view value, Declarations& declarations) {
         constexpr std::array<std::string_view, 7> sizes{"10px", "13px", "16px", "18px",
                                                         "24px", "32px", "48px"};
@@ -229,7 +230,7 @@ private:
 
     const html::StyleSheet& sheet_;
     const html::FontIds& fonts_;
-    std::vector<Look> looks_; ///< of the elements around, the innermost last
+    std::vector<Look> looks_; ///< formatting of the open elements, the innermost last
     Paragraphs paragraphs_;
 };
 
@@ -252,7 +253,7 @@ bool isUtf8(std::string_view bytes) {
     return U_SUCCESS(status) || status == U_BUFFER_OVERFLOW_ERROR;
 }
 
-/// True for HTML without the frame of a document around it.
+/// Whether a text is HTML without `html`, `head`, `body` and doctype.
 bool isFragment(std::string_view bytes) {
     constexpr std::array<std::string_view, 4> frame{"<html", "<head", "<body", "<!doctype"};
     constexpr std::size_t longest = 9;
@@ -265,8 +266,8 @@ bool isFragment(std::string_view bytes) {
     return true;
 }
 
-/// A document that has none of what the parser would stumble over: it ends at a zero byte, and puts what
-/// follows a style block into the head, or into a paragraph of its own, when no body has begun.
+/// The document without input that the parser mishandles: it ends at a zero byte. Without a body tag it puts
+/// the content after a style block into the head or into an additional paragraph.
 std::string prepared(std::string_view bytes) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
@@ -287,15 +288,15 @@ using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 Document parse(const std::string& bytes, const char* encoding) {
     const std::unique_ptr<htmlParserCtxt, FreeParser> parser(htmlNewParserCtxt());
     if (!parser) throw std::bad_alloc();
-    // What stands in no known encoding is read as far as it goes, without a word on the error output.
+    // Bytes in an unknown encoding are read as far as possible, without a message on the error output.
     xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
-    // By default, blanks between elements that the parser does not know are taken for indentation.
+    // By default, the parser drops blanks between unknown elements as indentation.
     parser->sax->ignorableWhitespace = parser->sax->characters;
     Document document(htmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr,
                                          encoding,
                                          HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
                                              HTML_PARSE_NONET | HTML_PARSE_NODEFDTD));
-    // The parser goes on without making anything of what it reads when the nesting or a text is too much.
+    // The parser disables its call-backs when the nesting or a text is beyond its limits.
     if (parser->disableSAX != 0)
         throw std::runtime_error("the document is nested more than " + std::to_string(HtmlLimits::depth) +
                                  " elements deep, or has a text of more than 10 MB without any element");
