@@ -1,5 +1,5 @@
 # cmake -DNM=… -DLIBRARY=… -DEXPECTED=NAME -P CheckExports.cmake
-# Fails unless NAME is the one symbol that LIBRARY defines for others.
+# Fails unless NAME is the only symbol that LIBRARY exports.
 
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
     OUTPUT_VARIABLE listing OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

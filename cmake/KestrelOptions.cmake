@@ -1,15 +1,15 @@
-# Options that the project's own targets share. They are attached to targets, not set globally, so that
-# code which is built here but not ours (GoogleTest) keeps its own; the sanitizers alone must be everywhere.
+# Options that the project's own targets share. They are attached to targets, so that foreign code (GoogleTest)
+# keeps its own options. The sanitizers are set globally, because all code needs them.
 
 add_library(kestrel-warnings INTERFACE)
 target_compile_options(kestrel-warnings INTERFACE -Wall -Wextra -Wpedantic)
 
-# A shared library that forgets to link something fails here, not when it is loaded. The sanitizers'
-# functions come from the executable, so there the check cannot be had.
+# A missing library is an error at link time instead of load time. The sanitizers' build cannot have this
+# check, because the sanitizers' functions come from the executable.
 add_library(kestrel-no-undefined INTERFACE)
 
 if(KESTREL_SANITIZE)
-    # fuzzer-no-link: the coverage that guides the fuzzers, in the libraries that they exercise.
+    # fuzzer-no-link adds the coverage that guides the fuzzers.
     add_compile_options(-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
@@ -21,11 +21,11 @@ if(KESTREL_COVERAGE)
     add_link_options(-fprofile-instr-generate)
 endif()
 
-# What a program around the host sees: its headers as "host/…", the interface's as <FMWrapper/…>.
+# Headers for programs that use the host: the host's as "host/…", the interface's as <FMWrapper/…>.
 add_library(kestrel-host-headers INTERFACE)
 target_include_directories(kestrel-host-headers INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 
-# What a plug-in sees: the interface and nothing of the host.
+# Headers for plug-ins: the interface, without the host.
 add_library(kestrel-sdk INTERFACE)
 if(FM_SDK_DIR)
     if(NOT EXISTS ${FM_SDK_DIR}/FMWrapper/FMXExtern.h)
@@ -36,7 +36,7 @@ else()
     target_include_directories(kestrel-sdk INTERFACE ${PROJECT_SOURCE_DIR}/include)
 endif()
 
-# Where tests, benchmarks and fuzzers find what they load, run and read.
+# Paths of the files that tests, benchmarks and fuzzers load, run and read.
 add_library(kestrel-paths INTERFACE)
 set(KESTREL_BROKEN_DIR ${PROJECT_BINARY_DIR}/broken)
 target_compile_definitions(kestrel-paths INTERFACE

@@ -1,15 +1,15 @@
 # KestrelPlugIn for iOS: Kestrel.fmplugin, a framework-type bundle that an app embeds and signs.
 #
-# FM_SDK_DIR is the folder in which the vendor's SDK lies: FMWrapper/*.h and FMWrapper.framework, or
-# FMWrapper.xcframework with one for the device and one for the simulator.
+# FM_SDK_DIR is the folder of the vendor's SDK: FMWrapper/*.h and either FMWrapper.framework, or
+# FMWrapper.xcframework with a framework for the device and one for the simulator.
 
 set(packaging ${PROJECT_SOURCE_DIR}/packaging/ios)
-option(KESTREL_WITHOUT_FM_SDK "Leave the host's functions to the loader: for a build that is read, not run" OFF)
+option(KESTREL_WITHOUT_FM_SDK "Leave the host's functions to the loader, for a build that is inspected and never run" OFF)
 
-set(KESTREL_FAULT_SOURCE "" CACHE FILEPATH "A source that has no place in the plug-in, to see the check fail")
-set(KESTREL_FAULT_EXPORT "" CACHE STRING "A function of that source which is exported too")
+set(KESTREL_FAULT_SOURCE "" CACHE FILEPATH "A faulty source to add to the plug-in, for the tests of the check")
+set(KESTREL_FAULT_EXPORT "" CACHE STRING "A function of that source to export as well")
 
-# A target of object libraries alone is not finished by every build tool: there has to be a source.
+# Some build tools do not link a target that consists of object libraries only, so it gets a source.
 set(own_source ${KESTREL_FAULT_SOURCE})
 if(NOT own_source)
     set(own_source ${CMAKE_CURRENT_BINARY_DIR}/NoSource.cpp)
@@ -35,7 +35,7 @@ set_target_properties(KestrelPlugIn PROPERTIES
     LINK_DEPENDS ${packaging}/exports.txt
     XCODE_ATTRIBUTE_PRODUCT_BUNDLE_IDENTIFIER com.vex.kestrel
     XCODE_ATTRIBUTE_SKIP_INSTALL NO
-    # The app signs what it embeds.
+    # The app signs the bundles that it embeds.
     XCODE_ATTRIBUTE_CODE_SIGNING_ALLOWED NO)
 target_link_libraries(KestrelPlugIn PRIVATE
     KestrelObjects kestrel-foundation kestrel-sdk "-framework CoreFoundation")

@@ -1,5 +1,5 @@
-# kestrel_precompile(TARGET HEADER...): the standard headers that most sources include, and the given ones, are
-# parsed once for a target. Every source still includes what it uses: other builds have no precompiled headers.
+# kestrel_precompile(TARGET HEADER...): parses common standard headers and the given ones once for a target.
+# Every source still includes the headers that it uses, because other builds have no precompiled headers.
 
 function(kestrel_precompile target)
     target_precompile_headers(${target} PRIVATE

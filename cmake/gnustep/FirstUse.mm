@@ -1,5 +1,5 @@
-/// Before main, but in a file of its own, linked behind the other: no message can be sent from a file whose
-/// own start has not made it known to the runtime.
+/// Uses the classes before main. The function is in its own file, linked after LeakChecks.mm: that file must
+/// be registered with the runtime before it sends messages.
 
 void useFoundationFirst();
 

@@ -1,16 +1,16 @@
-/// Part of every executable of the sanitizers' build: what Foundation and its runtime keep for the life of
-/// the process is no leak of ours. Our own objects still count.
+/// Part of every executable of the sanitizers' build. Objects that Foundation and its runtime keep for the
+/// life of the process are not reported as leaks. The project's own objects are.
 
 #import <Foundation/Foundation.h>
 
 #include <sanitizer/lsan_interface.h>
 
-/// The runtime's tables of classes and methods: allocated by the runtime itself, as objects never are.
+/// The runtime allocates its tables of classes and methods itself; it allocates no objects.
 extern "C" const char* __lsan_default_suppressions() { return "leak:libobjc.so\n"; }
 extern "C" const char* __lsan_default_options() { return "print_suppressions=0"; }
 
-/// Foundation makes some objects when a class is first used, and keeps them where the leak checker cannot
-/// see them: the classes that the plug-in leads to are used here first, unseen.
+/// Foundation creates some objects at the first use of a class and keeps them where the leak checker does not
+/// find them. The classes that the plug-in uses are therefore used here first, with the checker disabled.
 void useFoundationFirst() {
     __lsan_disable();
     @autoreleasepool {

@@ -1,5 +1,5 @@
 #pragma once
 
-/// GNUstep's headers ask for the blocks runtime under this name, Debian's package has it under another.
+/// GNUstep's headers include the blocks runtime under this name; Debian's package has it under another name.
 
 #include <Block.h>
