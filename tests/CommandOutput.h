@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-/// What a command of the machine writes to its standard output.
+/// The standard output of a shell command.
 inline std::string outputOf(const std::string& command) {
     FILE* const pipe = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): the tests' own commands
     if (pipe == nullptr) return "cannot be run";

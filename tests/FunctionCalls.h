@@ -24,13 +24,13 @@ inline std::u16string times(int count, const std::u16string& piece) {
     return made;
 }
 
-/// What a calculation answers, and the last error that it leaves behind: nothing where it leaves that alone.
+/// A calculation, its result and the last error after it; an empty last error means that it is unchanged.
 struct Step {
     const char *calculation, *result, *lastError = "";
 };
 
-/// Functions called with values that no calculation can write, and a store of globals that is empty before
-/// and after each test. The host may keep the library in memory from one test to the next.
+/// Calls functions with values that no calculation can write. The store of globals is empty before and after
+/// each test, because the library stays in memory between tests.
 class FunctionCalls : public LoadedPlugIn {
 protected:
     struct Answer {

@@ -8,16 +8,16 @@
 #include <string_view>
 #include <vector>
 
-/// What Kestrel_GetAsHTML keeps of a text and its looks, and whether it did: the document, as it is read
-/// back, against the text that it was made from.
+/// Comparison of a text with the document that Kestrel_GetAsHTML made from it, after the document is read
+/// back.
 
-/// A way to call the function, and what this way loses.
+/// Parameters of the function, and the formatting that is lost with them.
 struct HtmlParameters {
     const char16_t *tags, *classes, *styles;
     std::uint16_t lostFaces = 0;
     bool losesSize = false, losesAlignment = false, losesCentering = false;
-    bool hasElements = true;     ///< for bold and the other formattings that HTML has elements for
-    bool hasInlineStyles = true; ///< that may move to the paragraph one by one
+    bool hasElements = true;     ///< formattings such as bold become elements
+    bool hasInlineStyles = true; ///< single declarations may move to the paragraph
 };
 
 inline const std::vector<HtmlParameters>& htmlParameters() {
@@ -44,7 +44,7 @@ inline const std::vector<HtmlParameters>& htmlParameters() {
     return rows;
 }
 
-/// The look of a character as far as it can be found again in the HTML.
+/// The formatting of a character that the HTML keeps.
 inline host::CharacterStyle lookInHtml(const host::CharacterStyle& style, char16_t unit,
                                        const HtmlParameters& parameters) {
     using namespace host;
@@ -70,8 +70,8 @@ inline host::CharacterStyle lookInHtml(const host::CharacterStyle& style, char16
     return look;
 }
 
-/// The text of a document that was made from this one. Returns have no look of their own; they have the
-/// alignment of their paragraph, if it is not empty. A return at the end makes no paragraph.
+/// The text of a document that was made from `text`. A return has no character formatting; it has the
+/// alignment of its paragraph unless that is empty. A return at the end makes no paragraph.
 inline host::Text textInHtml(const host::Text& text, const HtmlParameters& parameters, bool isAligned) {
     using host::Alignment;
     host::Text expected;
@@ -104,9 +104,9 @@ inline std::string describe(const host::RunStyle& look) {
     return text;
 }
 
-/// Where a paragraph's declarations move to its element one by one, the line may move away from what says
-/// that it is double, or the other way round, and that is lost. It takes a paragraph that is underlined
-/// throughout, once or twice.
+/// Whether a double underline may be read as a single one. Declarations of a paragraph move to its element
+/// one by one, so a line and its double style may be separated. This happens only in a paragraph that is
+/// underlined throughout.
 inline bool mayLoseDouble(const host::Text& text, std::uint32_t position) {
     const std::u16string_view units = text.units();
     std::uint32_t first = position, end = position;
@@ -129,7 +129,7 @@ inline host::RunStyle withSingleLine(host::RunStyle look) {
     return look;
 }
 
-/// Nothing when the texts are alike, otherwise the first difference.
+/// The first difference between the texts; empty when there is none.
 inline std::string difference(const host::Text& expected, const host::Text& actual,
                               const HtmlParameters& parameters, bool comparesAlignment) {
     if (expected.units() != actual.units())
@@ -145,8 +145,7 @@ inline std::string difference(const host::Text& expected, const host::Text& actu
     return {};
 }
 
-/// Texts that differ only in which of their breaks are returns and which are soft line breaks, and in empty
-/// lines, are one to this.
+/// The text with a return for each run of returns and soft line breaks, and none at the beginning or end.
 inline host::Text withOneKindOfBreak(const host::Text& text) {
     host::Text result;
     bool isBroken = false;
@@ -163,14 +162,14 @@ inline host::Text withOneKindOfBreak(const host::Text& text) {
     return result;
 }
 
-/// What is in a document, as it was read, other than in the text that it was made from; nothing when all is
-/// there that HTML keeps. That holds for texts whose blanks and soft line breaks stand alone between other
-/// characters of a line, and whose paragraphs are aligned as a whole.
+/// The first difference between a text and its document after reading; empty when the document keeps
+/// everything that HTML can keep. Blanks and soft line breaks of the text must stand alone between other
+/// characters of a line, and its paragraphs must be aligned as a whole.
 inline std::string differenceInHtml(const host::Text& text, host::Text read, const HtmlParameters& parameters,
                                     bool inVariable) {
     host::Text expected = textInHtml(text, parameters, inVariable);
-    // In a variable, a soft line break shifts the ends of the paragraphs after it, and an empty line that
-    // ends no paragraph has nothing to stand in.
+    // A soft line break in a variable shifts the ends of later paragraphs, and an empty line that ends no
+    // paragraph is lost.
     const bool isShifted = inVariable && text.units().find(u'\u2028') != std::u16string_view::npos;
     if (isShifted) {
         expected = withOneKindOfBreak(expected);

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-/// A session with an empty file, and our plug-in loaded into it from its shared library.
+/// A session with an empty file and with Kestrel, loaded from its shared library.
 class LoadedPlugIn : public testing::Test {
 protected:
     host::Session session;
@@ -26,11 +26,11 @@ protected:
     host::calc::Result evaluate(const std::string& calculation) {
         return session.evaluate(host::fromUtf8(calculation));
     }
-    /// The result as text, "error N" when there is none.
+    /// The result as text; "error N" for a calculation that fails.
     std::string textOf(const std::string& calculation) {
         const host::calc::Result result = evaluate(calculation);
         return result.error == 0 ? result.value->asText().utf8() : "error " + std::to_string(result.error);
     }
-    /// The last error as the solution sees it: "code message".
+    /// The last error that the solution sees: "code message".
     std::string lastError() { return textOf("$$Kestrel_LastError & \" \" & $$Kestrel_LastErrorMessage"); }
 };

@@ -4,13 +4,12 @@
 
 struct RealisticCall {
     const char* calculation;
-    const char* result; ///< as text; "error N" when there is none
+    const char* result; ///< as text; "error N" for a calculation that fails
 };
 
-/// Calculations as solutions really write them, one or more a function, over the sample solution of contacts:
-/// what is made to fail in turn, and what is called over and over. The clock is held, and the network is the
-/// tests' own, whose services answer `realisticAnswer`: none of the calls reaches beyond this machine, none
-/// waits.
+/// Calculations like those of real solutions, at least one for each function, over the sample solution of
+/// contacts. The failing-host test and the soak run them. The clock is held, and the network is the tests'
+/// own, whose services answer `realisticAnswer`: no call leaves this machine or waits.
 inline constexpr std::array realisticCalls = std::to_array<RealisticCall>({
     {R"calc(Kestrel_Version ( "long" ))calc", "Vex Kestrel Plug-In 3.1"},
     {R"calc(Kestrel_Version ( "autoupdate" ) & Kestrel_Version)calc", "030100043.1"},

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-/// Random styled texts, and how a test gets them into Kestrel_GetAsHTML.
+/// Random styled texts, and calls of Kestrel_GetAsHTML with them.
 
 inline constexpr std::array everyFace{
     host::face::bold,      host::face::italic,      host::face::underline,     host::face::highlight,
@@ -19,7 +19,7 @@ inline constexpr std::array everyFace{
     host::face::uppercase, host::face::superscript, host::face::subscript,     host::face::lowercase,
     host::face::titlecase, host::face::outline,     host::face::wordUnderline, host::face::doubleUnderline};
 
-/// A number from the environment, for a run that wants more than the ordinary one.
+/// A number from the environment, for a run that tries more than usual.
 inline unsigned numberFromEnvironment(const char* name, unsigned otherwise) {
     const char* const value = std::getenv(name);
     return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
@@ -27,15 +27,15 @@ inline unsigned numberFromEnvironment(const char* name, unsigned otherwise) {
 
 class StyledTexts {
 public:
-    /// The function keeps two bytes of a font's name for each unit; Chinese names, which need three, come
-    /// out cut and are left out here.
+    /// The fonts have no Chinese names: the function keeps two bytes of a name for each unit and would cut
+    /// characters of three bytes.
     StyledTexts(unsigned seed, host::File& file) : random_(seed) {
         for (const char16_t* name : {u"Helvetica", u"Times New Roman", u"DejaVu Sans Mono", u"Ωmega Sérif"})
             fonts_.push_back(file.fontId(name));
     }
 
     /// One to five paragraphs, some of them empty, of up to five runs of 1 to 50 characters. Blanks stand
-    /// only between other characters of a line: elsewhere HTML does not keep them.
+    /// only between other characters of a line, because HTML drops all others.
     host::Text next(bool hasLineBreaks) {
         host::Text text;
         const unsigned count = upTo(5);
@@ -59,7 +59,7 @@ private:
         for (const std::uint16_t bits : everyFace)
             if (oneIn(6)) chosen |= bits;
         if (chosen != 0) style.setFaces(chosen);
-        if (oneIn(8)) style.enableFace(face::bold); // said, and perhaps said to be off
+        if (oneIn(8)) style.enableFace(face::bold); // enabled, even where the bit is off
         if (oneIn(3))
             style.setColor({.red = channel(), .green = channel(), .blue = channel(), .alpha = channel()});
         if (oneIn(3)) style.setFont(fonts_.at(upTo(static_cast<unsigned>(fonts_.size())) - 1));
@@ -71,7 +71,7 @@ private:
 
     void addParagraph(host::Text& text, bool hasLineBreaks) {
         const unsigned runs = upTo(5);
-        // Now and then the paragraph is of one style, or shares much of it.
+        // Some paragraphs have one style, and some share a part of it.
         const host::CharacterStyle shared = style();
         const bool isShared = oneIn(3), isAlike = oneIn(5);
         bool afterSolid = false;
@@ -105,8 +105,8 @@ private:
     host::Alignment alignment_ = host::Alignment::left;
 };
 
-/// The plug-in's answer for a text that is given itself, or by a variable's name (which stands for itself
-/// when the variable is empty).
+/// The plug-in's HTML for a text, passed directly or by a variable's name. An empty text is always passed
+/// directly, because the function takes the name of an empty variable as text.
 inline host::Text htmlOf(host::Session& session, const host::Text& text, const HtmlParameters& parameters,
                          bool inVariable) {
     const host::calc::Environment place = session.topLevel();

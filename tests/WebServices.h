@@ -19,13 +19,13 @@
 #include <utility>
 #include <vector>
 
-/// How many files and sockets the process has open.
+/// The number of open files and sockets of the process.
 inline std::size_t openDescriptors() {
     const std::filesystem::directory_iterator folder("/proc/self/fd");
     return static_cast<std::size_t>(std::distance(begin(folder), end(folder)));
 }
 
-/// How a web service of the own network behaves towards each of its clients.
+/// The behaviour of a web service towards its clients.
 struct Behaviour {
     enum class Kind : std::uint8_t {
         answers,      ///< reads the request, sends the bytes, closes
@@ -33,7 +33,7 @@ struct Behaviour {
         answersLate,  ///< the same, after `pause`
         keepsSilent,  ///< reads the request and waits until the client has gone
         hangsUp,      ///< closes without reading anything
-        breaksOff,    ///< reads some of the request and closes, which resets the connection
+        breaksOff,    ///< reads a part of the request and closes, which resets the connection
         doesNotListen ///< connections are refused
     };
     Kind kind = Kind::answers;
@@ -41,7 +41,7 @@ struct Behaviour {
     std::chrono::milliseconds pause{0};
 };
 
-/// The web services that are asked for the public address, on port 80 of their addresses, a thread each.
+/// The web services for the public address, on port 80 of their addresses. Each has a thread.
 class WebServices {
 public:
     explicit WebServices(const std::map<int, Behaviour>& behaviours) {
@@ -50,7 +50,7 @@ public:
             if (behaviour.kind != Behaviour::Kind::doesNotListen) start(number, behaviour);
         own_network::setServices(own_network::Services::known);
     }
-    /// All five behave alike.
+    /// Makes all five services behave alike.
     explicit WebServices(const Behaviour& behaviour)
         : WebServices({{2, behaviour}, {5, behaviour}, {6, behaviour}, {8, behaviour}, {9, behaviour}}) {}
     WebServices(const WebServices&) = delete;
@@ -70,7 +70,7 @@ public:
         const std::lock_guard lock(mutex_);
         return clients_;
     }
-    /// What the last client sent that was listened to.
+    /// The last request that was read.
     std::string lastRequest() {
         const std::lock_guard lock(mutex_);
         return lastRequest_;
@@ -104,7 +104,7 @@ private:
         });
     }
 
-    /// True when there is something to read, false after the time or when all is to stop.
+    /// Waits for input; false after the time or when the services stop.
     bool waitFor(int descriptor, std::chrono::milliseconds time = std::chrono::hours{1}) const {
         std::array<pollfd, 2> polled{{{descriptor, POLLIN, 0}, {stop_[0], POLLIN, 0}}};
         const nfds_t first = descriptor < 0 ? 1 : 0;

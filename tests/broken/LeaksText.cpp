@@ -1,4 +1,4 @@
-// Keeps a text at every call.
+// Leaks a text at every call.
 #include "SoundPlugIn.h"
 
 SAMPLE_PLUG_IN({.handler = [](SAMPLE_PARAMETERS) -> fmx::errcode {

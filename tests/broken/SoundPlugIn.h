@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <exception>
 
-/// A small plug-in that keeps the host's contract, in steps that a broken one replaces one at a time.
+/// A small plug-in that keeps the host's contract. A broken plug-in replaces one part of its behaviour.
 namespace sound {
 
 using Handler = fmx::ExtPluginType;
@@ -50,7 +50,7 @@ inline fmx::errcode registerOne(short id, const char* name, Handler handler) {
     return fmx::ExprEnv::RegisterExternalFunction(*owner(), id, *text, *text, 0, 1, 0xFF01, handler);
 }
 
-/// What a broken plug-in may replace.
+/// The parts that a broken plug-in may replace.
 struct Behaviour {
     Handler handler = handle;
     FMX_PtrType initAnswer = k190ExtnVersion;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The app's build phase puts the right half of Kestrel.xcframework into the app, signs it where the app is signed, and
-# says which of its variables is missing.
+# Tests of the app's build phase. It copies the right part of Kestrel.xcframework into the app, signs it where the app
+# is signed, and reports a missing variable.
 
 set -euo pipefail
 
@@ -12,7 +12,7 @@ printf '#!/bin/sh\necho "signed: $*"\n' >"$scratch/bin/codesign"
 chmod +x "$scratch/bin/codesign"
 export KESTREL_XCFRAMEWORK=$scratch/Kestrel.xcframework TARGET_BUILD_DIR=$scratch/app FRAMEWORKS_FOLDER_PATH=Frameworks
 
-# expect OUTPUT VARIABLE=VALUE…: what the phase says with these variables, the scratch folder left out.
+# expect OUTPUT VARIABLE=VALUE…: compares the phase's output with these variables, without the scratch folder's path.
 expect() {
     local wanted=$1 answer
     shift

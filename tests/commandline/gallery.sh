@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The gallery shows what the plug-in answers now.
+# The gallery must show the plug-in's current results.
 
 set -euo pipefail
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The example documents are converted to HTML that checkers accept; usage errors are told as such.
+# The example documents are converted to HTML that validators accept, and usage errors are reported.
 
 set -euo pipefail
 
@@ -22,13 +22,13 @@ for document in examples/documents/*.html; do
       sed 's/<\/style>/&<\/head><body>/' "$scratch/$name.html"
       printf '</body></html>\n'; } >"$scratch/page.html"
     if command -v xmllint >/dev/null; then
-        # Its grammar is older than <mark>.
+        # xmllint does not know <mark>.
         if xmllint --html --noout "$scratch/page.html" 2>&1 | grep 'error' | grep -v 'Tag mark invalid'; then
             fail "xmllint finds errors in $name"
         fi
     fi
     if command -v tidy >/dev/null; then
-        # A run may be a single blank; tidy would have it dropped.
+        # A run may be a single blank, which tidy would otherwise report as an empty element.
         tidy -quiet -errors --drop-empty-elements no "$scratch/page.html" >"$scratch/tidy" 2>&1 ||
             { cat "$scratch/tidy" >&2; fail "tidy finds errors in $name"; }
     fi

@@ -1,6 +1,6 @@
 #include "FMWrapper/FMXCalcEngine.h"
 
-/// Does not compile with the headers of make.sh: a header is missing before this one, and both calls are
+/// Must not compile with the headers of make.sh: an include is missing before this one, and both calls are
 /// deprecated.
 bool isKnown(const fmx::Data& data, fmx::Text& name, fmx::CharacterStyle::FontScript script,
              const fmx::ExprEnv& env) {

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # usage: make.sh INTERFACE SDK
 #
-# Makes SDK/FMWrapper from INTERFACE/FMWrapper, with what the vendor's own headers have and ours have not: the header
-# FMXCalcEngine.h needs another before it that declares QuadChar, and two members of fmx::Data are deprecated.
+# Makes SDK/FMWrapper from INTERFACE/FMWrapper, with two differences of the vendor's headers: FMXCalcEngine.h needs
+# an earlier include that declares QuadChar, and two members of fmx::Data are deprecated.
 
 set -euo pipefail
 

@@ -1,4 +1,4 @@
-// A function that Apple's headers have for the Mac and bar on iOS.
+// A function that Apple's headers offer on the Mac and forbid on iOS.
 
 #include <cstdlib>
 

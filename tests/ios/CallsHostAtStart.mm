@@ -1,4 +1,5 @@
-// A text of the host's that is made when the library is loaded, before the host is ready; and not at once.
+// A host text that is created when the library is loaded, before the host is ready. Another function creates
+// it, so the check must follow calls.
 
 #include "FMWrapper/FMXText.h"
 

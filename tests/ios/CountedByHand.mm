@@ -1,4 +1,4 @@
-// Reference counts by hand, which only the other runtime's sources may have.
+// A manual reference count, which only the sources for the other runtime may have.
 
 #import <Foundation/Foundation.h>
 

@@ -1,3 +1,3 @@
-// A function that the host would see beside the entry point.
+// A second exported function beside the entry point.
 
 extern "C" __attribute__((visibility("default"))) int Surplus() { return 1; }

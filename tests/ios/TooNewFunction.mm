@@ -1,5 +1,5 @@
-// A function of libc++ that came with a later iOS than 16.0, as a newer SDK's headers would declare it: a member of
-// a class of which the plug-in uses others.
+// A function of libc++ that is newer than iOS 16.0, declared as in a newer SDK's headers. The plug-in uses
+// other members of its class.
 
 extern "C" void* fromNative(void*) __asm__("__ZNSt13exception_ptr31__from_native_exception_pointerEPv");
 

@@ -1,4 +1,4 @@
-// A function that Apple wants declared with a reason, and the privacy manifest does not declare.
+// A function that needs a declared reason, which the privacy manifest does not have.
 
 #include <sys/mount.h>
 

@@ -1,4 +1,4 @@
-// A function of the Linux C library, declared by hand, so that only its missing definition tells.
+// A function of the Linux C library with its own declaration, so only the missing definition shows the fault.
 
 extern "C" int get_nprocs();
 

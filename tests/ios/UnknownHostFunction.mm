@@ -1,4 +1,4 @@
-// A host function that the SDK does not have.
+// A host function that is not in the SDK.
 
 extern "C" int FM_Text_Reverse(void* text);
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Every fault makes the check without a Mac fail, in its row and no other, with a line that names the cause. Some
-# faults are sources of this folder that are built into the plug-in, the others are changes of what was built well.
-# Takes its environment from the check itself.
+# Tests of the check without a Mac. Every fault must make exactly its own row fail, with a line that names the cause.
+# Some faults are sources of this folder that are built into the plug-in; the others change files of a correct build.
+# The check itself provides the environment.
 
 set -euo pipefail
 
@@ -12,8 +12,8 @@ failures=0
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# judge NAME STATUS OUTPUT LINE...: each LINE, a pattern for all of a line after its FAIL, is there, and nothing else
-# failed.
+# judge NAME STATUS OUTPUT LINE...: passes if each LINE, a pattern for the rest of a line after FAIL, matches, and
+# nothing else failed.
 judge() {
     local name="${4%% *}: $1" status=$2 output=$3 line rest wrong=""
     shift 3
@@ -32,7 +32,7 @@ judge() {
     fi
 }
 
-# built FAULT LINE... [--export FUNCTION]: with the source FAULT.mm.
+# built FAULT LINE... [--export FUNCTION]: judges a build with the source FAULT.mm.
 built() {
     local fault=$1 output status=0 lines=() options=()
     shift
@@ -45,7 +45,7 @@ built() {
     judge "$fault" "$status" "$output" "${lines[@]}"
 }
 
-# changed COMMAND LINE...: after COMMAND, in the folder of what the checks look at.
+# changed COMMAND LINE...: judges the files of a correct build after COMMAND has changed them.
 changed() {
     local command=$1 output status=0
     shift
@@ -80,7 +80,7 @@ built UnknownHostFunction 'host +FM_Text_Reverse is no function of the host SDK'
 built CallsHostAtStart "$early FM_Text_Constructor1, by way of .*makeText.*" "$early FM_Text_Delete, by way of .*"
 built UndeclaredUse "$disk_space" "system +statfs $unlisted"
 
-# What is changed.
+# Files and patterns of the changes.
 kestrel=Sources/platform/Kestrel.mm
 library=Kestrel.fmplugin/Kestrel
 info=Kestrel.fmplugin/Info.plist
@@ -88,7 +88,7 @@ manifest=Kestrel.fmplugin/PrivacyInfo.xcprivacy
 rename="llvm-objcopy-19 $library --redefine-sym"
 relink="llvm-install-name-tool-19 $library"
 methods="'__OBJC_\$_CLASS_METHODS_RegexBridge"
-# In LC_BUILD_VERSION: its number and length, the platform, the oldest version.
+# Fields of LC_BUILD_VERSION: its number and length, the platform, the oldest version.
 build_version='\x32\x00\x00\x00\x20\x00\x00\x00'
 ios='\x02\x00\x00\x00'
 oldest='\x00\x00\x10\x00'

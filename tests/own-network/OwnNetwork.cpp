@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kFolderVariable = "KESTREL_OWN_NETWORK";
 
-/// Addresses that are read back have one of the names alone.
+/// Addresses whose names are looked up have one name each.
 constexpr const char* kHosts = "127.0.0.1 localhost\n"
                                "127.0.0.2 api.ipify.org\n"
                                "127.0.0.5 ip1.dynupdate.no-ip.com\n"
@@ -34,7 +34,7 @@ constexpr std::size_t kLongestName = 255;
 
 void set(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
 
-/// Runs before anything else of the program: nothing is set up that is lost with the first start.
+/// Runs before all other code of the program, so the restart loses no state.
 [[gnu::constructor]] void moveIn(int, char** arguments, char**) {
     if (std::getenv(kFolderVariable) != nullptr) return;
     std::string folder = (fs::temp_directory_path() / "kestrel-network-XXXXXX").string();
@@ -43,9 +43,9 @@ void set(const char* name, const std::string& value) { ::setenv(name, value.c_st
     const char* const others = std::getenv("LD_PRELOAD");
     set("LD_PRELOAD", std::string(others == nullptr ? "" : others) + " " SOCKET_WRAPPER " " NSS_WRAPPER);
     set("SOCKET_WRAPPER_DIR", folder);
-    set("SOCKET_WRAPPER_MTU", "32768"); // nothing is cut into pieces that a test did not cut
+    set("SOCKET_WRAPPER_MTU", "32768"); // larger than any test's data, so sends are not split
     set("NSS_WRAPPER_HOSTS", folder + "/hosts");
-    // The sanitizers do not bear the way in which the two would otherwise load the C library.
+    // The sanitizers do not support RTLD_DEEPBIND, with which the two libraries would load the C library.
     set("SOCKET_WRAPPER_DISABLE_DEEPBIND", "1");
     set("NSS_WRAPPER_DISABLE_DEEPBIND", "1");
     set(kFolderVariable, std::to_string(::getpid()) + " " + folder);
@@ -59,7 +59,7 @@ void set(const char* name, const std::string& value) { ::setenv(name, value.c_st
     if (mine == nullptr) return;
     const std::string value = mine;
     const std::size_t space = value.find(' ');
-    if (value.substr(0, space) != std::to_string(::getpid())) return; // a child of the owner's
+    if (value.substr(0, space) != std::to_string(::getpid())) return; // a child process of the owner
     std::error_code ignored;
     fs::remove_all(value.substr(space + 1), ignored);
 }
@@ -87,7 +87,7 @@ Slow::~Slow() { slowName.clear(); }
 
 } // namespace own_network
 
-/// In front of the preloaded one, which asks the real resolver for names that its file does not have.
+/// Replaces the preloaded function, which passes names that its file lacks to the real resolver.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* wanted, addrinfo** found) {
     waitFor(node);
     const std::string name = node == nullptr ? "" : node;

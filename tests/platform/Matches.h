@@ -2,5 +2,5 @@
 
 #include "platform/Units.h"
 
-/// The matches that the platform's class finds in one call; 0 also when the pattern is malformed.
+/// The number of matches that the platform's class finds in one call; 0 also for a malformed pattern.
 unsigned long matchesFoundAtOnce(const platform::Units& text, const platform::Units& pattern);
