@@ -22,7 +22,7 @@ std::string textOf(Session& session, std::u16string_view calculation) {
     return session.evaluate(calculation).value->asText().utf8();
 }
 
-/// A folder that is gone at the end.
+/// A temporary folder, removed at the end.
 class Folder {
 public:
     Folder() {
@@ -36,7 +36,7 @@ public:
     std::filesystem::path path;
 };
 
-/// What loading and opening a folder with this description and schema complains of; empty when it is good.
+/// The error of loading and opening a folder with this description and schema; empty when there is none.
 std::string complaint(std::string_view description, std::string_view schema = "") {
     const Folder folder;
     folder.write("solution.toml", description);
@@ -79,7 +79,7 @@ TEST(Solution, ReadsItsFolder) {
     EXPECT_EQ(textOf(session, u"Get ( FilePath )"), "file:" + folder.path.string() + "/Contacts.fmp12");
 }
 
-TEST(Solution, ComplaintsNameTheLine) {
+TEST(Solution, ErrorsNameTheLine) {
     const struct {
         const char *description, *words;
         std::string_view schema{};
@@ -121,7 +121,7 @@ protected:
     }
 };
 
-TEST_F(SqlTest, ValuesComeBackAsTheyWent) {
+TEST_F(SqlTest, ValuesAreReadBackUnchanged) {
     Binary container;
     container.add(QuadChar{{'F', 'I', 'L', 'E'}}, std::as_bytes(std::span("bytes\0", 6)));
     const DateTime day = *DateTime::fromDate(2026, 11, 21);
@@ -140,7 +140,7 @@ TEST_F(SqlTest, ValuesComeBackAsTheyWent) {
         EXPECT_TRUE(rows[0][i]->isIdenticalTo(*sent[i])) << i << " " << rows[0][i]->asText().utf8();
 }
 
-TEST_F(SqlTest, WhatCannotBeReadAsDeclaredStaysText) {
+TEST_F(SqlTest, UnreadableValuesStayText) {
     ASSERT_EQ(error(u"INSERT INTO t (num, d, h, m) VALUES ('x', '2026-02-30', '1:99', '2026-01-01 25:00')"),
               0);
     const RowVect rows = file->executeSql(u"SELECT num, d, h, m FROM t", u"", {}).rows;
@@ -148,7 +148,7 @@ TEST_F(SqlTest, WhatCannotBeReadAsDeclaredStaysText) {
         EXPECT_EQ(field->nativeType(), DataType::text) << field->asText().utf8();
 }
 
-TEST_F(SqlTest, ErrorsTellGrammarFromTheRest) {
+TEST_F(SqlTest, SyntaxErrorsHaveTheirOwnCode) {
     for (const char16_t* good : {u"SELECT 1 ; \r\n;", u"SELECT 1 -- one", u"SELECT 9e999"})
         EXPECT_EQ(error(good), 0) << toUtf8(good);
     const std::u16string_view wrong[] = {u"SELEC 1", u"SELECT (",           u"SELECT 'a",         u"",
@@ -166,7 +166,7 @@ TEST_F(SqlTest, ErrorsTellGrammarFromTheRest) {
     EXPECT_EQ(error(u"SELECT 1"), 0);
 }
 
-TEST_F(SqlTest, AnotherOpenFileIsReachedByItsName) {
+TEST_F(SqlTest, QueriesAnotherOpenFileByName) {
     EXPECT_EQ(file->executeSql(u"SELECT 1", u"Other", {}).error, 100);
     Solution other;
     other.name = u"Other";
@@ -177,7 +177,7 @@ TEST_F(SqlTest, AnotherOpenFileIsReachedByItsName) {
     EXPECT_EQ(error(u"SELECT x FROM u"), 8309);
 }
 
-TEST_F(SqlTest, TheEnginesFunctionRunsTheSameStatements) {
+TEST_F(SqlTest, ExecuteSQLRunsTheSameStatements) {
     EXPECT_EQ(textOf(session,
                      u"ExecuteSQL ( \"INSERT INTO t (txt, num, d, h) VALUES (?, ?, ?, ?)\" ; \"\" ; \"\" ; "
                      u"\"a\" ; .5 ; Date ( 2 ; 29 ; 2024 ) ; Time ( 1 ; 2 ; 3 ) )"),
@@ -192,7 +192,7 @@ TEST_F(SqlTest, TheEnginesFunctionRunsTheSameStatements) {
               "1,2\r3,41|2??");
 }
 
-TEST(Session, FilesComeAndGo) {
+TEST(Session, FilesOpenAndClose) {
     Session session;
     EXPECT_EQ(session.evaluate(u"1").error, 100);
     Solution other;
@@ -216,7 +216,7 @@ TEST(Session, FilesComeAndGo) {
     EXPECT_EQ((*kept.file->get(u"installedfmplugins"))->asText(), Text());
 }
 
-TEST(Session, FontsAreBounded) {
+TEST(Session, TheNumberOfFontsIsLimited) {
     Session session;
     session.open(Solution{});
     const auto file = session.front();
@@ -228,7 +228,7 @@ TEST(Session, FontsAreBounded) {
     EXPECT_FALSE(file->fontName(65'000));
 }
 
-TEST(Session, ScriptsRunInOrderInAScopeOfTheirOwn) {
+TEST(Session, ScriptsRunInOrderInSeparateScopes) {
     Session session;
     Solution solution;
     solution.scripts = {
@@ -305,7 +305,7 @@ TEST_F(LoadedSample, RegistrationsAreChecked) {
     EXPECT_EQ(plugIn->functions().size(), 3U);
 }
 
-TEST_F(LoadedSample, RegisteredFunctionsServeCalculationsUntilWithdrawn) {
+TEST_F(LoadedSample, RegisteredFunctionsWorkUntilWithdrawn) {
     for (const RegisteredFunction& function : {row(3, u"MyCount"), row(98, u"MyRefuse"), row(99, u"MyThrow")})
         ASSERT_EQ(Session::current()->registerFunction(function), 0);
     EXPECT_EQ(textOf(session, u"mycount ( 1 ; 2 ) + Sample_First"), "3");
@@ -324,7 +324,7 @@ TEST_F(LoadedSample, RegisteredFunctionsServeCalculationsUntilWithdrawn) {
     EXPECT_TRUE(session.plugIns().empty());
 }
 
-TEST_F(LoadedSample, CallbacksKeepToWhatTheyAreGiven) {
+TEST_F(LoadedSample, CallBacksCheckTheirArguments) {
     FMX_ExternCallStruct block{};
     block.whichCall = kFMXT_Idle;
     plugIn->send(block);

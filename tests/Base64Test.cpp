@@ -11,8 +11,8 @@
 #include <stdexcept>
 #include <unistd.h>
 
-/// Base64: the coder on bare arrays, and the two functions through the loaded library, both beside the
-/// system's `base64` and a coder that works bit by bit.
+/// Base64: the coder on arrays and the two functions of the loaded library, compared with the system's
+/// `base64` and with a coder that works bit by bit.
 
 namespace {
 
@@ -21,7 +21,7 @@ using host::Text;
 
 const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// The input lies in an array of just its length, so that the sanitizer sees any step past it.
+/// The input has an array of exactly its length, so that the sanitizer finds every access beyond it.
 std::string coded(int (*code)(const char*, int, char**), std::string_view bytes) {
     const std::vector<char> exact(bytes.begin(), bytes.end());
     char* out = nullptr;
@@ -33,7 +33,8 @@ std::string coded(int (*code)(const char*, int, char**), std::string_view bytes)
 std::string encoded(std::string_view bytes) { return coded(B64_Encode, bytes); }
 std::string decoded(std::string_view characters) { return coded(B64_Decode, characters); }
 
-/// What decoding gives, by bits: six for each character, 0 for those that have none, cut at whole bytes.
+/// The decoded bytes, computed bit by bit: six bits for each character, zeros for a character without a
+/// value, cut to whole bytes.
 std::string decodedByBits(std::string characters) {
     while (characters.size() % 4 != 0)
         characters += '=';
@@ -50,7 +51,7 @@ std::string decodedByBits(std::string characters) {
                         bytes.size() - static_cast<std::size_t>(std::count(last.begin(), last.end(), '=')));
 }
 
-/// What the system's `base64` makes of the bytes.
+/// The output of the system's `base64` for the bytes.
 std::string madeByTheSystem(const std::string& options, std::string_view bytes) {
     const std::string name = testing::TempDir() + "base64-" + std::to_string(::getpid());
     std::ofstream(name, std::ios::binary) << bytes;
@@ -66,7 +67,7 @@ std::string randomBytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
-TEST(Base64, answersWithoutInputOrWithoutADestination) {
+TEST(Base64, handlesMissingInputAndDestination) {
     EXPECT_EQ(B64_Encode("Man", 3, nullptr), 0);
     EXPECT_EQ(B64_Decode("TWFu", 4, nullptr), 0);
     EXPECT_EQ(encoded(""), "AA==");
@@ -77,16 +78,16 @@ TEST(Base64, answersWithoutInputOrWithoutADestination) {
         const std::unique_ptr<char[]> owner(out);
         EXPECT_EQ(std::string(out, static_cast<std::size_t>(size)), coded(code, ""));
     }
-    char* none = nullptr; // an answer longer than a size can say
+    char* none = nullptr; // for an output longer than the type of its size allows
     EXPECT_THROW(B64_Encode("", std::numeric_limits<int>::max(), &none), std::length_error);
 }
 
-TEST(Base64, decodesAnythingAsItsBitsSay) {
+TEST(Base64, decodesAnyBytesLikeABitwiseDecoder) {
     std::mt19937 random(5);
     for (int round = 0; round < 5'000; ++round) {
         std::string characters = randomBytes(random, random() % 40);
         for (char& character : characters) {
-            if (random() % 8 == 0) continue; // whatever byte, those from 0x80 on among them
+            if (random() % 8 == 0) continue; // keeps a random byte, also one from 0x80
             character = random() % 8 == 0 ? '=' : alphabet[random() % alphabet.size()];
         }
         ASSERT_EQ(decoded(characters), decodedByBits(characters)) << testing::PrintToString(characters);
@@ -117,7 +118,7 @@ protected:
         return call(u"Kestrel_Decode", {Data(u"Base64 to UTF-8"), Data(text)}).value.asText();
     }
 
-    /// More than a megabyte of characters of one to four bytes, without U+0000.
+    /// A text of more than a megabyte with characters of one to four bytes, without U+0000.
     static Text longText() {
         constexpr char32_t lasts[] = {0x7F, 0x7FF, 0xFFFF, 0x10FFFF};
         std::mt19937 random(1);
@@ -145,7 +146,7 @@ TEST_F(Base64Functions, agreeWithTheSystemsToolOnAMegabyteOfText) {
     EXPECT_TRUE(decode(ours) == text);
 }
 
-TEST_F(Base64Functions, makeTheRoundTripInEveryNativeEncoding) {
+TEST_F(Base64Functions, decodeWhatTheyEncodeInEveryNativeEncoding) {
     for (int number = 1; number <= 7; ++number) {
         host::setNativeEncoding(host::encodingFromNumber(number));
         for (const char16_t* text : {u"M", u"é", u"日本語", u"a\r\n\t¶~\\", u"\U0001F600\U0001F468‍"}) {
@@ -153,7 +154,7 @@ TEST_F(Base64Functions, makeTheRoundTripInEveryNativeEncoding) {
             EXPECT_EQ(characters.utf8(), encoded(Text(text).utf8())) << number;
             EXPECT_EQ(decode(characters).utf8(), Text(text).utf8()) << number;
         }
-        // Outside ASCII the native bytes decode as zeros, as many as there are units at most.
+        // Native bytes outside ASCII decode as zeros, at most one for each unit of the text.
         const Text foreign(u"é€\U0001F600日ÿ" + std::u16string{0xD83D});
         std::string native = host::encode(foreign.units(), host::nativeEncoding());
         native.resize(foreign.size(), '\0');
@@ -161,7 +162,7 @@ TEST_F(Base64Functions, makeTheRoundTripInEveryNativeEncoding) {
     }
 }
 
-TEST_F(Base64Functions, answerAndRecord) {
+TEST_F(Base64Functions, giveResultsAndLastErrors) {
     expectSteps({
         {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"\" )", ""},
         {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"\" )", ""},
@@ -182,11 +183,11 @@ TEST_F(Base64Functions, answerAndRecord) {
     EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Decode ( \"7\" ; 7 ) )"), "Number");
 }
 
-TEST_F(Base64Functions, passZerosOnAndCutTextsAtThem) {
+TEST_F(Base64Functions, keepDecodedZerosAndCutInputAtZeros) {
     EXPECT_EQ(encode(std::u16string(u"ab\0c", 4)).utf8(), "YWI=");
-    // Nothing is left to encode then; the coder still gives its one group.
+    // The coder gives one group even for empty input.
     EXPECT_EQ(encode(std::u16string(u"\0c", 2)).utf8(), "AA==");
-    // Decoded zeros stay, also those that a line break decodes to.
+    // Decoded zeros are kept, also the zeros from a line break.
     EXPECT_EQ(decode(Text(u"YQBi")), Text(std::u16string(u"a\0b", 3)));
     EXPECT_EQ(decode(Text(u"TWFu\r\nQQQQ")), Text(std::u16string(u"Man\0\4\20A", 7)));
 }

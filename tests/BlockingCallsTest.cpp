@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// Waits that end, on connections of the real loopback device: its sockets are made past the preloaded
-/// libraries that stand for the network elsewhere in these tests.
+/// Time limits of blocking calls on connections of the real loopback device. The sockets bypass the preloaded
+/// libraries that emulate the network in other tests.
 
 namespace {
 
@@ -39,7 +39,7 @@ Loopback loopbackSocket(int flags) {
     return Loopback(::syscall(SYS_socket, AF_INET, SOCK_STREAM | flags, 0));
 }
 
-/// Listens on a port of the system's choice.
+/// A listening socket on a port that the system chooses.
 class Listener {
 public:
     explicit Listener(int backlog) {
@@ -65,7 +65,7 @@ int connectTo(const Listener& listener, const Loopback& socket, milliseconds tim
     return kst::connectBy(in(time), socket.get(), listener.address(), sizeof(sockaddr_in));
 }
 
-TEST(BlockingCalls, carryBytesToAndFro) {
+TEST(BlockingCalls, sendAndReceiveBytes) {
     const Listener listener(1);
     const Loopback client = loopbackSocket(SOCK_NONBLOCK);
     ASSERT_EQ(connectTo(listener, client, kLong), 0);
@@ -73,16 +73,16 @@ TEST(BlockingCalls, carryBytesToAndFro) {
     std::array<char, 16> bytes{};
     EXPECT_TRUE(kst::sendAtOnce(client.get(), "request"));
     EXPECT_EQ(kst::receiveBy(in(kLong), server.get(), bytes.data(), bytes.size()), 7);
-    EXPECT_LT(kst::receiveBy(in(kShort), client.get(), bytes.data(), bytes.size()), 0); // nothing comes
+    EXPECT_LT(kst::receiveBy(in(kShort), client.get(), bytes.data(), bytes.size()), 0); // no data arrives
     EXPECT_TRUE(kst::sendAtOnce(server.get(), "answer"));
     EXPECT_EQ(kst::receiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 6);
     EXPECT_EQ(std::string(bytes.data(), 7), "answert");
-    // More than fits at once.
+    // The data exceeds the socket's buffer.
     const std::vector<char> much(64'000'000, 'x');
     EXPECT_FALSE(kst::sendAtOnce(client.get(), {much.data(), much.size()}));
 }
 
-TEST(BlockingCalls, endWhenAConnectionIsNotTakenUp) {
+TEST(BlockingCalls, endWhenAConnectionIsNotAccepted) {
     const Listener listener(0);
     std::vector<Loopback> queue;
     constexpr int most = 20;
@@ -99,12 +99,12 @@ TEST(BlockingCalls, endWhenAConnectionIsNotTakenUp) {
     EXPECT_LT(Deadline::clock::now() - start, kLong);
 }
 
-TEST(BlockingCalls, sayWhenAConnectionIsRefusedAgainAndAgain) {
+TEST(BlockingCalls, reportEveryRefusedConnection) {
     Listener listener(1);
     const Loopback client = loopbackSocket(SOCK_NONBLOCK);
     listener.close();
     EXPECT_EQ(connectTo(listener, client, kLong), ECONNREFUSED);
-    // Later attempts may be told in other words.
+    // Later attempts may fail with other errors.
     for (int attempt = 2; attempt <= 11; ++attempt)
         EXPECT_NE(connectTo(listener, client, kLong), 0);
 }
@@ -120,7 +120,7 @@ TEST(BlockingCalls, surviveAResetConnection) {
     }
     std::array<char, 16> bytes{};
     EXPECT_LT(kst::receiveBy(in(kLong), client.get(), bytes.data(), bytes.size()), 0);
-    // The second time there is nobody left who could tell: without the flag, a signal ends the process here.
+    // The second send needs MSG_NOSIGNAL: without the flag, a signal ends the process here.
     EXPECT_FALSE(kst::sendAtOnce(client.get(), "x"));
     EXPECT_FALSE(kst::sendAtOnce(client.get(), "x"));
 }

@@ -21,8 +21,8 @@
 #include <utility>
 #include <vector>
 
-/// What every function of the plug-in stands on: conversions, calculations on its behalf and the record of
-/// the last error.
+/// The base of every function of the plug-in: conversions, calculations in the caller's file and the record
+/// of the last error.
 
 namespace {
 
@@ -59,8 +59,8 @@ fmx::TextUniquePtr text(const std::string& utf8) { return cFMUtils::getUTF16data
 
 std::string utf8(const fmx::Text& text) { return host::bridge::in<host::Text>(&text).utf8(); }
 
-TEST_F(Bridge, cutsTextAtBuffersSizedByItsUnits) {
-    // Units and 2 × units are the sizes in bytes. The cut may lie within a character.
+TEST_F(Bridge, cutsTextAtTheBufferSize) {
+    // The buffers have as many bytes as the text has units, and twice as many. The cut may split a character.
     const struct {
         const char *whole, *byUtils, *byLib;
     } cases[] = {{"plain", "plain", "plain"},
@@ -78,22 +78,22 @@ TEST_F(Bridge, cutsTextAtBuffersSizedByItsUnits) {
     }
 }
 
-TEST_F(Bridge, carriesAllOfUnicodeIntoTexts) {
+TEST_F(Bridge, convertsAllOfUnicodeToTexts) {
     EXPECT_EQ(utf8(*text("a\u00E9\u20AC\U0001F600")), "a\u00E9\u20AC\U0001F600");
     EXPECT_EQ(fmlib::WStringFromFMText(*text("x\U0001F600")), (std::wstring{L'x', 0xD83D, 0xDE00}));
     EXPECT_EQ(fmlib::WStringFromFMText(*text("")), L"");
-    // Overlong, a surrogate, beyond the last character, cut off, a stray byte: never thrown at, never lost.
+    // Malformed sequences: overlong, a surrogate, beyond the last code point, truncated, a stray byte.
     for (const char* malformed : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80"})
         EXPECT_TRUE(utf8(*text("a" + std::string(malformed) + "b")).starts_with("a\uFFFD")) << malformed;
     EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
-    // The greatest number stands for a text's end, so it is no length.
+    // The largest number stands for the end of a text, so it is not a valid length.
     EXPECT_EQ(hostLength(0xFFFFFFFEU), 0xFFFFFFFEU);
     EXPECT_THROW(hostLength(0xFFFFFFFFU), std::length_error);
 }
 
-/// The Kelvin sign is a K, a sigma at the end is another small letter, I is i in no locale but a Turkish one,
-/// and I with a dot keeps it.
-TEST_F(Bridge, findsSelectorsWholeAndLoweredAsTheHostLowers) {
+/// The host lowers the Kelvin sign to k, a final capital sigma to the final small one, and I to i. A capital
+/// I with a dot does not become a plain i.
+TEST_F(Bridge, findsWholeSelectorsInAnyCase) {
     host::setNativeEncoding(host::Encoding::utf8);
     constexpr unsigned none = cFMUtils::kNotFound;
     const char* const table[] = {"lastError", "timestamp", "key", "\u03BF\u03B4\u03CC\u03C2", "in"};
@@ -131,7 +131,7 @@ TEST_F(Bridge, readsPlainStringsInTheHostsNativeEncoding) {
     }
 }
 
-TEST_F(Bridge, knowsFewWords) {
+TEST_F(Bridge, recognisesSpecialTexts) {
     EXPECT_TRUE(isEmpty(*text("")));
     EXPECT_TRUE(isAll(*text("all")));
     EXPECT_FALSE(isAll(*text("All")));
@@ -144,7 +144,7 @@ TEST_F(Bridge, knowsFewWords) {
     EXPECT_EQ(toLower("AbC\xC3\x89"), "abc\xC3\x89");
 }
 
-TEST_F(Bridge, cutsStringsIntoPieces) {
+TEST_F(Bridge, splitsStrings) {
     const struct {
         std::string string, delimiter;
         Pieces pieces;
@@ -191,7 +191,7 @@ TEST_F(Bridge, evaluatesInTheCallersFile) {
     EXPECT_THROW(fmlib::FillFMTextWithCurrentDatabaseFileName(*name, environment()), std::logic_error);
 }
 
-TEST_F(Bridge, framesWhatAHandlerThrows) {
+TEST_F(Bridge, reportsExceptionsOfHandlers) {
     const struct {
         void (*fails)();
         int answer;
@@ -200,7 +200,7 @@ TEST_F(Bridge, framesWhatAHandlerThrows) {
         {[] { throw std::runtime_error("out of luck"); }, 0, "2400 out of luck"},
         {[] { throw 7; }, 0, "2400 Unknown fatal error occured"},
         {[] { throw std::bad_alloc(); }, 0, "2400 std::bad_alloc"},
-        // The record cannot be written, so the one before stays and the host hears of it.
+        // The record cannot be written, so the previous one stays and the host gets the error.
         {[] { throw std::runtime_error("a \" inside"); }, 1212, "2400 std::bad_alloc"},
     };
     for (const auto& [fails, answer, record] : cases) {
@@ -217,7 +217,7 @@ TEST_F(Bridge, framesWhatAHandlerThrows) {
     }
 }
 
-TEST_F(Bridge, answersAndRecordsAtOnce) {
+TEST_F(Bridge, setsTheResultAndTheLastError) {
     const struct {
         short code;
         bool recordSuccess, useDefault;
@@ -236,14 +236,14 @@ TEST_F(Bridge, answersAndRecordsAtOnce) {
         setLastError(row.code, row.message, *result, environment(), row.recordSuccess, row.useDefault);
         EXPECT_EQ(utf8(result->GetAsText()), row.result);
         EXPECT_EQ(lastError(), row.record);
-        const fmx::DataUniquePtr code, message; // the session's own record
+        const fmx::DataUniquePtr code, message; // read from the session's record
         getLastErrorCode(environment(), *code);
         getLastErrorMessage(environment(), *message);
         EXPECT_EQ(utf8(code->GetAsText()) + " " + utf8(message->GetAsText()), row.record);
     }
 }
 
-TEST_F(Bridge, letsFewCodesThrough) {
+TEST_F(Bridge, mapsUnknownCodesTo2400) {
     using Codes = std::vector<fmx::errcode>;
     for (const fmx::errcode code : Codes{0, -4, -50})
         EXPECT_EQ(kst::FilterErrCode(code), code);
@@ -251,7 +251,7 @@ TEST_F(Bridge, letsFewCodesThrough) {
         EXPECT_EQ(kst::FilterErrCode(code), 2400);
 }
 
-TEST_F(Bridge, hasNoStringsOfFunctionsThatAreNot) {
+TEST_F(Bridge, givesNoStringsForUnknownFunctions) {
     for (const unsigned long id : {100UL, 116UL, 127UL, ~0UL})
         for (const bool nameAlone : {false, true}) {
             fmx::TextUniquePtr string = text("before");
@@ -260,7 +260,7 @@ TEST_F(Bridge, hasNoStringsOfFunctionsThatAreNot) {
         }
 }
 
-TEST_F(Bridge, writesTheIdentityAndNothingElse) {
+TEST_F(Bridge, writesOnlyTheRequestedIdentityString) {
     std::vector<unsigned short> buffer(kMostIdentityUnits, 7);
     ReadString(buffer.data(), buffer.size(), kReadName + kReadDescription);
     EXPECT_EQ(buffer, std::vector<unsigned short>(kMostIdentityUnits, 7));

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-/// The calculation engine: grammar, operators, errors, its functions, a family a table, and that no
-/// calculation is too much for it.
+/// The calculation engine: grammar, operators, errors, functions (a table for each family), and its bounds
+/// for oversized calculations.
 
 namespace host::calc {
 namespace {
@@ -19,7 +19,7 @@ namespace {
 using enum DataType;
 
 struct Example {
-    std::string source, text; ///< "error N" where there is no value
+    std::string source, text; ///< "error N" for a calculation that fails
     DataType type = DataType::text;
 };
 
@@ -105,7 +105,7 @@ TEST_F(CalcTest, ExpressionsGiveValues) {
     });
 }
 
-TEST_F(CalcTest, WrongExpressionsAnswerTheirCode) {
+TEST_F(CalcTest, WrongExpressionsGiveTheirErrorCode) {
     struct Wrong {
         std::string source;
         int error;
@@ -159,7 +159,7 @@ TEST_F(CalcTest, ResultsHaveTypes) {
     });
 }
 
-TEST_F(CalcTest, ParsedOnceItIsEvaluatedManyTimes) {
+TEST_F(CalcTest, AParsedExpressionIsEvaluatedManyTimes) {
     const Parsed parsed = parse(u"Let ( $n = $n + 1 ; $n )", table);
     ASSERT_TRUE(parsed.expression);
     for (int i = 1; i <= 1000; ++i)
@@ -171,8 +171,8 @@ TEST_F(CalcTest, DeepNestingIsAnErrorAndLongChainsAreNot) {
         return repeated(open, depth) + "1" + repeated(close, depth);
     };
     EXPECT_EQ(textOf(nested("(", ")", 399)), "1");
-    // A deep calculation that parses and evaluates another at its bottom: the deepest that the stack must
-    // bear.
+    // A deep calculation that parses and evaluates another at its deepest point. This is the deepest use of
+    // the stack.
     const auto bottom = [&](std::size_t depth) { return nested("Abs(0 or 1 and 0=0&1+1*2^", ")", depth); };
     scope.locals->set(u"deep", 1, textResult(fromUtf8(bottom(399))));
     std::string around = bottom(390);
@@ -193,13 +193,13 @@ TEST_F(CalcTest, DeepNestingIsAnErrorAndLongChainsAreNot) {
     EXPECT_EQ(textOf("Sum(1" + repeated(";1", 10'000) + ")"), "10001");
 }
 
-TEST_F(CalcTest, CalculationsThatFeedThemselvesEnd) {
+TEST_F(CalcTest, RecursiveCalculationsEnd) {
     const std::vector<std::string> endless{
         "Let ( $x = \"Evaluate ( $x )\" ; Evaluate ( $x ) )",
         "Let ( $x = \"Evaluate ( $x ) & Evaluate ( $x )\" ; Evaluate ( $x ) )",
         "Let ( $x = \"EvaluationError ( Evaluate ( $x ) ) & IsValid ( $x & Evaluate ( $x ) )\" ; "
         "Evaluate ( $x ) )",
-        // To a smaller depth, where no limit but that of work ends it.
+        // The depth is small here, so only the limit of work ends the calculation.
         "Let ( [ n = 50 ; $x = \"If ( n < 1 ; 0 ; Let ( n = n - 1 ; Evaluate ( $x ) + Evaluate ( $x ) ) )\" "
         "] ; "
         "Evaluate ( $x ) )",
@@ -207,7 +207,7 @@ TEST_F(CalcTest, CalculationsThatFeedThemselvesEnd) {
     for (const std::string& source : endless)
         EXPECT_EQ(run(source).error, error::unspecific) << source;
 
-    // A function that evaluates anew, as plug-ins do, is held by the same bounds.
+    // The same limits hold for a function that calls the engine again, as plug-ins do.
     table->add(
         {.name = u"Again",
          .minimum = 0,
@@ -221,7 +221,7 @@ TEST_F(CalcTest, CalculationsThatFeedThemselvesEnd) {
     EXPECT_EQ(textOf("1 + 1"), "2") << "what was exhausted has recovered";
 }
 
-TEST_F(CalcTest, AnyTextIsAnsweredWithAValueOrACode) {
+TEST_F(CalcTest, AnyTextGivesAValueOrAnErrorCode) {
     std::istringstream words(
         "Let ( ) [ ] ; = a $a $$b 1 .5e3 \"x \" and or + - * / ^ & ¶ ≠ < not /* */ // Abs If "
         "Evaluate Get Plain é \xF0\x9F\x98\x80 \x01 TextStyleAdd");

@@ -5,7 +5,7 @@
 #include <string>
 #include <unistd.h>
 
-/// The contract checks judge binaries: ours passes them all, and each broken plug-in fails the one it breaks.
+/// The contract checks: Kestrel passes all of them, and each broken plug-in fails the check for its fault.
 
 namespace {
 
@@ -24,13 +24,13 @@ std::filesystem::path broken(const std::string& name) {
     return std::filesystem::path(KESTREL_BROKEN_DIR) / (name + ".so");
 }
 
-TEST(Check, ourPlugInAndASoundOneKeepTheWholeContract) {
+TEST(Check, kestrelAndTheSoundPlugInPassEveryCheck) {
     for (const std::filesystem::path& library : {std::filesystem::path(KESTREL_PLUGIN_PATH), broken("Sound")})
         for (const Check& check : host::check::checks())
             EXPECT_EQ(host::check::runIsolated(check, library), "") << library << ' ' << check.name;
 }
 
-TEST(Check, eachBrokenPlugInFailsTheCheckItBreaks) {
+TEST(Check, eachBrokenPlugInFailsItsCheck) {
     const struct {
         const char* plugIn;
         const char* check;

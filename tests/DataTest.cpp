@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-/// Conversions between the types of values, and what a value says of itself after them.
+/// Conversions between the types of values, and the properties of a value after them.
 
 namespace {
 
@@ -58,7 +58,7 @@ TEST(DataConversions, followOneTable) {
             SCOPED_TRACE(row.value.asText().utf8() + " as " + std::string(host::typeWord(types[i])));
             Data converted = row.value;
             const bool done = converted.convert(types[i]);
-            // Anything can be an empty number, but a date or a time needs a reading.
+            // Every value converts to a number, if only an empty one. Dates and times need a valid text.
             ASSERT_EQ(done, expected != none || types[i] == DataType::number);
             if (!done) {
                 EXPECT_TRUE(converted.isIdenticalTo(row.value));
@@ -71,7 +71,7 @@ TEST(DataConversions, followOneTable) {
     }
 }
 
-TEST(DataTypes, areOnlyThoseThatExist) {
+TEST(DataTypes, refuseUnknownNumbers) {
     Data value{Decimal(3)};
     for (const std::int32_t type : {-5, 8, 99})
         EXPECT_FALSE(value.convert(static_cast<DataType>(type))) << type;
@@ -82,7 +82,7 @@ TEST(DataTypes, areOnlyThoseThatExist) {
     EXPECT_FALSE(value.convert(DataType::binary));
 }
 
-TEST(DataTypes, keepOnlyTheirOwnPartOfAMoment) {
+TEST(DataTypes, keepOnlyTheirPartOfATimestamp) {
     const DateTime late{.days = 5, .micros = 90'000 * DateTime::microsPerSecond};
     EXPECT_EQ(Data(late, DataType::date).asTimestamp(), (DateTime{.days = 5, .micros = 0}));
     EXPECT_EQ(Data(late, DataType::time).asTime(), (DateTime{.days = 0, .micros = late.micros}));
@@ -92,20 +92,20 @@ TEST(DataTypes, keepOnlyTheirOwnPartOfAMoment) {
     EXPECT_EQ(moment.asDate().days, 6);
 }
 
-TEST(DataReadings, stayWithTheirOwnValue) {
+TEST(DataReadings, areIndependentOfCopies) {
     Data first{Decimal(5)};
     const Text& reading = first.asText();
     Data second = first;
     second.setNumber(Decimal(6));
     EXPECT_EQ(second.asText().utf8(), "6");
     EXPECT_EQ(reading.utf8(), "5");
-    first.setText(first.asText()); // of itself
+    first.setText(first.asText()); // the value's own text
     EXPECT_EQ(first.asText().utf8(), "5");
     first.setText(Text(u"7"));
     EXPECT_EQ(first.asNumber(), Decimal(7));
 }
 
-TEST(DataNumbers, areWhatDigitsATextHas) {
+TEST(DataNumbers, areReadFromTheDigitsOfAText) {
     const struct {
         const char16_t *text, *number;
     } cases[] = {{u"abc12", u"12"}, {u"1.2.3", u"1.23"}, {u"-5", u"-5"},
@@ -121,7 +121,7 @@ TEST(DataNumbers, inLongTextsAreBounded) {
     EXPECT_EQ(Data(Text(u"1." + std::u16string(100'000, u'3'))).number()->text().size(), 402U);
 }
 
-TEST(BinaryStreams, areOneForAKind) {
+TEST(BinaryStreams, existOncePerType) {
     Binary binary = container();
     const host::QuadChar file{{'F', 'I', 'L', 'E'}}, other{{'P', 'N', 'G', 'f'}};
     binary.add(other, {});
@@ -133,7 +133,7 @@ TEST(BinaryStreams, areOneForAKind) {
     EXPECT_FALSE(binary.remove(file));
     EXPECT_EQ(binary.indexOf(other), 0);
     EXPECT_EQ(binary.indexOf(file), -1);
-    // A name alone is a value, nothing at all is none.
+    // A container with only a name is not empty; one with nothing is.
     binary.clear();
     EXPECT_FALSE(Data(binary).isEmpty());
     EXPECT_TRUE(Data(Binary()).isEmpty());

@@ -8,20 +8,20 @@
 #include <string>
 #include <vector>
 
-/// The bounds of a file's tables, tried with little time to spend.
+/// The bounds of a file's tables, with a short time limit.
 
 namespace {
 
 using namespace host;
 
-TEST(Database, StopsAStatementThatRunsAway) {
+TEST(Database, StopsAStatementAtItsTimeLimit) {
     Database database("CREATE TABLE t (x); INSERT INTO t VALUES (1)", std::chrono::milliseconds(50));
     const std::string endless =
         "WITH RECURSIVE v (long, half, pattern) AS (SELECT printf('%.*c', 8000000, 'a'), "
         "printf('%.*c', 4000000, 'a') || 'b', printf('%.*c', 990, 'a') || 'b'), "
         "n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) ";
     std::vector<std::string> statements{"SELECT count(*) FROM n", "INSERT INTO t SELECT i FROM n"};
-    // Within one step of the engine.
+    // These calls would take long within one step of the engine.
     for (const char* const expression :
          {"instr(long, half)", "replace(long, half, '')", "trim(long, half)", "long LIKE '%' || pattern",
           "long LIKE '%' || pattern ESCAPE 'x'", "long GLOB '*' || pattern", "json_patch('{}', '{}')"})
@@ -35,8 +35,8 @@ TEST(Database, StopsAStatementThatRunsAway) {
         << "undone";
 }
 
-/// What replaces the engine's own functions gives what they give, for text that is well formed.
-TEST(Database, BoundedFunctionsAgreeWithTheEngines) {
+/// The replaced functions give the results of the engine's functions for well-formed text.
+TEST(Database, BoundedFunctionsAgreeWithTheEngine) {
     sqlite3* engine = nullptr;
     ASSERT_EQ(sqlite3_open(":memory:", &engine), SQLITE_OK);
     Database database("");

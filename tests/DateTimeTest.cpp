@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-/// The calendar's derived numbers, texts there and back, and readings that must be refused.
+/// The calendar's derived numbers, conversions to text and back, and texts that must be refused.
 
 namespace {
 
@@ -37,7 +37,7 @@ TEST(DateTimeCalendar, agreesWithTheLibraryOnEveryDay) {
 TEST(DateTimeCalendar, carriesMonthsAndDays) {
     const struct {
         std::int64_t year, month, day;
-        const char16_t* text; ///< "none": outside the calendar
+        const char16_t* text; ///< "none" for a date outside of the calendar
     } cases[] = {{2024, 3, 0, u"2/29/2024"},  {2026, 0, 15, u"12/15/2025"},
                  {2023, 2, 29, u"3/1/2023"},  {2026, -11, 1, u"1/1/2025"},
                  {2026, 25, 1, u"1/1/2028"},  {4000, 12, 31, u"12/31/4000"},
@@ -53,7 +53,7 @@ TEST(DateTimeCalendar, carriesMonthsAndDays) {
     }
 }
 
-TEST(DateTimeSpans, splitAndComeBack) {
+TEST(DateTimeSpans, convertToTextAndBack) {
     for (const std::int64_t micros :
          {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1}, DateTime::microsPerDay - 1,
           -DateTime::microsPerDay, 90'000 * DateTime::microsPerSecond + 500'000,
@@ -64,7 +64,7 @@ TEST(DateTimeSpans, splitAndComeBack) {
         EXPECT_EQ(moment.microsSinceEpoch(), micros);
         EXPECT_TRUE(moment.micros >= 0 && moment.micros < DateTime::microsPerDay) << micros;
     }
-    // Whatever a count holds, it is taken apart without overflowing.
+    // The extreme counts are split without overflow.
     for (const std::int64_t extreme : {Limits::min(), Limits::max()}) {
         EXPECT_GE(DateTime::fromMicrosSinceEpoch(extreme).micros, 0);
         EXPECT_FALSE((DateTime{.days = 0, .micros = extreme}.timeText().empty()));
@@ -73,7 +73,7 @@ TEST(DateTimeSpans, splitAndComeBack) {
     }
 }
 
-TEST(DateTimeReading, takesWhatPeopleWrite) {
+TEST(DateTimeReading, acceptsCommonForms) {
     const struct {
         const char16_t *written, *read;
     } times[] = {{u"16:05", u"16:05:00"},
@@ -86,7 +86,7 @@ TEST(DateTimeReading, takesWhatPeopleWrite) {
     EXPECT_EQ(DateTime::parseDate(u" 2026-11-21 ")->dateText(), u"11/21/2026");
 }
 
-TEST(DateTimeReading, refusesWhatIsNoDateOrTime) {
+TEST(DateTimeReading, refusesOtherTexts) {
     for (const char16_t* text : {u"16:05", u"1/1/2026 25:00", u"1/1/2026 -1:00", u"1/1/2026 1:00 x",
                                  u"1/1/2026x", u"-1/1/2026", u"2026-1.1", u"9999999999999/1/1"})
         EXPECT_FALSE(DateTime::parseTimestamp(text)) << host::toUtf8(text);

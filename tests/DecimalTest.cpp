@@ -13,7 +13,7 @@
 #include <string>
 #include <tuple>
 
-/// Decimals against numbers of a thousand digits, and the bounds of their work.
+/// Decimals compared with numbers of a thousand digits, and the bounds of their work.
 
 namespace {
 
@@ -24,7 +24,7 @@ using Wide =
 Decimal read(std::u16string_view text) { return Decimal::parse(text).value(); }
 Wide wide(const Decimal& number) { return Wide(host::toUtf8(number.text())); }
 
-/// Half a unit of the sixteenth place.
+/// Half a unit of the sixteenth digit.
 const Wide& halfStep() {
     static const Wide step("5e-17");
     return step;
@@ -69,15 +69,15 @@ TEST(DecimalPower, ofWholeExponentsIsRoundedOnce) {
         for (int i = 0; i < std::abs(exponent); ++i)
             expected *= wide(base);
         if (exponent < 0) expected = 1 / expected;
-        // A relative error of 10^-300 for the places that a thousand digits do not show exactly.
+        // A relative error of 10^-300 is allowed, because a thousand digits are not always exact.
         EXPECT_LE(Wide(abs(wide(*power) - expected)), halfStep() + abs(expected) * Wide("1e-300"))
             << "seed " << seed << ": " << host::toUtf8(base.text()) << " ^ " << exponent;
     }
 }
 
-TEST(DecimalPower, hasResultsFarFromADouble) {
+TEST(DecimalPower, hasResultsBeyondTheRangeOfADouble) {
     const struct {
-        const char *base, *exponent, *power; ///< no power: there is none
+        const char *base, *exponent, *power; ///< null where there is no result
     } cases[] = {{"2", "-2000", "0"},   {".1", "-20", "100000000000000000000"},
                  {"2", "-2", ".25"},    {".01", "-3", "1000000"},
                  {"0", "-1", nullptr},  {"-1", "1000000000000000000000000000001", "-1"},
@@ -149,14 +149,14 @@ TEST(DecimalRounding, leavesNoMoreThanHalfAStep) {
     }
 }
 
-TEST(DecimalText, isReadWholeOrNotAtAll) {
+TEST(DecimalText, isReadWhollyOrNotAtAll) {
     for (const char16_t* text : {u"", u"-", u".", u"1.2.3", u"a", u"1e", u"--1", u"1 "})
         EXPECT_FALSE(Decimal::parse(text)) << host::toUtf8(text);
     EXPECT_EQ(read(u"-007.50").text(), u"-7.5");
     EXPECT_EQ(read(u"9223372036854775808").toInt64(), 9'223'372'036'854'775'807);
 }
 
-TEST(DecimalDouble, comesBackAsItWas) {
+TEST(DecimalDouble, convertsBackUnchanged) {
     for (unsigned seed = 0; seed < 2000; ++seed) {
         std::mt19937_64 random(seed);
         const double value =

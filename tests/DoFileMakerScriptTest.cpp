@@ -12,7 +12,7 @@
 #include <limits>
 #include <optional>
 
-/// Scripts started by calculations, up to the queue in which they wait.
+/// Scripts started by calculations, from the call to the queue in which they wait.
 
 namespace {
 
@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(DoFileMakerScript, startsScriptsAtOnceAndRefusesWhatIsNone) {
+TEST_F(DoFileMakerScript, startsScriptsAtOnceAndRefusesUnknownNames) {
     const char* const invalid = "-50 Invalid script name";
     expectSteps({
         {"Kestrel_DoFileMakerScript ( \"print report\" )", "0", "0 "},
@@ -60,8 +60,8 @@ TEST_F(DoFileMakerScript, startsScriptsAtOnceAndRefusesWhatIsNone) {
                                                  "Desk/Print Report/größer 𝄞 0"}));
 }
 
-/// Each host call fails in turn: of the call that schedules, and of the idle message that starts.
-TEST_F(DoFileMakerScript, startsOnceOrIsDroppedWithALineInTheLog) {
+/// Each host call of the scheduling call and of the starting idle message fails in turn.
+TEST_F(DoFileMakerScript, startsOnceOrLogsTheFailure) {
     host::clock().hold();
     const auto schedule = [this] {
         textOf("Kestrel_DoFileMakerScript ( \"Print Report\" ; \"x\" ; 1 )");
@@ -159,7 +159,7 @@ TEST(Units, areWellFormed) {
 
 using Timestamp = LoadedPlugIn;
 
-TEST_F(Timestamp, isAMomentWithFractions) {
+TEST_F(Timestamp, hasFractionsOfSeconds) {
     EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_GetTimestamp )"), "Timestamp");
     bool hasFraction = false;
     for (int i = 0; i < 20 && !hasFraction; ++i)

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Every example in the documents is run: calculations in ```kestrel blocks, commands in ```console blocks.
+/// Runs every example in the documents: calculations in ```kestrel blocks, commands in ```console blocks.
 
 namespace {
 
@@ -47,7 +47,7 @@ std::vector<fs::path> documents() {
     return found;
 }
 
-/// "error N", or the result's text with returns shown as line breaks.
+/// The result's text with returns shown as line breaks, or "error N".
 std::string outcome(host::Session& session, const std::string& calculation) {
     const host::calc::Result result = session.evaluate(host::fromUtf8(calculation));
     if (result.error != 0) return "error " + std::to_string(result.error);
@@ -56,7 +56,7 @@ std::string outcome(host::Session& session, const std::string& calculation) {
     return text;
 }
 
-/// Runs a block's calculations in order in one session; gives how many there were.
+/// Runs a block's calculations in order in one session; gives their number.
 int runCalculations(const Block& block, const fs::path& document) {
     const std::string arrow = "→";
     host::Session session;
@@ -91,7 +91,7 @@ std::string outputAtTheRoot(std::string command) {
                     command + "; } 2>&1");
 }
 
-/// Runs a block's commands ("$ …") and compares what follows each; gives how many there were.
+/// Runs a block's commands ("$ …") and compares the output after each; gives their number.
 int runCommands(const Block& block, const fs::path& document) {
     int count = 0;
     for (std::size_t i = 0; i < block.lines.size();) {
@@ -106,7 +106,7 @@ int runCommands(const Block& block, const fs::path& document) {
     return count;
 }
 
-TEST(Documents, everyExampleGivesWhatItShows) {
+TEST(Documents, everyExampleGivesTheResultItShows) {
     int calculations = 0, commands = 0;
     for (const fs::path& document : documents())
         for (const Block& block : blocksOf(document)) {
@@ -117,7 +117,7 @@ TEST(Documents, everyExampleGivesWhatItShows) {
     EXPECT_GT(commands, 3);
 }
 
-TEST(Documents, everyFunctionPageIsInTheOnePattern) {
+TEST(Documents, everyFunctionPageHasTheSameSections) {
     host::Session session;
     session.open(host::Solution{});
     host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <unistd.h>
 
-/// SQL through the loaded plug-in, and its answers beside those of SQLite's own shell.
+/// SQL through the loaded plug-in, compared with the output of SQLite's own shell.
 
 namespace {
 
@@ -28,7 +28,7 @@ protected:
     Answer run(const char* statement) { return call(executeSql, {Data(host::fromUtf8(statement))}); }
 };
 
-TEST_F(ExecuteSQL, answersCalculations) {
+TEST_F(ExecuteSQL, givesResultsToCalculations) {
     const char *const none = "0 No Error Message", *const syntax = "8310 SQL Error",
                       *const unknown = "8309 SQL Error";
     expectSteps({
@@ -40,7 +40,7 @@ TEST_F(ExecuteSQL, answersCalculations) {
         {"Kestrel_ExecuteSQL ( \"SELECT num FROM t\" ; 12 ; 34 )", ".53-12", none},
         {"Kestrel_ExecuteSQL ( \"SELECT d, h, m FROM t\" ; \" \" ; \"/\" )",
          "2/29/2024 -1:00:05 2/29/2024 14:05:09/  ", none},
-        // A container is its file's name, and SQL keeps none.
+        // The text of a container is its file's name, which SQL does not store.
         {"Kestrel_ExecuteSQL ( \"SELECT c, txt, c FROM t LIMIT 1\" ; \"|\" )", "|a|", none},
         {"Kestrel_ExecuteSQL ( \"SELECT txt FROM t WHERE num > 1\" )", "", none},
         {"Kestrel_ExecuteSQL ( \"VALUES ( NULL ) , ( NULL )\" )", "\r", none},
@@ -55,7 +55,7 @@ TEST_F(ExecuteSQL, answersCalculations) {
     });
 }
 
-TEST_F(ExecuteSQL, givesTextOrTheNumberOfTheError) {
+TEST_F(ExecuteSQL, givesTextOrAnErrorNumber) {
     EXPECT_EQ(run("SELECT num FROM t LIMIT 1").value.nativeType(), host::DataType::text);
     const Answer refused = run("SELECT nothing");
     EXPECT_EQ(refused.error, 0);
@@ -68,11 +68,11 @@ TEST_F(ExecuteSQL, givesTextOrTheNumberOfTheError) {
     EXPECT_EQ(textOf("$$Kestrel_LastError"), "as it was");
 }
 
-TEST_F(ExecuteSQL, takesOneUnitOfASeparator) {
+TEST_F(ExecuteSQL, usesTheFirstUnitOfASeparator) {
     const struct {
         std::u16string separator, result;
     } cases[] = {
-        {u"\U0001F600", u"1\xD83D\x32"}, // the first half of a pair
+        {u"\U0001F600", u"1\xD83D\x32"}, // the first unit of a surrogate pair
         {u"\xDE00\xD83D", u"1\xDE00\x32"},
         {u"\u00E9\u0301", u"1\u00E92"},
         {std::u16string(u"\0|", 2), std::u16string(u"1\0002", 3)},
@@ -85,7 +85,7 @@ TEST_F(ExecuteSQL, takesOneUnitOfASeparator) {
     }
 }
 
-TEST_F(ExecuteSQL, takesStyledTextAndGivesPlain) {
+TEST_F(ExecuteSQL, takesStyledTextAndGivesPlainText) {
     const char* const styled =
         "Let ( bold = TextStyleAdd ( \"|\" ; Bold ) ; Kestrel_ExecuteSQL ( "
         "TextStyleAdd ( \"SELECT txt, num FROM t LIMIT 1\" ; Italic ) ; bold ; bold ) )";
@@ -102,8 +102,8 @@ TEST_F(ExecuteSQL, readsTheCallingFile) {
     EXPECT_EQ(run("SELECT x FROM mine").value.asText().utf8(), "theirs");
 }
 
-/// A host call that fails leaves 2400 in the result and the record, never a part of the answer.
-TEST_F(ExecuteSQL, answersAllOrNothingWhenTheHostFails) {
+/// After a failing host call the result and the record are 2400; the result is never a part of the answer.
+TEST_F(ExecuteSQL, givesNoPartialResultWhenTheHostFails) {
     const std::vector<Data> query{Data(u"SELECT txt, num, c, d FROM t"), Data(u"; "), Data(u"/ ")};
     for (std::uint64_t nth = 1;; ++nth) {
         textOf("Let ( [ $$Kestrel_LastError = \"\" ; $$Kestrel_LastErrorMessage = \"\" ] ; \"\" )");
@@ -119,8 +119,8 @@ TEST_F(ExecuteSQL, answersAllOrNothingWhenTheHostFails) {
     }
 }
 
-/// A hundred thousand rows with what is easily spoilt: both separators, quotes, all lengths of UTF-8, no
-/// value and empty text. The fractions are written alike by both: the shell has a digit before the point.
+/// A hundred thousand rows with difficult content: both separators, quotes, UTF-8 of every length, NULL and
+/// empty text. No fraction is below 1, because only the shell writes a zero before the point.
 constexpr const char* manyRows = R"(
 CREATE TABLE many (id INTEGER PRIMARY KEY, name TEXT, price NUMERIC, note TEXT);
 WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)
@@ -159,8 +159,7 @@ TEST_F(ExecuteSQL, givesTheSameBytesAsTheShell) {
         std::ofstream(script) << manyRows << ".mode list\n.separator \"" << shellsFields << "\" \""
                               << shellsRecords << "\"\n"
                               << query << ";\n";
-        // The shell writes a separator behind the last row as well. Not EXPECT_EQ, which would print
-        // megabytes.
+        // The shell writes a separator after the last row as well. EXPECT_TRUE avoids a message of megabytes.
         EXPECT_TRUE(ours + records == outputOf("sqlite3 -batch -noheader -init /dev/null :memory: <'" +
                                                script + "' || echo failed"))
             << query;

@@ -12,7 +12,7 @@
 #include <gmock/gmock.h>
 
 /// Every host call of every function and message is made to fail in turn, once and from then on, with both
-/// errors: nothing escapes, nothing is kept, and the next ordinary call works.
+/// errors. No exception may leave the plug-in, no object may leak, and the next ordinary call must work.
 
 namespace {
 
@@ -22,16 +22,16 @@ using host::Faults;
 struct Point {
     std::uint64_t nth = 0;
     Faults::Kind kind{};
-    bool fromThenOn = false, fired = true; ///< fired: the row made that many host calls
+    bool fromThenOn = false, fired = true; ///< fired: the row made at least `nth` host calls
 };
 
 struct Row {
     std::string what;
-    std::function<void()> action; ///< while host calls fail
-    bool callsHost = true;        ///< false: makes no host call, so there is none to fail
-    /// What is wrong then, once the host works again; empty when nothing is.
+    std::function<void()> action; ///< runs while host calls fail
+    bool callsHost = true;        ///< false for a row that makes no host call
+    /// The problem after the action, when the host works again; empty when there is none.
     std::function<std::string(const Point&)> trouble = [](const Point&) { return std::string(); };
-    std::function<void()> prepare = [] {}; ///< before, while the host works
+    std::function<void()> prepare = [] {}; ///< runs before, while the host works
 };
 
 constexpr const char* ordinaryCall = R"(Kestrel_SetGlobal ( "k" ; "v" ) & Kestrel_GetGlobal ( "k" ) &
@@ -46,7 +46,7 @@ protected:
     }
     ~FailingHost() override { host::clock().reset(); }
 
-    /// What the plug-in did wrong at a point; empty when it bore it.
+    /// The problem after a failure at a point; empty when the plug-in handled it.
     std::string troubleAt(const Row& row, Point& point) {
         const host::ObjectCounts before = host::objectCounts();
         const std::size_t escaped = plugIn.violations().size();
@@ -63,9 +63,9 @@ protected:
         return plugIn.violations().size() == escaped ? trouble : trouble + "; an exception escapes";
     }
 
-    /// Tries a row at its first, second, … host call, until it makes no more; counts the points tried and
-    /// those that were not borne.
-    void tryRow(const Row& row, std::uint64_t& points, std::uint64_t& notBorne) {
+    /// Tries a row at its first, second, … host call up to its last. Counts the points tried and the points
+    /// that the plug-in did not handle.
+    void tryRow(const Row& row, std::uint64_t& points, std::uint64_t& notHandled) {
         constexpr std::uint64_t mostPoints = 20'000;
         const std::uint64_t before = points;
         for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
@@ -74,7 +74,7 @@ protected:
                 while (point.fired && ++point.nth < mostPoints) {
                     const std::string trouble = troubleAt(row, point);
                     points += point.fired ? 1 : 0;
-                    notBorne += trouble.empty() ? 0 : 1;
+                    notHandled += trouble.empty() ? 0 : 1;
                     EXPECT_EQ(trouble, "") << row.what << ", host call " << point.nth << ", error "
                                            << static_cast<int>(kind) << (fromThenOn ? " from then on" : "");
                 }
@@ -83,7 +83,7 @@ protected:
         EXPECT_EQ(points > before, row.callsHost) << row.what;
     }
 
-    /// Each function with as many values of one kind as it takes.
+    /// Calls of each function with as many values of one type as it takes.
     std::vector<Row> functions() {
         std::vector<Row> rows;
         for (const host::RegisteredFunction& function : plugIn.functions())
@@ -104,8 +104,8 @@ protected:
         return rows;
     }
 
-    /// A conversion to HTML is right or reported as failed; when reporting fails as well, the host is told.
-    /// The version changes no last error.
+    /// Calls like those of solutions. A conversion to HTML must be correct or report its failure; when the
+    /// report fails as well, the host gets the error. The version never changes the last error.
     std::vector<Row> calculations() {
         std::vector<Row> rows;
         for (const auto& [calculation, expected] : realisticCalls) {
@@ -133,7 +133,8 @@ protected:
         return rows;
     }
 
-    /// A start is all or nothing; after one that is refused, and after any shutdown, the next succeeds.
+    /// The start and the shutdown. A start registers all functions or none. The next start after a refused
+    /// one, and after any shutdown, succeeds.
     std::vector<Row> starts() {
         const auto trouble = [this](const Point& point) {
             const bool isRefused = point.fired && answer == -2 && plugIn.functions().empty();
@@ -145,8 +146,8 @@ protected:
                 {"shutdown", [this] { plugIn.shutdown(); }, true, trouble}};
     }
 
-    /// The other messages, while a script waits: the first level of idle starts it, or loses it where the
-    /// host fails; with all others it goes on waiting.
+    /// The other messages, while a script waits. The first level of idle starts the script, or drops it when
+    /// the host fails. After every other message it still waits.
     std::vector<Row> messages() {
         std::vector<Row> rows{{"name", [this] { plugIn.readString(kFMXT_NameStr); }},
                               {"description", [this] { plugIn.readString(kFMXT_AppConfigStr); }},
@@ -171,24 +172,24 @@ protected:
         return rows;
     }
 
-    std::string result;      ///< of the calculation made last
-    std::int64_t answer = 0; ///< to the init sent last
+    std::string result;      ///< result of the last calculation
+    std::int64_t answer = 0; ///< answer to the last init message
 };
 
-TEST_F(FailingHost, isBorneAtEveryPoint) {
+TEST_F(FailingHost, isHandledAtEveryPoint) {
     const WebServices services(Behaviour{Behaviour::Kind::answers, realisticAnswer});
-    std::uint64_t points = 0, notBorne = 0;
+    std::uint64_t points = 0, notHandled = 0;
     for (const auto& [name, rows] :
          {std::pair("functions with any values", functions()),
           std::pair("calculations as solutions write them", calculations()),
           std::pair("init and shutdown", starts()), std::pair("the other messages", messages())}) {
         const std::uint64_t before = points;
         for (const Row& row : rows)
-            tryRow(row, points, notBorne);
+            tryRow(row, points, notHandled);
         std::printf("%6ju points  %3zu rows  %s\n", std::uintmax_t{points - before}, rows.size(), name);
     }
-    std::printf("%6ju points at which the host failed, %ju not borne\n", std::uintmax_t{points},
-                std::uintmax_t{notBorne});
+    std::printf("%6ju points at which the host failed, %ju not handled\n", std::uintmax_t{points},
+                std::uintmax_t{notHandled});
     for (const host::RegisteredFunction& function : plugIn.functions())
         EXPECT_THAT(realisticCalls, testing::Contains(testing::Field(
                                         &RealisticCall::calculation,

@@ -48,7 +48,7 @@ std::string shown(std::string html) {
 
 std::string block(const std::string& rules) { return "<style type=\"text/css\">|" + rules + "</style>|"; }
 
-/// The parameters behind the text are separated by ";", and lines in them by "|".
+/// A call. The parameters after the text are separated by ";", and their lines by "|".
 struct Case {
     host::Text text;
     std::string parameters, html;
@@ -79,7 +79,7 @@ protected:
         setVariable(value);
         return html(u"$$t", parameters);
     }
-    /// Host calls that a conversion makes.
+    /// The number of host calls of a conversion.
     std::uint64_t callsFor(const host::Text& text) {
         host::faults().disarm();
         html(text);
@@ -124,19 +124,19 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
         {rich, ";italic=x|all=x",
          block(".x { font-style:italic; }|.x1 { font-weight:bold; }|.x2 { color:#ff0000;font-size:12px; }|") +
              "<span class=\"x x1\">both</span><span class=\"x2\">red</span><span class=\"x x2\">more</span>"},
-        // A combination becomes an element or a class all or not at all.
+        // A combination becomes an element or a class as a whole or not at all.
         {both, "bold+bold=b;;", "<b>x</b>"},
         {both, "bold+=b;;", "<b>x</b>"},
         {both, "bold++italic=b|bold+underline=b|=b|bold=;;", "x"},
         {both, ";bold+underline=never|=never;", "x"},
-        // Each formatting goes to one place: elements, classes, declarations, the earlier first.
+        // Each formatting goes to one place: an element, otherwise a class, otherwise a declaration.
         {all, "bold=b|bold+italic=strong;;all", "<b style=\"color:#ff0000;font-style:italic;\">x</b>"},
         {all, "bold=b;italic=slanted;color",
          block(".slanted { font-style:italic; }|") + "<b class=\"slanted\" style=\"color:#ff0000;\">x</b>"},
         {all, "italic=i|bold=b;;color", "<i><b style=\"color:#ff0000;\">x</b></i>"},
         {both, ";all=kst|bold=never;",
          block(".kst { font-style:italic;font-weight:bold; }|") + "<span class=\"kst\">x</span>"},
-        // Names are numbered where they are taken, and listed in their order.
+        // Names that are in use get a number, and the list is in the order of the names.
         {{u"x", looks(face::bold | face::italic | face::underline)},
          ";italic=kst|bold=kst|underline=kst1;",
          block(".kst { font-style:italic; }|.kst1 { font-weight:bold; }|.kst11 { text-decoration:underline; "
@@ -145,10 +145,10 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
         {both, ";bold=z|italic=a;",
          block(".a { font-style:italic; }|.z { font-weight:bold; }|") + "<span class=\"z a\">x</span>"},
     });
-    EXPECT_EQ(lastError(), " "); // success says nothing
+    EXPECT_EQ(lastError(), " "); // success leaves the last error unchanged
 }
 
-TEST_F(GetAsHTML, declaresLooks) {
+TEST_F(GetAsHTML, declaresFormatting) {
     using namespace host::face;
     const std::string twice = "-webkit-text-decoration-style:double;text-decoration:underline";
     const struct {
@@ -188,7 +188,7 @@ TEST_F(GetAsHTML, declaresLooks) {
     EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-size:0px;"));
 }
 
-TEST_F(GetAsHTML, cutsWhereTheCssChanges) {
+TEST_F(GetAsHTML, startsARunWhereTheCssChanges) {
     host::RunStyle first, second;
     first.style.setFont(session.front()->fontId(u"Helvetica"));
     second.style.setFont(session.front()->fontId(u"Grüße"));
@@ -200,7 +200,7 @@ TEST_F(GetAsHTML, cutsWhereTheCssChanges) {
         {{u"a b", words}, "", "a<u> </u>b"},
         {joined({{u"a", first}, {u"b", second}, {u"c", first}}), ";;all",
          inFont("Helvetica", "a") + inFont("Grüße", "b") + inFont("Helvetica", "c")},
-        // Different looks with the same CSS share a run.
+        // Different formatting with the same CSS shares a run.
         {joined({{u"x", looks(face::outline)}, {u"y", plain}, {u" ", looks(face::underline)}, {u" ", words}}),
          "", "xy<u>  </u>"},
     });
@@ -216,8 +216,9 @@ TEST_F(GetAsHTML, splitsTextAtReturns) {
         {u"one\rtwo", "", "<p>one</p>|<p>two</p>|"},
         {u"one\r\rtwo\r", "", "<p>one</p>|<p></p>|<p>two</p>|"},
         {u"\r\r", "", "<p></p>|<p></p>|"},
-        {u"a\rb", "=div", "<div>a</div>|<div>b</div>|"}, // their alignment has no name
-        // What all runs share moves to the paragraph: the first block element, classes, declarations.
+        {u"a\rb", "=div",
+         "<div>a</div>|<div>b</div>|"}, // without a variable, the alignment has an empty name
+        // The first block element, classes and declarations of all runs move to the paragraph.
         {heading, "bold=h2", "<p><h2>a</h2>b</p>|<p>c</p>|"},
         {heading.substring(0, 1), "bold=h2", "<h2>a</h2>"},
         {boldLines, "bold=h2", "<h2>a</h2>|<h2>b</h2>|"},
@@ -233,13 +234,14 @@ TEST_F(GetAsHTML, splitsTextAtReturns) {
     });
 }
 
-TEST_F(GetAsHTML, escapesOnce) {
+TEST_F(GetAsHTML, escapesCharactersOnce) {
     expect({
         {u"a\u2028b\u00A0c\n<&>\"'", "", "a<br/>|b&nbsp;c<br/>|&lt;&amp;&gt;\"'"},
         {u"&lt;\u2028\n", "", "&amp;lt;<br/>|<br/>|"},
         {u"\U0001F600\r\U0001F600", "", "<p>\U0001F600</p>|<p>\U0001F600</p>|"},
         {std::u16string{0xD83D, 0, u'x'}, "", std::string("\uFFFD\0x", 5)},
-        {u"\u0126\u013C\u0A26\u20A0", "", "\u0126\u013C\u0A26\u20A0"}, // low bytes of escapes
+        {u"\u0126\u013C\u0A26\u20A0", "",
+         "\u0126\u013C\u0A26\u20A0"}, // characters with the low byte of an escaped one
     });
 }
 
@@ -271,11 +273,11 @@ TEST_F(GetAsHTML, readsVariablesWithTheirAlignment) {
          block(".r { text-align:right; }|") + "<p>a</p>|<p class=\"r\">b</p>|<p>c</p>|"},
         {u"a\r\rb\r", "", "<p>a</p>|<p></p>|<p>b</p>|"},
         {u"a\u2028b", "", "a<br/>|b"},
-        // A soft break ends a line and no value, so what follows is taken for the line before.
+        // A soft break ends a line but no value, so the next line gets the alignment of the one before.
         {u"a\u2028b\rc\rd", "", "<p>a<br/>|b<br/>|c</p>|<p>d</p>|"},
         {u"a\u2028b\rc", "", "<p>a<br/>|b<br/>|c</p>|"},
         {{u"a\u2028b\rc", aligned(center)}, "center=div;;", "<div>a<br/>|b<br/>|c</div>|"},
-        // What moves to the paragraph comes behind its own; an element of its own stays.
+        // Declarations that move to the paragraph come after its own. Its own element stays.
         {{u"<&", looks(face::bold, center)},
          ";;all",
          "<p style=\"font-weight:bold;text-align:center;\">&lt;&amp;</p>|"},
@@ -296,27 +298,27 @@ TEST_F(GetAsHTML, readsVariablesWithTheirAlignment) {
         "<p><i>x</i></p>|<p><i>y</i></p>|");
 }
 
-TEST_F(GetAsHTML, takesWhatHasNoValueAsText) {
+TEST_F(GetAsHTML, takesNamesWithoutAValueAsText) {
     for (const char16_t* const text : {u"$nothing", u"$$nothing", u"$", u"$5 + (", u" $$t", u"$a ; 1"}) {
         setVariable(u"value");
         EXPECT_EQ(html(text), host::Text(text).utf8());
     }
     EXPECT_EQ(htmlOfVariable(host::Text()), "$$t");
     EXPECT_EQ(html({u"$no\r$ne", looks(face::bold)}), "<p><b>$no</b></p>|<p><b>$ne</b></p>|");
-    // Any expression may follow, as long as it stands between parentheses as well.
+    // Any expression that can stand in parentheses may follow.
     EXPECT_EQ(htmlOfVariable(u"a\rb", ";"), "<p>a</p>|<p>b</p>|");
     EXPECT_EQ(html(u"$$t & \"c\""), "<p>a</p>|<p>bc</p>|");
 }
 
-/// How the time grows the benchmark shows; what is asked of the host can be counted.
-TEST_F(GetAsHTML, believesNoCountThatTheTextMakesUp) {
+/// The number of host calls is compared here, because times vary. The benchmark shows the times.
+TEST_F(GetAsHTML, limitsCountsThatTheTextDetermines) {
     setVariable(host::Text(u"x"));
     host::faults().disarm();
     html(u"$$t ) * 2000000000 + ( 0");
     EXPECT_LT(host::faults().calls(), 1000U);
 }
 
-TEST_F(GetAsHTML, asksTheHostInProportionToTheText) {
+TEST_F(GetAsHTML, callsTheHostInProportionToTheText) {
     const auto everyCharacterDifferent = [](std::uint32_t size) {
         host::Text text;
         for (std::uint32_t i = 0; i < size; ++i) {
@@ -399,7 +401,7 @@ TEST_F(GetAsHTML, readsCharactersAndRuns) {
     EXPECT_TRUE(runs[2].start == 1 && runs[2].length == 1 && runs[2].formattings == blank.formattings);
 }
 
-TEST_F(GetAsHTML, readsNoLinesOfWhatDoesNotEvaluate) {
+TEST_F(GetAsHTML, readsNoLinesOfInvalidExpressions) {
     const host::calc::Environment place = session.environment(session.front());
     const auto& env = host::bridge::out<fmx::ExprEnv>(place);
     const fmx::TextUniquePtr expression = cFMUtils::getUTF16data("$$t +");
@@ -413,7 +415,7 @@ TEST(HtmlText, isEscapedInPlace) {
     EXPECT_EQ(host::bridge::in<host::Text>(&*text).utf8(), "&amp;lt;&nbsp;<br/>\r<br/>\r");
 }
 
-TEST(HtmlFragment, isAValueThatIsEmptyAfterMoving) {
+TEST(HtmlFragment, isEmptyAfterMoving) {
     cFragment fragment;
     fragment.addChar(0xD83D);
     fragment.addChar(0);
@@ -428,7 +430,7 @@ TEST(HtmlFragment, isAValueThatIsEmptyAfterMoving) {
     moved = std::move(fragment);
     EXPECT_TRUE(fragmentsHaveEqualAppearance(moved, copy));
     EXPECT_TRUE(moved.characters == copy.characters && moved.formattings == copy.formattings);
-    // NOLINTNEXTLINE(bugprone-use-after-move): that is what is asked
+    // NOLINTNEXTLINE(bugprone-use-after-move): the state after a move is tested
     EXPECT_TRUE(fragment.characters.empty() && fragment.narrowText.empty() && fragment.formattings.empty() &&
                 fragment.tags.empty() && fragment.cssClasses.empty() && fragment.inlineStyles.empty());
 }
@@ -460,7 +462,7 @@ TEST(HtmlAlignment, isReadFromTheFirstTag) {
         {"<span style=\"text-align: \";center\">", "left"},
         {"<span style=\"text-align: ;center\">", "left"},
         {"<span style=\"text-align: justify;\">", "left"},
-        {"<span style=\"text-align: full center\">", "center"}, // by the order of the words
+        {"<span style=\"text-align: full center\">", "center"}, // the order of the plug-in's words decides
         {"<span>text-align: right;</span>", "left"},
         {"text-align: right;", "left"},
         {"", "left"},
@@ -470,7 +472,7 @@ TEST(HtmlAlignment, isReadFromTheFirstTag) {
         EXPECT_EQ(parseAlignmentFromGetAsCSS(css), alignment) << css;
 }
 
-TEST(HtmlParagraphs, endWhereAReturnOrAnotherAlignmentSaysSo) {
+TEST(HtmlParagraphs, endAtReturnsAndChangesOfAlignment) {
     using Ends = std::vector<bool>;
     EXPECT_EQ(determineParagraphEnds({}, {}), Ends{});
     EXPECT_EQ(determineParagraphEnds({13, 13, 0}, {"left", "left", "left"}), (Ends{true, true, false}));

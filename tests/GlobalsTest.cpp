@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-/// Values that outlive a calculation: the store itself, and the two functions through the loaded library.
+/// Values that outlive a calculation: the store itself, and the two functions of the loaded library.
 
 namespace {
 
@@ -22,7 +22,7 @@ host::Decimal numberFrom(const std::u16string& digits) {
     return host::Decimal::parse(digits).value_or(host::Decimal());
 }
 
-/// One of each kind, with what is easily lost on the way.
+/// A value of each type, with details that are easily lost.
 std::vector<Data> allKinds() {
     host::Text loud(u"plain and bold \U0001F600\r\t");
     loud.applyStyle(host::CharacterStyle(1, host::face::bold, 12), 6, 3);
@@ -34,7 +34,7 @@ std::vector<Data> allKinds() {
     std::vector<Data> values{
         Data(loud),
         Data(host::Text(std::u16string(u"a\0b", 3))),
-        Data(host::Text(std::u16string{0xD800, u'x', 0xDC00})), // halves of surrogate pairs
+        Data(host::Text(std::u16string{0xD800, u'x', 0xDC00})), // single surrogates
         Data(host::Decimal(-7)),
         Data(numberFrom(u"-0." + std::u16string(399, u'3') + u"1")),
         Data(numberFrom(std::u16string(400, u'9'))),
@@ -63,21 +63,21 @@ protected:
     }
 };
 
-TEST_F(Globals, keepEveryKindOfValueUnchanged) {
+TEST_F(Globals, keepValuesOfEveryTypeUnchanged) {
     for (const Data& value : allKinds()) {
         const Answer stored = call(u"Kestrel_SetGlobal", {Data(u"k"), value});
         EXPECT_EQ(stored.error, 0);
         EXPECT_TRUE(stored.value.isIdenticalTo(value)) << describe(value);
         Answer loaded = call(u"Kestrel_GetGlobal", {Data(u"k")});
         EXPECT_TRUE(loaded.value.isIdenticalTo(value)) << describe(value);
-        // What was loaded is the caller's own.
+        // The loaded value is a copy, which the caller may change.
         loaded.value.setText(host::Text(u"changed"));
         EXPECT_TRUE(call(u"Kestrel_GetGlobal", {Data(u"k")}).value.isIdenticalTo(value)) << describe(value);
         EXPECT_EQ(liveData(), 1);
     }
 }
 
-TEST_F(Globals, answerCalculations) {
+TEST_F(Globals, giveResultsToCalculations) {
     expectSteps({
         {"Kestrel_GetGlobal", "-50", "-50 Key must be specified"},
         {"Kestrel_SetGlobal", "-50", "-50 Key and value must be specified"},
@@ -99,7 +99,7 @@ TEST_F(Globals, answerCalculations) {
         {"Kestrel_SetGlobal ( \"k\" ; \"\" ; \"invalid\" )", ""},
         {"Kestrel_GetGlobal ( \"k\" )", ""},
         {"Kestrel_SetGlobal ( \"none\" ; \"\" )", ""},
-        // A key that is a number or a date is its text.
+        // The text of a number or date is the key.
         {"Kestrel_SetGlobal ( 007 ; Date ( 2 ; 3 ; 2024 ) )", "2/3/2024"},
         {"Kestrel_ValueType ( Kestrel_GetGlobal ( \"7\" ) )", "Date"},
         {"Kestrel_SetGlobal ( \"\" ; \"x\" ; \"invalid\" )", ""},
@@ -107,7 +107,7 @@ TEST_F(Globals, answerCalculations) {
     });
 }
 
-TEST_F(Globals, areOneStoreForAllFiles) {
+TEST_F(Globals, areSharedByAllFiles) {
     EXPECT_EQ(textOf("Kestrel_SetGlobal ( \"k\" ; 5 ; \"dieonclose\" )"), "5");
     session.open(solutionNamed(u"Other"));
     session.close(file);
@@ -116,7 +116,7 @@ TEST_F(Globals, areOneStoreForAllFiles) {
 
 TEST_F(Globals, areStoredAndReadByTheMillion) {
 #if __has_feature(address_sanitizer)
-    constexpr int million = 50'000; // the sanitizers take the time of the rest
+    constexpr int million = 50'000; // the sanitizers make every call slower
 #else
     constexpr int million = 1'000'000;
 #endif
@@ -129,7 +129,7 @@ TEST_F(Globals, areStoredAndReadByTheMillion) {
     EXPECT_EQ(liveData(), 0);
 }
 
-TEST_F(Globals, stayAsTheyWereWhenTheHostFails) {
+TEST_F(Globals, stayUnchangedWhenTheHostFails) {
     const std::vector<Data> kinds = allKinds();
     const std::vector<std::vector<Data>> calls{
         {Data(u"k"), kinds.front()}, {Data(u"k"), kinds.front(), Data(u"dieonclose")},
@@ -182,7 +182,7 @@ protected:
         key = host::fromUtf8(utf8);
         return host::bridge::out<fmx::Text>(std::as_const(key));
     }
-    /// The keys that have a value, and those that are bound with their file.
+    /// The keys that have a value, and the bound keys with their files.
     std::string contents() const {
         using kst::operator<<;
         std::ostringstream stream;
@@ -224,7 +224,7 @@ TEST_F(Store, bindsKeysToTheFirstFileAndForgetsBindings) {
     store.loadValueForKey(text("B"), host::bridge::out<fmx::Data>(untouched));
     EXPECT_TRUE(untouched.isIdenticalTo(Data(u"as it was")));
 
-    // A calculation whose file has closed cannot be evaluated: the value is kept, as a plain one.
+    // The file of this calculation has closed, so its name is not found. The value is kept without a binding.
     const host::calc::Environment place = session.environment(session.find(u"Sales"));
     session.close(session.front()->id());
     store.storeLocalValueForKey(host::bridge::out<fmx::ExprEnv>(place), text("c"), asData(Data(u"v")));
@@ -235,7 +235,7 @@ TEST_F(Store, bindsKeysToTheFirstFileAndForgetsBindings) {
     EXPECT_EQ(contents(), "|");
 }
 
-TEST_F(Store, cleansWhatIsBoundToClosedFiles) {
+TEST_F(Store, removesKeysOfClosedFiles) {
     const std::uint64_t sales = session.open(solutionNamed(u"Sales"));
     const std::uint64_t archive = session.open(solutionNamed(u"Sales Archive"));
     session.open(solutionNamed(u"Old Sales"));
@@ -246,7 +246,7 @@ TEST_F(Store, cleansWhatIsBoundToClosedFiles) {
     store.storeValueForKey(text("plain"), asData(Data(u"v")));
     const std::string all = "a b c d plain | a=Sales b=Sales Archive c=Old Sales d=Sales";
 
-    // A name is compared exactly: a file called SALES is another one.
+    // Names are compared exactly: SALES is another file than Sales.
     clean(u"Old Sales");
     EXPECT_EQ(contents(), all);
     host::faults().arm(1, host::Faults::Kind::unknown, true);
@@ -272,7 +272,7 @@ TEST(KeysInTheLog, areUtf8) {
               "\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF|\uFFFD\U0001F600x\uFFFD\uFFFD");
 }
 
-TEST(TheCleaningTimer, asksForANewLook) {
+TEST(TheCleaningTimer, requestsANewCheck) {
     kst::gStatusChecked = true;
     kst::TimerCallback(nullptr, nullptr);
     EXPECT_FALSE(kst::gStatusChecked);

@@ -9,19 +9,19 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
-/// What a browser makes of the HTML: for each character the style that it computes, against the styled text.
-/// Runs when KESTREL_BROWSER names a Chromium.
+/// Compares the style that a browser computes for each character of the HTML with the styled text. Runs when
+/// KESTREL_BROWSER names a Chromium.
 
 namespace {
 
 using host::Text;
 
-/// The computed style of a character by field; what is expected may have more than one value that will do.
+/// The computed style of a character by field. The expected style may allow more than one value for a field.
 using Computed = std::map<std::string, std::string>;
 using Expected = std::map<std::string, std::vector<std::string>>;
 
-/// Collects, for every frame, its characters and breaks with their computed styles. Lines, highlights and
-/// raised text are not handed down in CSS but show on what is inside, so they are collected on the way up.
+/// Collects the characters and breaks of every frame with their computed styles. CSS does not inherit lines,
+/// highlights and superscript, but inner elements show them, so they are collected from the outer elements.
 constexpr const char* script = R"js(
 function look(element) {
     const frame = element.ownerDocument, view = frame.defaultView;
@@ -91,7 +91,7 @@ protected:
         std::filesystem::remove_all(folder);
     }
 
-    /// The characters' styles in each of the pages.
+    /// The computed styles of the characters in each of the pages.
     nlohmann::json computedStyles(const std::vector<std::string>& pages) {
         {
             std::ofstream file(folder / "pages.html", std::ios::binary);
@@ -101,7 +101,7 @@ protected:
             file << "<pre id=looks></pre>";
         }
         const std::string quoted = "'" + folder.string();
-        // Without the tests' own network, which a browser does not get along with.
+        // The browser runs without the tests' own network, which it does not support.
         const std::string page = outputOf(
             "env -u LD_PRELOAD timeout 120 " + std::string(browser) +
             " --headless --disable-gpu --disable-dev-shm-usage" + (::geteuid() == 0 ? " --no-sandbox" : "") +
@@ -114,7 +114,8 @@ protected:
         return nlohmann::json::parse(page.substr(first, page.find("</pre>", first) - first), nullptr, false);
     }
 
-    /// What a character must look like. `isWholly` is what all characters of its paragraph have in common.
+    /// The expected style of a character. `isWholly` holds the faces that all characters of its paragraph
+    /// share.
     Expected expected(const host::RunStyle& look, std::uint16_t isWholly, const HtmlParameters& parameters) {
         using namespace host;
         const std::uint16_t faces = look.style.faces();
@@ -122,7 +123,7 @@ protected:
         Expected fields{{"weight", {"400"}},     {"slant", {"normal"}}, {"caps", {"normal"}},
                         {"spacing", {"normal"}}, {"background", {""}},  {"position", {"baseline"}},
                         {"letters", {"none"}}};
-        // Of two rows for one field the later wins.
+        // The later of two rows for one field wins.
         constexpr struct {
             std::uint16_t bits;
             const char *field, *value;
@@ -150,14 +151,14 @@ protected:
             fields["color"] = {"rgb(" + std::to_string(color.red) + ", " + std::to_string(color.green) +
                                ", " + std::to_string(color.blue) + ")"};
         }
-        // <mark> is black by itself, whatever the colour of the paragraph around it.
+        // <mark> has black text of its own, even in a coloured paragraph.
         if (has(face::highlight) && parameters.hasElements) fields["color"].emplace_back("rgb(0, 0, 0)");
         const auto font = session.front()->fontName(look.style.font());
         fields["font"] = {font ? host::toUtf8(*font) : "Base"};
         const int size = look.style.isSizeEnabled() ? look.style.size() : 17;
         fields["size"] = {std::to_string(size) + "px"};
         if ((faces & (face::superscript | face::subscript)) != 0 && parameters.hasElements)
-            fields["size"].push_back(std::to_string(size / 1.2) + "px"); // unless they say their own
+            fields["size"].push_back(std::to_string(size / 1.2) + "px"); // unless the element declares a size
         return fields;
     }
 
@@ -169,7 +170,8 @@ private:
                                   : (faces & face::doubleUnderline) != 0 ? "double"
                                                                          : "";
         if ((faces & face::strikethrough) == 0) {
-            // Of declarations that move to the paragraph one by one, the double style may leave its line.
+            // Declarations move to the paragraph one by one, so the double style may be separated from its
+            // line.
             if (under == "double" && parameters.hasInlineStyles && (isWholly & face::doubleUnderline) != 0)
                 return {under, "underline"};
             return {under};
@@ -177,14 +179,14 @@ private:
         std::vector<std::string> lines{under.empty()       ? "line-through"
                                        : under == "double" ? "double line-through"
                                                            : "line-through " + under};
-        // A declaration on <s> itself takes the place of its line; and the style of one line is that of both.
+        // A declaration on <s> itself replaces its line, and both lines have the same style.
         if (under == "double" && parameters.hasElements) lines.emplace_back("double");
         if (under == "double" && parameters.hasInlineStyles) lines.emplace_back("line-through underline");
         return lines;
     }
 };
 
-/// The faces that all characters of a paragraph have; a line under them counts as a double one.
+/// The faces that all characters of a paragraph share; a single underline counts as a double one too.
 std::vector<std::uint16_t> wholly(const Text& text) {
     std::vector<std::uint16_t> shared(text.size());
     for (std::uint32_t first = 0; first < text.size();) {
@@ -215,7 +217,7 @@ bool isOneOf(const std::vector<std::string>& wanted, const std::string& field, c
     });
 }
 
-TEST_F(HtmlInBrowser, looksAsStyled) {
+TEST_F(HtmlInBrowser, hasTheFormattingOfTheText) {
     constexpr unsigned count = 180;
     const unsigned first = numberFromEnvironment("KESTREL_SEED", 1);
     std::vector<Text> texts;

@@ -6,19 +6,19 @@
 #include <string>
 #include <utility>
 
-/// What the host's reader makes of documents as people and programs write them.
+/// The host's reader on documents as people and programs write them.
 
 namespace {
 
 using host::Text;
 
-/// Fonts are numbered by the length of their name.
+/// The number of a font is the length of its name.
 Text read(const std::string& html) {
     return host::readHtml(html,
                           [](std::u16string_view name) { return static_cast<std::uint16_t>(name.size()); });
 }
 
-/// The runs with what is said of them, as in "[bold red]text": returns are "|", soft line breaks "/".
+/// The runs with their formatting, such as "[bold red]text". Returns are "|", soft line breaks "/".
 std::string written(const Text& text) {
     constexpr std::array<std::pair<std::uint16_t, const char*>, 14> faceNames{{
         {host::face::bold, "bold"},
@@ -65,7 +65,7 @@ std::string written(const Text& text) {
     return all;
 }
 
-TEST(HtmlReader, readsLooksAndParagraphs) {
+TEST(HtmlReader, readsFormattingAndParagraphs) {
     const std::string aMember = "<style>.a{color:#0f0}p.a{font-weight:bold}P{font-style:italic}</style>";
     const std::pair<std::string, std::string> rows[] = {
         {"", ""},
@@ -124,14 +124,14 @@ TEST(HtmlReader, readsLooksAndParagraphs) {
 TEST(HtmlReader, knowsEncodings) {
     EXPECT_EQ(read("\xEF\xBB\xBFgr\xC3\xBC\xC3\x9F").utf8(), "grüß");
     EXPECT_EQ(read("<meta charset=iso-8859-1><p>gr\xC3\xBC\xC3\x9F").utf8(),
-              "grüß"); // it is UTF-8 all the same
+              "grüß"); // valid UTF-8 wins over the declared encoding
     EXPECT_EQ(read("gr\xFC\xDF").utf8(), "grüß");
     EXPECT_EQ(read("<html><head><meta charset=koi8-r></head><body>\xC4\xC1").utf8(), "да");
     EXPECT_EQ(read(std::string("\xFF\xFE<\0p\0>\0a\0", 10)).utf8(), "a");
     EXPECT_EQ(read(std::string("a\0b", 3)).utf8(), "a b");
 }
 
-TEST(HtmlReader, refusesWhatIsTooMuch) {
+TEST(HtmlReader, refusesOversizedDocuments) {
     const auto repeated = [](const std::string& part, std::size_t count) {
         std::string all;
         while (count-- > 0)
@@ -143,7 +143,7 @@ TEST(HtmlReader, refusesWhatIsTooMuch) {
     EXPECT_THROW(read(repeated("x", 11'000'000)), std::runtime_error);
     EXPECT_THROW(read(std::string(host::HtmlLimits::bytes + 1, ' ')), std::runtime_error);
     EXPECT_EQ(read(repeated("</p>", 100'000) + repeated("<p>x", 100'000)).size(), 199'999);
-    // Much style for many elements costs no more than both together.
+    // The cost of many rules and many elements is their sum, not their product.
     const std::string rules = repeated(".a{font-family:" + std::string(240, 'x') + "}", 5'000);
     EXPECT_EQ(read("<style>" + rules + "</style>" + repeated("<i class='a a a'>x</i>", 20'000)).runs().size(),
               1);

@@ -1,7 +1,7 @@
 #include "StyledTexts.h"
 #include "host/html/Reader.h"
 
-/// Styled text to HTML by the plug-in, back by the host's reader, which knows nothing of it.
+/// The plug-in converts styled text to HTML, and the host's independent reader converts it back.
 
 namespace {
 
@@ -15,7 +15,7 @@ protected:
     }
 };
 
-TEST_F(HtmlRoundTrip, keepsTextAndLooks) {
+TEST_F(HtmlRoundTrip, keepsTextAndFormatting) {
     const unsigned first = numberFromEnvironment("KESTREL_SEED", 1);
     const unsigned count = numberFromEnvironment("KESTREL_ROUND_TRIPS", 1000);
     for (unsigned seed = first; seed < first + count; ++seed) {

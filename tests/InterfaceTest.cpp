@@ -20,8 +20,8 @@
 #include <regex>
 #include <sstream>
 
-/// The host as a plug-in's source sees it: through the inline classes, with what a careless plug-in might
-/// pass.
+/// The host's interface through the inline classes of the headers, with arguments that a careless plug-in
+/// might pass.
 
 namespace {
 
@@ -93,7 +93,7 @@ TEST_F(Interface, BytesNeverLeaveTheBuffer) {
     EXPECT_EQ(text->GetBytesEx(nullptr, 0), 0U);
 }
 
-TEST_F(Interface, RangesAreCutAtTheTextsEnd) {
+TEST_F(Interface, RangesAreCutAtTheEndOfTheText) {
     const fmx::TextUniquePtr text = textOf("abcd");
     const struct {
         fmx::uint32 position, size;
@@ -175,7 +175,7 @@ TEST_F(Interface, WideCharactersBecomeUnits) {
     EXPECT_EQ(text->GetSize(), 0U);
 }
 
-TEST_F(Interface, VectorsRefuseWhatIsNotThere) {
+TEST_F(Interface, VectorsRefuseMissingElements) {
     const fmx::DataVectUniquePtr values;
     const fmx::DataUniquePtr data;
     data->SetAsNumber(*fmx::FixPtUniquePtr(7));
@@ -204,8 +204,8 @@ TEST_F(Interface, VectorsRefuseWhatIsNotThere) {
         EXPECT_REFUSED((*quad)[index]);
 }
 
-/// Calls a function by name, as a compiler would that knows its C declaration alone: references are pointers
-/// there. All arguments are null or 0, the slot is behind them.
+/// Calls a function by name through a C declaration, in which references are pointers. All arguments are null
+/// or 0, and the error slot follows them.
 __attribute__((no_sanitize("function"))) fmx::int32 codeWithNothing(void* function, std::size_t count) {
     fmx::_fmxcpt slot;
     std::array<void*, 10> a{};
@@ -215,7 +215,7 @@ __attribute__((no_sanitize("function"))) fmx::int32 codeWithNothing(void* functi
     return slot.m_code;
 }
 
-/// What the headers declare: each function's name and parameters, without the slot.
+/// The functions that the headers declare: names and parameters, without the error slot.
 std::map<std::string, std::string> declaredFunctions() {
     static const std::regex declaration(R"((FM_\w+)\(([^()]*?),?\s*fmx::_fmxcpt& _x\);)");
     std::map<std::string, std::string> functions;
@@ -228,14 +228,14 @@ std::map<std::string, std::string> declaredFunctions() {
     return functions;
 }
 
-TEST_F(Interface, EveryFunctionIsThereAndRefusesNull) {
+TEST_F(Interface, EveryFunctionExistsAndRefusesNull) {
     const auto functions = declaredFunctions();
     EXPECT_GT(functions.size(), 200U);
     for (const auto& [name, parameters] : functions) {
         void* function = dlsym(RTLD_DEFAULT, name.c_str());
         ASSERT_NE(function, nullptr) << name;
         if (parameters.find_first_of("*&") == std::string::npos) continue;
-        // Floating-point arguments go elsewhere.
+        // Floating-point arguments use other registers.
         const bool takesDouble = parameters.find("double") != std::string::npos;
         const auto commas = std::count(parameters.begin(), parameters.end(), ',');
         EXPECT_EQ(codeWithNothing(function, static_cast<std::size_t>(commas + (takesDouble ? 0 : 1))),
@@ -247,7 +247,7 @@ TEST_F(Interface, EveryFunctionIsThereAndRefusesNull) {
     EXPECT_REFUSED(text->GetBytes(nullptr, 1));
 }
 
-TEST_F(Interface, FailingCallsKeepNothing) {
+TEST_F(Interface, FailingCallsLeakNothing) {
     const auto work = [&] {
         const fmx::LocaleUniquePtr locale;
         const fmx::TextUniquePtr text = textOf("1 + 1");
@@ -288,7 +288,7 @@ TEST_F(Interface, FailingCallsKeepNothing) {
         }
 }
 
-TEST_F(Interface, NumbersKeepTheirPrecisionAndRefuseWhatIsNone) {
+TEST_F(Interface, NumbersKeepTheirPrecisionAndRefuseNanAndInfinity) {
     const fmx::FixPtUniquePtr example(0, 40), one(1, *example), three(3), quotient(5);
     EXPECT_EQ(one->GetPrecision(), 40);
     EXPECT_EQ(one->Divide(*three, *quotient), 0);
@@ -343,7 +343,7 @@ TEST_F(Interface, DatesNormaliseWithinTheCalendar) {
     EXPECT_EQ(moment->GetYear(), 2023);
 }
 
-TEST_F(Interface, ContainersGiveOutWholeRangesOrNothing) {
+TEST_F(Interface, ContainersGiveWholeRangesOrNothing) {
     std::array<char, 4> bytes{'a', 'b', 'c', 'd'};
     const fmx::BinaryDataUniquePtr file(*textOf("x.txt"), 4U, bytes.data());
     const fmx::QuadCharUniquePtr kind;
@@ -434,7 +434,7 @@ TEST_F(Interface, FontsBelongToTheFile) {
     EXPECT_EQ(script, fmx::CharacterStyle::kRoman);
 }
 
-TEST_F(Interface, EvaluatesWhereTheEnvironmentIs) {
+TEST_F(Interface, EvaluatesInTheFileOfTheEnvironment) {
     const fmx::ExprEnvUniquePtr nowhere;
     const fmx::DataUniquePtr result;
     const fmx::RowVectUniquePtr rows;

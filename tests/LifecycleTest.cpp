@@ -9,7 +9,7 @@
 #include <memory>
 #include <unistd.h>
 
-/// Starts and ends of the plug-in, in every order that a host may choose.
+/// Loading, starting, stopping and unloading of the plug-in, in every order that a host may choose.
 
 namespace {
 
@@ -26,7 +26,7 @@ std::string textOf(host::Session& session, std::u16string_view calculation) {
     return result.error == 0 ? result.value->asText().utf8() : "error " + std::to_string(result.error);
 }
 
-/// Values in the store, one script that waits in the session, one in the plug-in's own queue and one on the
+/// Stores values, and leaves one script waiting in the session, one in the plug-in's own queue and one on the
 /// main queue.
 void use(host::Session& session) {
     EXPECT_EQ(textOf(session,
@@ -53,7 +53,7 @@ protected:
 
 constexpr int manyTimes = 1'000;
 
-TEST_F(Lifecycle, AThousandLoadsLeaveNothingButWhatIsStored) {
+TEST_F(Lifecycle, AThousandLoadsKeepOnlyTheStoredValues) {
     std::int64_t stored = 0;
     for (int i = 0; i < manyTimes; ++i) {
         host::Session session;
@@ -77,7 +77,7 @@ TEST_F(Lifecycle, AThousandLoadsLeaveNothingButWhatIsStored) {
     EXPECT_EQ(host::mainQueue().pending(), 0U);
 }
 
-TEST_F(Lifecycle, WhatWasAskedForBeforeAShutdownIsDoneAfterTheNextStart) {
+TEST_F(Lifecycle, ScriptsFromBeforeAShutdownStartAfterTheNextInit) {
     host::Session session;
     session.open(solutionWithScript());
     host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
@@ -97,7 +97,7 @@ TEST_F(Lifecycle, WhatWasAskedForBeforeAShutdownIsDoneAfterTheNextStart) {
     EXPECT_TRUE(plugIn.violations().empty());
 }
 
-/// How a process ends.
+/// The steps of ending a process.
 enum Step : std::uint8_t {
     otherIsLoadedFirst,
     otherIsUnloadedFirst,
@@ -109,7 +109,7 @@ enum Step : std::uint8_t {
 };
 using Steps = std::bitset<stepCount>;
 
-/// What is still there at the exit. Reachable, so that the leak checker looks for what is not.
+/// The objects that exist at the exit. They are reachable, so the leak checker reports other objects only.
 struct Remains {
     std::unique_ptr<host::Session> session;
     std::unique_ptr<host::PlugIn> ours, other;
@@ -145,7 +145,7 @@ struct Remains {
 
 using LifecycleDeathTest = Lifecycle;
 
-TEST_F(LifecycleDeathTest, AnyOrderOfEndingEndsTheProcess) {
+TEST_F(LifecycleDeathTest, TheProcessEndsAfterAnyOrderOfSteps) {
     for (unsigned long order = 0; order < 1UL << stepCount; ++order)
         EXPECT_EXIT(endProcess(Steps(order)), testing::ExitedWithCode(0), "") << Steps(order);
 }

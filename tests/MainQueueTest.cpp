@@ -13,7 +13,7 @@
 #include <string>
 #include <sys/time.h>
 
-/// Work left for later, with the clock held still.
+/// Delayed work on the main queue, with the clock held.
 
 namespace {
 
@@ -36,7 +36,7 @@ protected:
         queue.clear();
         host::clock().reset();
     }
-    /// Has a letter written when the moment has come.
+    /// Adds work that writes a letter at the moment.
     void write(dispatch_time_t when, char letter) {
         std::string* const written = &order;
         dispatch_after(when, main, ^{
@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(MainQueue, RunsWhatIsDueByDeadlineAndThenInOrder) {
+TEST_F(MainQueue, RunsDueWorkByDeadlineAndThenInOrder) {
     write(inSeconds(2), 'd');
     write(inSeconds(1), 'b');
     write(inSeconds(1), 'c');
@@ -76,7 +76,7 @@ TEST_F(MainQueue, RunsWhatIsDueByDeadlineAndThenInOrder) {
     EXPECT_EQ(queue.untilNext(), std::nullopt);
 }
 
-TEST_F(MainQueue, WhatWorkAddsWaitsForTheNextTurn) {
+TEST_F(MainQueue, AddedWorkWaitsForTheNextDrain) {
     std::string* const written = &order;
     dispatch_queue_t const mainQueue = main;
     dispatch_after(DISPATCH_TIME_NOW, main, ^{
@@ -108,7 +108,7 @@ TEST_F(MainQueue, TimesSaturate) {
         EXPECT_EQ(dispatch_time(when, delta), expected) << when << " + " << delta;
     EXPECT_GT(dispatch_time(now, most), now);
 
-    // Also at the ends of what the clock can show.
+    // The same holds at the ends of the clock's range.
     for (const host::Clock::Micros moment : {host::Clock::Micros::min(), host::Clock::Micros::max()}) {
         host::clock().set(moment);
         write(inSeconds(-1), 'a');
@@ -118,7 +118,7 @@ TEST_F(MainQueue, TimesSaturate) {
     }
 }
 
-TEST_F(MainQueue, ForeverNeverComesAndNothingIsNothing) {
+TEST_F(MainQueue, ForeverAndMissingBlocksNeverRun) {
     write(DISPATCH_TIME_FOREVER, 'a');
     write(dispatch_time(DISPATCH_TIME_FOREVER, -nanosPerSecond), 'b');
     dispatch_after(inSeconds(0), main, nullptr);
@@ -130,7 +130,7 @@ TEST_F(MainQueue, ForeverNeverComesAndNothingIsNothing) {
     EXPECT_EQ(drained(), "");
 }
 
-TEST_F(MainQueue, BlocksAreCopiedAndReleasedRunOrNot) {
+TEST_F(MainQueue, BlocksAreCopiedAndAlwaysReleased) {
     const auto kept = std::make_shared<int>(0);
     const auto leave = [&](std::int64_t seconds) {
         // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): a block would not copy a reference
@@ -146,7 +146,7 @@ TEST_F(MainQueue, BlocksAreCopiedAndReleasedRunOrNot) {
     EXPECT_EQ(queue.drain(), 1U);
     EXPECT_EQ(kept.use_count(), 2);
     {
-        host::Session session; // its end empties the queue
+        host::Session session; // its destructor empties the queue
     }
     EXPECT_EQ(kept.use_count(), 1);
     EXPECT_EQ(*kept, 1);
@@ -172,7 +172,7 @@ TEST_F(MainQueue, reportsWorkThatThrowsAsAViolationOfItsPlugIn) {
 
     host::WorkOwner::run(plugIn.get(), throwing);
     write(DISPATCH_TIME_NOW, 'd');
-    plugIn.reset(); // takes along what belongs to it
+    plugIn.reset(); // drops its work on the queue
     EXPECT_EQ(drained(), "d");
 }
 
@@ -181,7 +181,7 @@ protected:
     void TearDown() override { host::clock().reset(); }
 };
 
-TEST_F(TimeOfDay, IsTheHostsClockOnceThatHasBeenMoved) {
+TEST_F(TimeOfDay, ComesFromTheHostsClockOnceItHasMoved) {
     const auto timeOfDay = [] {
         timeval moment{};
         struct timezone zone{.tz_minuteswest = 7, .tz_dsttime = 7};

@@ -3,7 +3,7 @@
 #include <array>
 #include <random>
 
-/// Templates filled in through the loaded library, beside a merge that goes character by character.
+/// Templates filled in by the loaded library, compared with a merge that works character by character.
 
 namespace {
 
@@ -17,7 +17,7 @@ CharacterStyle faces(std::uint16_t which) {
     return style;
 }
 
-/// The merge, slow and simple.
+/// A slow and simple merge.
 class SlowMerge {
 public:
     explicit SlowMerge(host::Session& session) : session_(session) {}
@@ -127,7 +127,7 @@ TEST_F(MergeText, fillsPlaceholders) {
         {u"<<<<1+1>>>>", u"<<2>>"},
         {u"<< <<1+1>>", u"<< <<1+1>>"}, // the expression begins at the first run
         {u"a>>b<<1+1>>", u"a>>b<<1+1>>"},
-        {u"a>>b<<1+1>> <<2>>", u"a>>b<<1+1>> <<2>>"}, // that ">>" is again without a partner
+        {u"a>>b<<1+1>> <<2>>", u"a>>b<<1+1>> <<2>>"}, // the first ">>" has no partner
         {u">> << <<2>>", u">> << 2"},
         {u"<<1+1", u"<<1+1"},
         {u"<<\"<\">><<\"<1>\" & \">\">>", u"<<1>>"}, // values are not templates
@@ -141,7 +141,7 @@ TEST_F(MergeText, fillsPlaceholders) {
         EXPECT_EQ(merged(source).utf8(), Text(result).utf8()) << Text(source).utf8();
 }
 
-TEST_F(MergeText, keepsAndGivesLooks) {
+TEST_F(MergeText, keepsAndAppliesFormatting) {
     const CharacterStyle none, bold = faces(host::face::bold), italic = faces(host::face::italic);
     CharacterStyle both = bold;
     both.apply(italic);
@@ -157,16 +157,16 @@ TEST_F(MergeText, keepsAndGivesLooks) {
         // The expression's first character decides, not the delimiters or what follows.
         {{{u"<<", italic}, {u"1", bold}, {u"+1>>!", none}}, {{u"2", bold}, {u"!", none}}},
         {{{u"<<", italic}, {u"1", none}, {u"+1>>!", bold}}, {{u"2", none}, {u"!", bold}}},
-        // A value that begins with a look of its own keeps its looks; another gets the expression's
-        // everywhere.
+        // A value that begins with formatting keeps its own; any other value gets the formatting of the
+        // expression throughout.
         {{{u"<<TextStyleAdd ( \"a\" ; Bold ) & \"b\">>", italic}}, {{u"a", bold}, {u"b", none}}},
         {{{u"<<\"a\" & TextStyleAdd ( \"b\" ; Bold )>>", italic}}, {{u"a", italic}, {u"b", both}}},
-        // What does not evaluate gets the look of its first character laid over it.
+        // An invalid expression gets the formatting of its first character added throughout.
         {{{u"<<", none}, {u"1", bold}, {u"+", italic}, {u">>", none}},
          {{u"<<1", bold}, {u"+", both}, {u">>", bold}}},
         {{{u"<<", bold}, {u"1", none}, {u"+", italic}, {u">>", bold}},
          {{u"<<1", none}, {u"+", italic}, {u">>", none}}},
-        // Delimiters that are left over keep theirs.
+        // Delimiters that are left over keep their formatting.
         {{{u"<", bold}, {u"<<1>", none}, {u">", none}, {u">", italic}}, {{u"<", bold}, {u"1>", none}}},
         {{{u"<<1", none}, {u">", bold}, {u">", italic}, {u">", none}}, {{u"1", none}, {u">", bold}}},
         {{{u">>", bold}, {u"<<1>>", italic}}, {{u">>", bold}, {u"<<1>>", italic}}},
@@ -189,9 +189,9 @@ TEST_F(MergeText, copiesAlignmentAsWell) {
     EXPECT_TRUE(merged(source).isIdenticalTo(expected));
 }
 
-TEST_F(MergeText, evaluatesWhereTheCalculationStands) {
+TEST_F(MergeText, evaluatesInTheCallersFile) {
     EXPECT_EQ(textOf("Let ( $x = 5 ; Kestrel_MergeText ( \"<<$x>> <<Get ( FileName )>>\" ) )"), "5 Untitled");
-    // Each occurrence by itself, from left to right.
+    // Each occurrence is evaluated separately, from left to right.
     EXPECT_EQ(textOf("Let ( $n = 0 ; Kestrel_MergeText ( \"<<Let ( $n = $n + 1 ; $n )>>"
                      "<<Let ( $n = $n + 1 ; $n )>>\" ) & $n )"),
               "122");

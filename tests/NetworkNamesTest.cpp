@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-/// Names and addresses of hosts, looked up by the loaded plug-in in a list of our own.
+/// Names and addresses of hosts, which the loaded plug-in looks up in the tests' own list.
 
 namespace {
 
@@ -22,7 +22,7 @@ protected:
 const std::string kNoAddress = "Cannot retrieve IP for host";
 const std::string kNotAnAddress = "Invalid IP address";
 
-TEST_F(NetworkNames, leadToAddresses) {
+TEST_F(NetworkNames, giveAddresses) {
     const struct {
         std::u16string name;
         std::string address;
@@ -37,7 +37,7 @@ TEST_F(NetworkNames, leadToAddresses) {
         {u"local host", kNoAddress},
         {u"localhost\r", kNoAddress},
         {u"h\u00f6st \U0001F600 \u0437", kNoAddress},
-        // What is past 1,023 bytes is not read.
+        // Bytes after the first 1,023 are not read.
         {std::u16string(100'000, u'x'), kNoAddress},
         {std::u16string(u"localhost") + std::u16string(1, u'\0') + u"x", "127.0.0.1"},
     };
@@ -56,8 +56,8 @@ TEST_F(NetworkNames, areFoundByAddress) {
         {u"0x7f.0.0.1", "localhost"},
         {u"127.0.0.23", "quo\"'ted\\"},
         {u"127.0.0.24", std::string(255, 'n')},
-        {u"10.1", "10.0.0.1"}, // no name
-        // 1,023 bytes are read, and nothing behind them.
+        {u"10.1", "10.0.0.1"}, // an address without a name
+        // Only the first 1,023 bytes are read.
         {u"127.0.0." + std::u16string(1014, u'0') + u"1", "localhost"},
         {u"127.0.0." + std::u16string(1015, u'0') + u"1", "127.0.0.0"},
         {u"203.0.113.7", "203.0.113.7"},
@@ -81,7 +81,7 @@ TEST_F(NetworkNames, leaveTheLastErrorAloneWhenTheyAreNotFound) {
     EXPECT_EQ(lastError(), "7 old");
 }
 
-TEST_F(NetworkNames, costNoDescriptors) {
+TEST_F(NetworkNames, leakNoDescriptors) {
     textOf("Kestrel_GetIPforName ( \"localhost\" ) & Kestrel_GetNameForIP ( \"127.0.0.1\" )");
     const std::size_t before = openDescriptors();
     for (int i = 0; i < 1000; ++i)
@@ -89,7 +89,7 @@ TEST_F(NetworkNames, costNoDescriptors) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(NetworkNames, areAwaitedAsLongAsTheResolverTakes) {
+TEST_F(NetworkNames, waitForTheResolverWithoutATimeout) {
     {
         const own_network::Slow slow("twice.example", std::chrono::seconds{10});
         EXPECT_EQ(lookUp(u"Kestrel_GetIPforName", u"twice.example"), "127.0.0.21");

@@ -1,6 +1,6 @@
 #include "FunctionCalls.h"
 
-/// Calls with fewer or more parameters than a function takes, past the host, which refuses some of them.
+/// Calls with fewer or more parameters than a function takes. They bypass the host, which would refuse some.
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-/// Counting matches, through the loaded library and beside the platform's own count.
+/// Counting matches through the loaded library, compared with the platform's own count.
 
 namespace {
 
@@ -47,7 +47,7 @@ TEST_F(PatternCount, readsTheFirst1023Bytes) {
     EXPECT_EQ(lastError(), " ");
 }
 
-TEST_F(PatternCount, endsWhateverThePattern) {
+TEST_F(PatternCount, endsForEveryPattern) {
     const std::u16string as(1000, u'a');
     const struct {
         const char16_t* pattern;
@@ -57,7 +57,7 @@ TEST_F(PatternCount, endsWhateverThePattern) {
         {u"(.*)(.*)(.*)x", as},
         {u"(?:a|a)*(?:a|a)*(?:a|a)*c", as},
         {u"(a*)*b", as.substr(0, 40)},
-        // Matches before do not hide it.
+        // Earlier matches do not hide the failure.
         {u"(a+)+b", u"abaab" + as},
     };
     for (const auto& row : rows) {
@@ -72,7 +72,7 @@ TEST_F(PatternCount, endsWhateverThePattern) {
 
 platform::Units unitsOf(const std::u16string& text) { return {text.begin(), text.end()}; }
 
-TEST(PlatformMatches, areCountedAsThePlatformFindsThem) {
+TEST(PlatformMatches, agreeWithThePlatformsOwnCount) {
     const std::u16string as(1000, u'a');
     std::vector<std::pair<std::u16string, std::u16string>> cases{
         {as, u"a"},

@@ -25,7 +25,7 @@ TEST_F(UnloadedPlugIn, acceptsHostVersionsFrom50To255) {
     }
 }
 
-TEST_F(UnloadedPlugIn, bearsMessagesInAnyOrderAndStartsAgain) {
+TEST_F(UnloadedPlugIn, handlesMessagesInAnyOrderAndRestarts) {
     const auto idle = [&] {
         for (const unsigned char level : {0, 1, 4, 9})
             plugIn.idle(level);
@@ -44,7 +44,7 @@ TEST_F(UnloadedPlugIn, bearsMessagesInAnyOrderAndStartsAgain) {
     EXPECT_TRUE(plugIn.violations().empty());
 }
 
-TEST_F(UnloadedPlugIn, takesBackWhatItRegisteredWhenOneRegistrationFails) {
+TEST_F(UnloadedPlugIn, withdrawsItsFunctionsWhenOneRegistrationFails) {
     session.functions()->add({.name = u"Kestrel_SetScriptShortcut",
                               .minimum = 0,
                               .maximum = 0,
@@ -56,7 +56,7 @@ TEST_F(UnloadedPlugIn, takesBackWhatItRegisteredWhenOneRegistrationFails) {
     EXPECT_EQ(session.functions()->find(u"kestrel_version"), nullptr);
 }
 
-TEST_F(LoadedPlugIn, leavesOneFunctionRegisteredAtShutdownWhoeverRegistered) {
+TEST_F(LoadedPlugIn, leavesOneFunctionRegisteredAtShutdown) {
     ASSERT_EQ(RegisterExternalFunction(16, 0, 0, 0xFF01, Kestrel_Version), 0);
     plugIn.shutdown();
     ASSERT_EQ(plugIn.functions().size(), 1U);
@@ -72,7 +72,7 @@ TEST_F(LoadedPlugIn, answersStringRequests) {
     EXPECT_TRUE(description.ends_with("\\n\\nVersion 3.1")) << description;
     for (const int request : {130, 132, 0, 255})
         EXPECT_FALSE(plugIn.readString(request).answered) << request;
-    // No more of it than the buffer holds.
+    // The text is cut at the buffer's size.
     const std::u16string whole = plugIn.readString(kFMXT_AppConfigStr).text;
     for (const std::uint32_t units : {0U, 1U, 20U, static_cast<std::uint32_t>(whole.size()), 4000U}) {
         const auto answer = plugIn.readString(kFMXT_AppConfigStr, units);
@@ -82,8 +82,8 @@ TEST_F(LoadedPlugIn, answersStringRequests) {
 }
 
 TEST_F(LoadedPlugIn, registersExactlyTheFunctionsThatSolutionsKnow) {
-    // id | prototype (the name stands before its parenthesis) | counts; flags are 0xFF01 but for the last
-    // one's 1.
+    // id | prototype (the name stands before its parenthesis) | counts; flags are 0xFF01, and 1 for the last
+    // function.
     const struct {
         int id;
         const char* prototype;
@@ -131,7 +131,7 @@ TEST_F(LoadedPlugIn, registersExactlyTheFunctionsThatSolutionsKnow) {
     }
 }
 
-TEST_F(LoadedPlugIn, answersWithoutARecordWhereNothingFailed) {
+TEST_F(LoadedPlugIn, leavesTheLastErrorAloneWhereNothingFailed) {
     evaluate("Kestrel_GetPrinterNames");
     for (const char* format : {"short", "Long", "PLATFORM", "autoupdate", " long", ""})
         evaluate("Kestrel_Version ( \"" + std::string(format) + "\" )");
@@ -139,7 +139,7 @@ TEST_F(LoadedPlugIn, answersWithoutARecordWhereNothingFailed) {
     EXPECT_EQ(lastError(), "-4 iOS doesn't support this function.");
 }
 
-TEST_F(LoadedPlugIn, reportsWhatThePlatformLacks) {
+TEST_F(LoadedPlugIn, reportsFunctionsThatThePlatformLacks) {
     for (const char* const calculation :
          {"Kestrel_DoSystemScript ( \"a\" ; \"b\" )", "Kestrel_GetPrinterNames",
           "Kestrel_SetDefaultPrinter ( \"\" )", "Kestrel_GetDefaultPrinter ( 1 ; 2 )",

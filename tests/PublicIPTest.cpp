@@ -7,8 +7,8 @@
 #include <fstream>
 #include <iterator>
 
-/// The public address, asked for by the loaded plug-in on a network of our own, where the services answer
-/// what a case wants.
+/// The public address, which the loaded plug-in requests on the tests' own network. Each case chooses the
+/// behaviour of the services.
 
 namespace {
 
@@ -30,7 +30,7 @@ protected:
     }
 };
 
-TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
+TEST_F(PublicIP, isFoundInTheResponsesOfTheServices) {
     const std::string page = "<html><head><title>Current IP Check</title></head><body>";
     const struct {
         int service;
@@ -63,7 +63,7 @@ TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
         {8, kClose + "<p>Your ip is 203.0.113.7</p>", "-8"},
         {9, kClose + page + "Current IP Address: 203.0.113.7</body></html>", "203.0.113.7"},
         {9, kClose + page + "Current IP Address: 255.255.255.2550</body></html>", "-8"},
-        // 16,000 bytes are looked at, headers and all.
+        // The first 16,000 bytes are searched, including the headers.
         {8, std::string(15'982, ' ') + "Your IP is 1.2.3.4<!>", "-8"},
         {8, std::string(15'981, ' ') + "Your IP is 1.2.3.4<!>", "1.2.3.4"},
         {2, "\r\n\r\n" + std::string(16'000, '.'), "-8"},
@@ -82,7 +82,7 @@ TEST_F(PublicIP, isFoundInTheAnswersThatServicesGive) {
     }
 }
 
-TEST_F(PublicIP, isAskedForPlainly) {
+TEST_F(PublicIP, isRequestedWithTwoHeaderLines) {
     WebServices services({{2, {Kind::doesNotListen, ""}}, {6, {Kind::answers, ""}}});
     EXPECT_EQ(ask(), "-5");
     EXPECT_EQ(services.clients(), std::vector<int>{6});
@@ -110,7 +110,7 @@ TEST_F(PublicIP, isNotAvailableWhenAllServicesFailAlike) {
         {{Kind::answers, ""}, {"-8"}},
         {{Kind::drips, kClose + "203.0.113.7"}, {"-8"}},
         {{Kind::breaksOff, ""}, {"-7"}},
-        // As the moment falls: when sending, when receiving, or without a word.
+        // The error depends on the timing: while sending, while receiving, or an empty answer.
         {{Kind::hangsUp, ""}, {"-6", "-7", "-8"}},
     };
     for (const auto& [behaviour, codes] : cases) {
@@ -135,17 +135,17 @@ TEST_F(PublicIP, triesElevenTimesToConnect) {
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 11) << printed;
 }
 
-TEST_F(PublicIP, isAwaitedWhileTimeIsLeft) {
+TEST_F(PublicIP, isAwaitedUntilTheTimeLimit) {
     constexpr std::chrono::milliseconds time{1000};
     const std::string page = "Current IP Address: 192.0.2.9<";
     const struct {
-        std::map<int, Behaviour> behaviours; // the others refuse
+        std::map<int, Behaviour> behaviours; // the other services refuse connections
         std::string slowName, address;
     } cases[] = {
         {{{2, {Kind::answersLate, "\r\n\r\n192.0.2.2", time / 2}}}, "", "192.0.2.2"},
         {{{2, {Kind::keepsSilent, ""}}, {9, {Kind::answers, page}}}, "", "192.0.2.9"},
         {{{9, {Kind::answersLate, page, time * 4 / 5}}}, "", "192.0.2.9"},
-        // Looking a name up is not counted.
+        // The time of a look-up does not count.
         {{{2, {Kind::answers, "\r\n\r\n192.0.2.2"}}}, "api.ipify.org", "192.0.2.2"},
         {{{9, {Kind::answers, page}}}, "api.ipify.org", "192.0.2.9"},
     };
@@ -158,14 +158,14 @@ TEST_F(PublicIP, isAwaitedWhileTimeIsLeft) {
     }
 }
 
-TEST_F(PublicIP, givesUpWithinTenSecondsWhenNobodyAnswers) {
+TEST_F(PublicIP, givesUpWithinTenSecondsWithoutAResponse) {
     WebServices services(Behaviour{Kind::keepsSilent, ""});
     EXPECT_LE(secondsOf([&] { EXPECT_EQ(ask(), "-7"); }), 10.0);
     EXPECT_EQ(lastError(), "-7 " + kNotAvailable);
     EXPECT_EQ(services.clients(), (std::vector<int>{2, 6, 5, 8, 9}));
 }
 
-TEST_F(PublicIP, losesNoDescriptorInTenThousandCalls) {
+TEST_F(PublicIP, leaksNoDescriptorInTenThousandCalls) {
     {
         WebServices services(Behaviour{Kind::answers, "\r\n\r\n203.0.113.7"});
         EXPECT_EQ(ask(), "203.0.113.7");
@@ -185,7 +185,7 @@ TEST_F(PublicIP, losesNoDescriptorInTenThousandCalls) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(PublicIPServices, areNamedInTheirOrderByTheFunctionsPage) {
+TEST(PublicIPServices, areDocumentedInTheirOrder) {
     std::ifstream file(KESTREL_SOURCE_DIR "/docs/functions/Kestrel_GetClientPublicIPAddress.md");
     const std::string page(std::istreambuf_iterator<char>(file), {});
     int order = 0;
@@ -196,7 +196,7 @@ TEST(PublicIPServices, areNamedInTheirOrderByTheFunctionsPage) {
     }
 }
 
-TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
+TEST(PublicIPAddress, isCollectedUpToTheFirstError) {
     const struct {
         const char *response, *out;
         int service;
@@ -210,7 +210,7 @@ TEST(PublicIPAddress, isCollectedUpToWhatIsWrong) {
         {"IP Information: 1.2.3.4</h1>", "1.2.3.4", 3, true},
         {"\r\n\r\nd\r\n192.0.2.1", "192.0.2.1", 4, true},
         {"<strong id=\"ip_address\">1.2.3.4</strong>", "1.2.3.4", 7, true},
-        // Numbers that no service has give the first.
+        // An unknown number stands for the first service.
         {"My IP address: 1.2.3.4<br>", "1.2.3.4", 0, true},
         {"My IP address: 1.2<br>", "1.2", 10, false},
         {"My IP address: <br>", "", -1, false},

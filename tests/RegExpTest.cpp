@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// Replacing by patterns, through the loaded library.
+/// Replacement of patterns through the loaded library.
 
 namespace {
 
@@ -25,7 +25,8 @@ constexpr const char* kNoRoom = "2400 There was insufficient memory to determine
 constexpr const char* kPatternTooLong = "2400 There was insufficient memory to convert the expression into a "
                                         "finite state machine.";
 
-/// The rules once more, on plain strings and the library as it is: slow, and without an end for some.
+/// A second implementation of the rules, on plain strings with the standard library: slow, and without a time
+/// limit for some patterns.
 std::wstring substitutedSlowly(const std::wstring& text, const std::wstring& pattern,
                                const std::vector<std::wstring>& replacements) {
     const std::wregex expression(pattern);
@@ -69,7 +70,7 @@ protected:
     }
 };
 
-TEST_F(RegExp, answersCalculations) {
+TEST_F(RegExp, givesResultsToCalculations) {
     expectSteps({
         {R"~(Kestrel_RegExp_Substitute ( "a1b a2b" ; "a(\\d)b" ; "X" ))~", "aX aXb"},
         {R"~(Kestrel_RegExp_Substitute ( "2024-05-06" ; "(\\d+)-(\\d+)-(\\d+)" ; "Y" ; "M" ; "D" ))~",
@@ -97,21 +98,21 @@ TEST_F(RegExp, answersCalculations) {
     });
 }
 
-TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
+TEST_F(RegExp, handlesUnusualGroups) {
     const struct {
         const char16_t *text, *pattern;
         const char* result;
     } rows[] = {
-        // One group in another: the second begins before the place that is reached.
+        // Nested groups: the inner group begins before the position that is reached.
         {u"-ab-", u"((a)b)", "-12-"},
         {u"-abcd-", u"((a)b(c))d", "-12b3d-"},
-        // Groups that took no part.
+        // Groups that matched nothing.
         {u"ac", u"(a)(b)?(c)", "13"},
         {u"ac", u"(b)?(a)(c)", "ac"},
-        // Nothing matched, but a group that looks ahead.
+        // A group in a lookahead, which is not part of the match.
         {u"aab", u"(?=(a))", "1a1ab"},
         {u"ab", u"a(?=(b))", "a1b"},
-        // Anchors and borders of words see what stands before.
+        // Anchors and word boundaries take the preceding text into account.
         {u"aaa", u"^(a)", "1aa"},
         {u"aaa", u"(a)$", "aa1$"},
         {u"aa a", u"\\b(a)", "1a 1"},
@@ -119,7 +120,7 @@ TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
         {u"aB", u"([[:lower:]])", "1B"},
         {u"a:b.", u"([[:alpha:].])", "1:11"},
         {u"abab", u"(ab)\\1", "1\\1"},
-        // A character is half of a pair.
+        // A match may be half of a surrogate pair.
         {u"\xD83D\xDE00", u"(\\uDE00)", "\uFFFD1"},
     };
     for (const auto& [text, pattern, result] : rows)
@@ -131,7 +132,7 @@ TEST_F(RegExp, keepsItsPromisesAboutOddGroups) {
             << host::toUtf8(pattern);
 }
 
-/// Patterns from a few characters, most of them well-formed.
+/// Random patterns of a few characters, most of them well-formed.
 class RandomPatterns {
 public:
     std::wstring pattern(int depth = 0) {
@@ -166,7 +167,7 @@ private:
 
 std::u16string narrow(const std::wstring& wide) { return {wide.begin(), wide.end()}; }
 
-TEST_F(RegExp, doesAsASlowImplementationDoes) {
+TEST_F(RegExp, agreesWithASlowImplementation) {
     RandomPatterns random;
     int replaced = 0, malformed = 0;
     for (int round = 0; round < 8'000; ++round) {
@@ -205,7 +206,7 @@ TEST_F(RegExp, reportsMalformedPatterns) {
     }
 }
 
-TEST_F(RegExp, endsWhateverThePattern) {
+TEST_F(RegExp, endsForEveryPattern) {
     const std::u16string as(4'000, u'a');
     const struct {
         const char* what;
@@ -232,25 +233,25 @@ TEST_F(RegExp, endsWhateverThePattern) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(failure(row.text, row.pattern), row.error) << row.what;
-    // The bounds are beyond what is in use.
+    // The limits are higher than realistic patterns need.
     EXPECT_EQ(substituted(u"a", times(200, u"(") + u"a" + times(200, u")")).utf8(), "X");
     EXPECT_EQ(substituted(u"ab", u"(b)" + times(900, u"c?|a")).units().substr(0, 1), u"c");
     EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"(" + times(9'998, u"a") + u")").utf8(), "Xaa");
 }
 
-TEST_F(RegExp, doesHonestWorkOfAnyLength) {
+TEST_F(RegExp, replacesInLongTexts) {
     const std::u16string text = times(50'000, u"lorem 12 ipsum dolor\r");
     const std::string result = substituted(text, u"(\\d+) ", u"n").utf8();
     EXPECT_EQ(result.size(), text.size() / 21 * 19 + 1);
     EXPECT_TRUE(result.starts_with("lorem nipsum dolor\rlorem nipsum"));
-    // So far to the first match that the search goes on step by step.
+    // The first match is so far away that the search continues step by step.
     const std::u16string far = std::u16string(1'100'000, u'x') + u"a1 a1a";
     EXPECT_EQ(substituted(far, u"(?:^|\\b)(a)(?=\\d)").units().substr(1'100'000), u"a1 X1a");
-    // One match from end to end.
+    // One match covers the whole text.
     EXPECT_EQ(substituted(std::u16string(200'000, u'a'), u"(.*)").utf8(), "X");
 }
 
-/// Every look in turn: on the pattern and on the middle of the text.
+/// A style for every kind of formatting.
 std::vector<host::CharacterStyle> allStyles() {
     std::vector<host::CharacterStyle> styles(3);
     styles[0].setFont(1);
@@ -275,14 +276,14 @@ TEST_F(RegExp, replacesOnlyInThePatternsStyle) {
     const Text replacement = withStyle(u"XY", ofReplacement);
     for (std::size_t i = 0; i < styles.size(); ++i) {
         const Text text = withStyle(u"a1 a2 a3", styles[i], 3, 2);
-        // Only the pattern's first character tells.
+        // Only the formatting of the pattern's first character matters.
         Text pattern = withStyle(u"a(\\d)", styles[i], 0, 1);
         Text expected = withStyle(u"a1 a", styles[i], 3, 1);
         expected.append(replacement);
         expected.append(Text(u" a3"));
         EXPECT_TRUE(substituted(text, pattern, replacement).isIdenticalTo(expected)) << i;
 
-        // Another style, one trait more, or a style elsewhere in the match: copied as it was.
+        // A match with another style, additional formatting, or the style only later is copied unchanged.
         for (const host::CharacterStyle& other : {styles[(i + 1) % styles.size()], ofReplacement}) {
             EXPECT_TRUE(substituted(text, withStyle(u"a(\\d)", other), replacement).isIdenticalTo(text)) << i;
             Text more = withStyle(u"a1", other);
@@ -293,7 +294,7 @@ TEST_F(RegExp, replacesOnlyInThePatternsStyle) {
         const Text late = withStyle(u"a1", styles[i], 1, 1);
         EXPECT_TRUE(substituted(late, pattern, replacement).isIdenticalTo(late)) << i;
 
-        // A plain pattern does not ask.
+        // A plain pattern matches text of any style.
         Text everywhere;
         for (const Text& before : {Text(u"a"), withStyle(u" a", styles[i], 1, 1), Text(u" a")}) {
             everywhere.append(before);
@@ -303,7 +304,7 @@ TEST_F(RegExp, replacesOnlyInThePatternsStyle) {
     }
 }
 
-TEST_F(RegExp, addsThePatternsEndWithoutItsStyle) {
+TEST_F(RegExp, addsTheEndOfThePatternWithoutItsStyle) {
     host::CharacterStyle bold;
     bold.setFaces(host::face::bold);
     Text expected(u"b");

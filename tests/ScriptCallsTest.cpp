@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
-/// The host's start-script call as the plug-in's own code makes it, caught before it reaches a host.
+/// The start-script call from the plug-in's code, recorded before it reaches a host.
 
 namespace {
 
 std::vector<std::string>
-    started; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): a C callback's
+    started; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): used by a C call-back
 
 std::string utf8(const fmx::Text& text) { return host::bridge::in<host::Text>(&text).utf8(); }
 
@@ -51,7 +51,7 @@ protected:
 TEST_F(ScriptCalls, nameFileScriptAndParameter) {
     block.cStartScript = record;
     gFMX_ExternCallPtr = &block;
-    // The host's error where the call is the host's own; 0 where only the name counts.
+    // Direct calls give the host's error. The other functions give 0 for a valid name.
     EXPECT_EQ(cFMUtils::StartFMScript(environment(), "Other", "Any", kFMXT_Resume, "p"), 104);
     EXPECT_EQ(cFMUtils::StartFMScript(environment(), nullptr, nullptr, kFMXT_Halt, nullptr), 104);
     const fmx::DataUniquePtr parameter;
@@ -64,14 +64,14 @@ TEST_F(ScriptCalls, nameFileScriptAndParameter) {
                                                  "Desk/print report/0/42"}));
 }
 
-TEST_F(ScriptCalls, areAnErrorWithoutAHostToAnswer) {
+TEST_F(ScriptCalls, failWithoutAHost) {
     EXPECT_EQ(cFMUtils::StartFMScript(environment(), "Other", "Any", kFMXT_Halt, ""), kst::kUnexpectedError);
-    gFMX_ExternCallPtr = &block; // of a host too old for the call
+    gFMX_ExternCallPtr = &block; // the block of a host that lacks the call
     EXPECT_EQ(cFMUtils::StartFMScript(environment(), "Other", "Any", kFMXT_Halt, ""), kst::kUnexpectedError);
     EXPECT_TRUE(started.empty());
 }
 
-TEST_F(ScriptCalls, areNotMadeByWhatDoesNothing) {
+TEST_F(ScriptCalls, areNotMadeByEmptyFunctions) {
     block.cStartScript = record;
     gFMX_ExternCallPtr = &block;
     kst::PerformScheduledScripts();

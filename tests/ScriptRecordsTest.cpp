@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A temporary folder of its own, which TMPDIR names.
+/// A separate temporary folder, which TMPDIR names.
 class ScriptRecords : public testing::Test {
 protected:
     fs::path folder;
@@ -44,7 +44,7 @@ private:
     std::optional<std::string> former_;
 };
 
-TEST_F(ScriptRecords, keepTheLastTextWhole) {
+TEST_F(ScriptRecords, keepTheLastText) {
     EXPECT_EQ(getScriptStatus("run"), "<KST_NOT_EXISTS>");
     EXPECT_EQ(getScriptResult("run"), "<KST_NOT_EXISTS>");
     setScriptStatus("run", "a long first status");
@@ -57,7 +57,7 @@ TEST_F(ScriptRecords, keepTheLastTextWhole) {
     EXPECT_TRUE(_scriptStatus.empty() && _scriptResult.empty());
 }
 
-TEST_F(ScriptRecords, haveOneFileEachWhateverTheIdentifier) {
+TEST_F(ScriptRecords, haveOneFileForEachIdentifier) {
     const struct {
         std::string id, file;
     } cases[] = {
@@ -78,7 +78,7 @@ TEST_F(ScriptRecords, haveOneFileEachWhateverTheIdentifier) {
         EXPECT_EQ(getScriptStatus(id), "of " + id);
 }
 
-TEST_F(ScriptRecords, sayNothingWhenTheyCannotBeWritten) {
+TEST_F(ScriptRecords, stayEmptyWhenTheyCannotBeWritten) {
     const std::string tooLong(300, 'x');
     setScriptStatus(tooLong, "lost");
     EXPECT_EQ(getScriptStatus(tooLong), "<KST_NOT_EXISTS>");
@@ -87,7 +87,7 @@ TEST_F(ScriptRecords, sayNothingWhenTheyCannotBeWritten) {
     EXPECT_EQ(getScriptResult("folder"), "<KST_NOT_EXISTS>");
 }
 
-TEST_F(ScriptRecords, areFoundInTheTemporaryFolderOfTheMoment) {
+TEST_F(ScriptRecords, areFoundInTheCurrentTemporaryFolder) {
     setScriptStatus("run", "there");
     ::setenv("TMPDIR", (folder.string() + "/").c_str(), 1);
     EXPECT_EQ(getScriptStatus("run"), "there");
@@ -97,7 +97,7 @@ TEST_F(ScriptRecords, areFoundInTheTemporaryFolderOfTheMoment) {
     EXPECT_EQ(cFileManager::getTempDirectory(), "/tmp");
 }
 
-TEST_F(ScriptRecords, areFilesAndNothingElse) {
+TEST_F(ScriptRecords, areRegularFilesOnly) {
     const fs::path file = folder / "file";
     setScriptStatus("x", "");
     fs::rename(folder / "status_x.txt", file);

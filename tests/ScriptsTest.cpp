@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <memory>
 
-/// Scripts from the call that starts them to their end, in the host's loop and with its clock held still.
+/// Scripts from the start-script call to their end, in the host's loop with its clock held.
 
 namespace {
 
@@ -33,14 +33,14 @@ protected:
 
     void SetUp() override {
         LoadedPlugIn::SetUp();
-        session.close(file); // the desk is the file that calculates
+        session.close(file); // Desk becomes the front file
         host::clock().hold();
         session.onScriptCall = [this](const host::ScriptCall& call) {
             calls.push_back(host::toUtf8(call.scriptName) + " " + std::to_string(call.error));
         };
     }
     void TearDown() override {
-        host::clock().advance(24h * 400); // nothing is left in the plug-in's own queue for the next test
+        host::clock().advance(24h * 400); // empties the plug-in's own queue for the next test
         while (session.turn().scriptCalls > 0) {
         }
         host::clock().reset();
@@ -50,7 +50,7 @@ protected:
     void start(const std::string& arguments) {
         ASSERT_EQ(textOf("Kestrel_DoFileMakerScript ( " + arguments + " )"), "0") << lastError();
     }
-    /// What was started in one turn of the loop, "name error" each.
+    /// The start-script calls of one turn of the loop, each as "name error".
     std::vector<std::string> turn() {
         calls.clear();
         session.turn();
@@ -59,7 +59,7 @@ protected:
     using Calls = std::vector<std::string>;
 };
 
-TEST_F(Scripts, DelaysThatEndTogetherRunLastQueuedFirstAndOneAnIdleMessage) {
+TEST_F(Scripts, DelayedScriptsRunLastFirstOneForEachIdleMessage) {
     start("\"First\" ; \"\" ; 1");
     start("\"Second\" ; \"\" ; 2");
     host::clock().advance(999ms);
@@ -75,13 +75,13 @@ TEST_F(Scripts, DelaysThatEndTogetherRunLastQueuedFirstAndOneAnIdleMessage) {
     EXPECT_EQ(textOf("$$log"), "21");
 }
 
-TEST_F(Scripts, AMomentComesToTheSecondAndADayAheadIsTheMost) {
+TEST_F(Scripts, DelaysAreExactToTheSecondAndAtMostADay) {
     const std::string ahead = "\"First\" ; \"\" ; Get ( CurrentTimestamp ) + ";
     host::clock().set(1'700'000'000s);
     start(ahead + "86400");
     EXPECT_EQ(textOf("Kestrel_DoFileMakerScript ( " + ahead + "86401 )"), "error -1001");
     EXPECT_EQ(textOf("$$Kestrel_LastErrorMessage"), "Wrong timestamp");
-    start(ahead + "-1"); // in effect never
+    start(ahead + "-1"); // never due in practice
     EXPECT_EQ(host::mainQueue().pending(), 1U);
     host::clock().advance(24h - 1us);
     EXPECT_EQ(turn(), Calls{});
@@ -115,7 +115,7 @@ TEST_F(Scripts, AFileThatHasClosedDropsItsScripts) {
     EXPECT_EQ(turn(), Calls{"Mine 100"});
     EXPECT_EQ(turn(), Calls{});
 
-    // Accepted, and closed and opened anew before it runs: the new file has not been asked for anything.
+    // The file closes before the accepted script runs. A new file of the same name does not get the script.
     other = open();
     ASSERT_EQ(evaluateIn(other, u"Kestrel_DoFileMakerScript ( \"Mine\" )"), "0");
     session.close(other);
@@ -124,7 +124,7 @@ TEST_F(Scripts, AFileThatHasClosedDropsItsScripts) {
     EXPECT_EQ(evaluateIn(other, u"$$log"), "");
 }
 
-TEST_F(Scripts, NamesAreCheckedAndParametersPassWhole) {
+TEST_F(Scripts, NamesAreCheckedAndParametersAreComplete) {
     EXPECT_EQ(textOf("Kestrel_DoFileMakerScript ( \"Fir\" ; \"\" ; 1 )"), "-50");
     EXPECT_EQ(host::mainQueue().pending(), 0U);
     std::string parameter = "größer 𝄞 ";
@@ -139,7 +139,7 @@ TEST_F(Scripts, NamesAreCheckedAndParametersPassWhole) {
             EXPECT_EQ(textOf(std::string("Exact ( $$kept ; GetAsText ( ") + text + " ) )"), "1") << delay;
         }
     }
-    // Half a character cannot wait on the platform's side; the replacement character can.
+    // The platform's strings cannot hold half a character, so the replacement character takes its place.
     start("\"keep\" ; \"a\" & Char ( 55357 ) & \"b\" ; 1");
     host::clock().advance(1s);
     EXPECT_EQ(turn().size(), 1U);
@@ -162,7 +162,7 @@ TEST_F(Scripts, RunOneAfterAnotherNeverInsideEachOther) {
     EXPECT_EQ(session.turn().scripts, 0U);
 }
 
-TEST_F(Scripts, PlugInsHearWhatGoesOn) {
+TEST_F(Scripts, PlugInsGetEveryMessage) {
     const auto library = std::filesystem::path(KESTREL_BROKEN_DIR) / "RecordsMessages.so";
     const std::unique_ptr<void, int (*)(void*)> kept(::dlopen(library.c_str(), RTLD_NOW), ::dlclose);
     ASSERT_NE(kept, nullptr);
@@ -170,7 +170,7 @@ TEST_F(Scripts, PlugInsHearWhatGoesOn) {
     ASSERT_NE(messages, nullptr);
     {
         host::PlugIn recorder(session, library);
-        session.turn(); // not yet enabled: it hears nothing
+        session.turn(); // sends no message to a plug-in that is not enabled
         recorder.init();
         start("\"Outer\"");
         session.turn();

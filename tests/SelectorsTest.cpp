@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <locale>
 
-/// State that is read and changed by words, number sorting, and the words for types.
+/// Selectors that read and change state, number sorting, and the names of types.
 
 namespace {
 
@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(Selectors, answerAndRecord) {
+TEST_F(Selectors, giveResultsAndLastErrors) {
     EXPECT_EQ(textOf("Kestrel_Get ( \"lastError\" ) & Kestrel_Get ( \"lastErrorMessage\" )"),
               "0No Error Message");
     EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Get ( \"lastError\" ) ) & "
@@ -72,8 +72,8 @@ TEST_F(Selectors, answerAndRecord) {
     EXPECT_EQ(lastError(), "-50 Not enough parameters");
 }
 
-TEST_F(Selectors, keepTheCleanPeriodAsItIsGiven) {
-    // The handler that is linked into the tests has its variable where they can see it.
+TEST_F(Selectors, keepTheCleanPeriodUnchanged) {
+    // The test calls the handler that is linked into it, because it can read that copy's variable.
     EXPECT_EQ(kst::gCleanPeriod, 60);
     for (const double seconds : {-5.0, 0.0, 0.25, 60.0}) {
         using host::bridge::out;
@@ -88,7 +88,7 @@ TEST_F(Selectors, keepTheCleanPeriodAsItIsGiven) {
     }
 }
 
-TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
+TEST_F(Selectors, giveTheLocalTimeAcrossSummerTimeChanges) {
     const struct {
         const char* zone;
         std::int64_t moment; // seconds since 1970, UTC
@@ -102,7 +102,7 @@ TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
         {"America/St_Johns", 1'772'947'800, "Date ( 3 ; 8 ; 2026 )", "Time ( 3 ; 0 ; 0 )"},
         {"XST5XDT,0/0,J365/25", 1'700'000'000, "Date ( 11 ; 14 ; 2023 )",
          "Time ( 18 ; 13 ; 20 )"}, // always summer
-        // The island that went to bed on a Thursday and woke on a Saturday.
+        // Samoa skipped a Friday when it crossed the date line.
         {"Pacific/Apia", 1'325'239'199, "Date ( 12 ; 29 ; 2011 )", "Time ( 23 ; 59 ; 59 )"},
         {"Pacific/Apia", 1'325'239'200, "Date ( 12 ; 31 ; 2011 )", "Time ( 0 ; 0 ; 0 )"},
         {"Asia/Kolkata", 0, "Date ( 1 ; 1 ; 1970 )", "Time ( 5 ; 30 ; 0 )"},
@@ -124,8 +124,8 @@ TEST_F(Selectors, tellTheLocalTimeOnBothSidesOfASummerTimeChange) {
     host::clock().reset();
 }
 
-/// Also what the C library reads as numbers (what is none is behind all of them), characters outside the
-/// encoding, of one unit and of two, and a zero.
+/// The lists also hold other forms that the C library reads as numbers (NaN comes last), characters outside
+/// the encoding, of one unit and of two, and a zero.
 TEST_F(Selectors, sortNumbers) {
     const struct {
         std::u16string list;
@@ -174,7 +174,7 @@ TEST_F(Selectors, nameTypes) {
         {4, "Time"}, {5, "Timestamp"}, {6, "Container"}, {7, "Boolean"}, {8, ""}};
     for (const auto& [code, word] : words) {
         Data value;
-        // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a newer host's types, among others
+        // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): unknown types are tested too
         value.setNumber(host::Decimal(1), static_cast<DataType>(code));
         const Answer answer = call(u"Kestrel_ValueType", {value});
         EXPECT_EQ(answer.error, 0);

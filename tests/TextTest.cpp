@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-/// Texts where looks, case rules and encodings meet, and the cost of going through a text step by step.
+/// Texts with formatting, case rules and encodings, and the cost of reading a text step by step.
 
 namespace {
 
@@ -30,8 +30,9 @@ RunStyle randomLook(std::mt19937& random) {
     return look;
 }
 
-/// Against a text without runs: a unit and a look for every character. Runs are as few as can be.
-TEST(TextSeams, staySmallestWhateverIsChanged) {
+/// Comparison with a text without runs, which has a unit and a style for every character. The number of runs
+/// stays as small as possible.
+TEST(TextSeams, areFewestAfterEveryChange) {
     using Model = std::vector<std::pair<char16_t, RunStyle>>;
     for (unsigned seed = 0; seed < 3000; ++seed) {
         SCOPED_TRACE(seed);
@@ -55,7 +56,7 @@ TEST(TextSeams, staySmallestWhateverIsChanged) {
             }
             case 1: {
                 const Model copy = model;
-                text.insert(text, position); // of itself
+                text.insert(text, position); // inserts the text into itself
                 model.insert(first, copy.begin(), copy.end());
                 break;
             }
@@ -98,10 +99,10 @@ TEST(TextSeams, staySmallestWhateverIsChanged) {
     }
 }
 
-TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
+TEST(TextCase, seesAcrossRunsAndKeepsFormatting) {
     const struct {
         Text::Case wanted;
-        const char16_t *plain, *bold; ///< one after the other
+        const char16_t *plain, *bold; ///< two parts of one text
         const char16_t *plainAfter, *boldAfter;
     } cases[] = {
         {Text::Case::title, u"he", u"LLO \u00DF", u"He", u"llo Ss"},
@@ -113,7 +114,8 @@ TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
         {Text::Case::upper, u"\uFB03", u"\u0390z", u"FFI", u"\u0399\u0308\u0301Z"},
         {Text::Case::upper, u"stra\u00DFe ", u"\u00DFx \u01C6\U00010428", u"STRASSE ",
          u"SSX \u01C4\U00010400"},
-        {Text::Case::upper, u"\xD801", u"\xDC28\u00DF", u"\xD801", u"\xDC00SS"}, // a look inside a pair
+        {Text::Case::upper, u"\xD801", u"\xDC28\u00DF", u"\xD801",
+         u"\xDC00SS"}, // formatting changes inside a surrogate pair
     };
     for (const auto& row : cases) {
         Text text(row.plain);
@@ -124,7 +126,7 @@ TEST(TextCase, seesAcrossRunsAndKeepsLooks) {
     }
 }
 
-TEST(TextFind, agreesWithTryingEveryPlace) {
+TEST(TextFind, agreesWithTryingEveryPosition) {
     static constexpr std::u16string_view letters[] = {u"a",
                                                       u"A",
                                                       u"s",
@@ -145,7 +147,7 @@ TEST(TextFind, agreesWithTryingEveryPlace) {
                 units += letters[random() % std::size(letters)];
             return units;
         };
-        // Long stretches without a match, so that a search has to look further than at first.
+        // Long parts without a match, so that the search must continue past its first piece.
         const std::u16string units = write(4) + std::u16string(random() % 900, u'.') + write(30) +
                                      std::u16string(random() % 900, u'.') + write(4);
         const std::u16string wanted = write(1 + random() % 3);
@@ -202,7 +204,7 @@ TEST(TextCompare, takesEmptyTexts) {
     EXPECT_GT(host::compareIgnoringCase(u"a", {}), 0);
     EXPECT_EQ(host::compareIgnoringCase(u"STRASSE", u"stra\u00DFe"), 0);
     EXPECT_EQ(host::compareIgnoringCase(u"\u0391\u03A3", u"\u03B1\u03C2"), 0);
-    EXPECT_LT(host::compareIgnoringCase(u"\uFFEE", u"\U0001F600"), 0); // by code points, not by units
+    EXPECT_LT(host::compareIgnoringCase(u"\uFFEE", u"\U0001F600"), 0); // compares code points, not units
 }
 
 TEST(Style, clearsTheCaseBitsTogether) {
@@ -212,8 +214,8 @@ TEST(Style, clearsTheCaseBitsTogether) {
     EXPECT_EQ(style, bold.style);
 }
 
-/// A text is gone through a step at a time; a step that cost the whole text would take minutes here.
-TEST(TextCost, ofAStepDoesNotGrowWithTheText) {
+/// Reads a text step by step. The test would take minutes if a step cost as much as the whole text.
+TEST(TextCost, ofAStepIsIndependentOfTheLength) {
     constexpr std::size_t steps = 150'000;
     const auto begun = std::chrono::steady_clock::now();
     Text text(std::u16string(2 * steps, u'a'));
@@ -233,7 +235,7 @@ TEST(TextCost, ofAStepDoesNotGrowWithTheText) {
     EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(60));
 }
 
-TEST(Encoding, keepsAsciiAndReplacesWhatMeansNothing) {
+TEST(Encoding, keepsAsciiAndReplacesMalformedBytes) {
     for (std::int32_t number = 1; number <= 7; ++number) {
         const Encoding encoding = host::encodingFromNumber(number);
         SCOPED_TRACE(number);
@@ -247,15 +249,15 @@ TEST(Encoding, keepsAsciiAndReplacesWhatMeansNothing) {
         EXPECT_EQ(host::encode({}, encoding), "");
     }
     EXPECT_EQ(host::decode("\xFF", Encoding::utf8), u"\uFFFD");
-    EXPECT_EQ(host::decode("a\xF0\x9F", Encoding::utf8), u"a\uFFFD"); // cut inside a character
+    EXPECT_EQ(host::decode("a\xF0\x9F", Encoding::utf8), u"a\uFFFD"); // truncated inside a character
     EXPECT_EQ(host::decode("\x81", Encoding::shiftJisWin), u"\uFFFD");
     EXPECT_EQ(host::decode("\x93\xFA\x96{", Encoding::shiftJisMac), u"\u65E5\u672C");
     for (const std::int32_t unknown : {-1, 8, 1000})
         EXPECT_EQ(host::encodingFromNumber(unknown), Encoding::native);
 }
 
-/// Texts are converted in pieces; characters that lie across two of them must come through.
-TEST(Encoding, convertsLongTextsWhole) {
+/// Texts are converted in pieces; a character that spans two pieces must not be lost.
+TEST(Encoding, convertsLongTexts) {
     for (std::size_t shift = 0; shift < 4; ++shift) {
         std::u16string units(shift, u'x'), kanji(shift, u'x');
         for (int i = 0; i < 5000; ++i) {
