@@ -1,10 +1,10 @@
 #pragma once
 
-/// The rows that main prints beside its own, by what they say.
+/// The rows that main prints in addition to its own, by the kind of figure.
 
 namespace bench {
 
-// A cost beside its floor.
+// Costs and their floors.
 void benchPlainCalls();
 void benchGlobals();
 void benchSql();
@@ -12,15 +12,15 @@ void benchText();
 void benchPatterns();
 void benchNetwork();
 void benchHtml();
-/// Throws std::runtime_error when the rows since the last heading leave a registered function out.
+/// Throws std::runtime_error when a registered function has no row since the last heading.
 void requireRowsForAllFunctions();
 
-// A cost beside other makers' code for the same work.
+// Costs compared with other code for the same work.
 void benchCoderBesidePeers();
 void benchResponseBesidePeers();
 void benchHtmlBesidePeers();
 
-// Figures of their own.
+// Growth and memory.
 void benchGrowth();
 void benchHtmlMemory();
 

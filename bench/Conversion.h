@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// Arguments for Kestrel_GetAsHTML that ask for everything, or for what they say.
+/// Arguments for Kestrel_GetAsHTML; by default they request every formatting.
 inline host::DataVect conversionOf(host::Text text, std::u16string_view styles = u"all",
                                    std::u16string_view classes = u"all=kst") {
     host::DataVect arguments = texts({u"", u"all", std::u16string(classes), std::u16string(styles)});
@@ -18,13 +18,13 @@ inline host::DataVect conversionOf(host::Text text, std::u16string_view styles =
     return arguments;
 }
 
-/// The function with its arguments made ready.
+/// The function with its arguments.
 class Conversion {
 public:
     Conversion(const Loaded& plugIn, host::Text text)
         : plugIn_(plugIn), arguments_(conversionOf(std::move(text))) {}
 
-    /// Gives the size of the HTML.
+    /// Converts the text and gives the size of the HTML.
     std::uint32_t run() {
         plugIn_.call(function_, arguments_, result_);
         return result_.asText().size();

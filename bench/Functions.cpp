@@ -23,8 +23,8 @@
 #include <utility>
 #include <vector>
 
-/// The functions whose work is small: each beside a call through the host that does nothing, a copy by the
-/// host of the same result, and what the platform or the host must do besides.
+/// The functions with little work of their own. The floor of each is an empty call through the host, a copy
+/// of the same result by the host, and the necessary work of the platform or the host.
 
 namespace bench {
 
@@ -34,7 +34,7 @@ using host::bridge::out;
 
 constexpr std::size_t kLinesToSort = 1'000;
 
-/// In the host's own types, a value as a function gives it.
+/// Copies a function's result with the host's own types.
 void copy(const fmx::Data& from, fmx::Data& to) {
     switch (from.GetNativeType()) {
     case fmx::Data::kDTNumber: return to.SetAsNumber(from.GetAsNumber());
@@ -52,7 +52,7 @@ void evaluate(const Loaded& loaded, const char* calculation) {
     keep(loaded.environment().Evaluate(*expression, *value));
 }
 
-/// Solutions find the last error in variables of theirs, which only a calculation can set or read.
+/// Sets the last error. It is in variables of the solution, which only a calculation can set or read.
 void recordError(const Loaded& loaded) {
     evaluate(loaded, R"(Let ( [ $$Kestrel_LastError = 3 ; $$Kestrel_LastErrorMessage = "message" ] ; "" ))");
 }
@@ -61,14 +61,14 @@ void readErrorMessage(const Loaded& loaded) {
              R"(If ( IsEmpty ( $$Kestrel_LastErrorMessage ) ; "none" ; $$Kestrel_LastErrorMessage ))");
 }
 
-/// A word is matched in any case, as the host understands it.
+/// Lowers a word with the host's function, as matching in any case requires.
 void lowerWord(const Loaded&) {
     const fmx::TextUniquePtr word;
     word->Assign("globalDieInterval");
     word->Lowercase();
 }
 
-/// With the look at the system's time zone, which may have changed since the last call.
+/// Reads the local time, and the system's time zone, which may have changed since the last call.
 void readLocalTime(const Loaded&) {
     const std::time_t now = std::time(nullptr);
     keep(std::localtime(&now));
@@ -88,7 +88,7 @@ void sortNumbers(const Loaded&) {
         keep(std::snprintf(digits.data(), digits.size(), "%g\r", number));
 }
 
-/// A function with its arguments, each a calculation, and what any implementation does besides the call.
+/// A function with its arguments, each a calculation, and the necessary work of any implementation.
 struct PlainCall {
     const char* name;
     std::vector<std::u16string> arguments;
@@ -135,7 +135,7 @@ void benchPlainCall(const Loaded& loaded, const PlainCall& plain) {
         });
 }
 
-/// The scripts that a call starts run at once, so that they do not pile up.
+/// The started scripts run at once, so that the queue stays short.
 void benchStartOfScript(const Loaded& loaded) {
     host::Session& session = *host::Session::current();
     const host::RegisteredFunction& function = loaded.function(u"Kestrel_DoFileMakerScript");
@@ -156,7 +156,8 @@ void benchStartOfScript(const Loaded& loaded) {
         });
 }
 
-/// In a calculation, as solutions call; beside the same handler, found by its name and called.
+/// Calls a function in a calculation, as solutions do. The floor finds the same handler by its name and calls
+/// it.
 void benchEmptyCall(const Loaded& loaded) {
     host::Session& session = *host::Session::current();
     const host::calc::Environment environment = session.environment(session.front());

@@ -11,8 +11,7 @@
 #include <string>
 #include <vector>
 
-/// Globals, each operation beside what it cannot do without: one operation of an ordered map and one copy of
-/// a host value.
+/// Globals. The floor of each operation is one operation of an ordered map and one copy of a host value.
 
 namespace bench {
 
@@ -21,22 +20,22 @@ namespace {
 using host::bridge::out;
 
 constexpr std::size_t keyCount = 10'000;
-constexpr std::size_t stride = 7'919; ///< a prime: every key comes once in a round, far from the one before
+constexpr std::size_t stride = 7'919; ///< a prime, so each key comes once in a round, far from the one before
 
 std::u16string keyAt(std::size_t position) {
     const std::string digits = std::to_string(position * stride % keyCount);
     return u"invoice total " + std::u16string(digits.begin(), digits.end());
 }
 
-/// The floor's store.
+/// The store of the floor.
 using Map = std::map<std::u16string, fmx::DataUniquePtr>;
 
 void copy(const fmx::Data& from, fmx::Data& to) { to.SetAsText(from.GetAsText(), from.GetLocale()); }
 
-/// The same position again after a round.
+/// Gives the same positions in every round.
 class Rounds {
 public:
-    /// Calls `atStart` whenever a round begins.
+    /// Gives the next position; calls `atStart` at the start of each round.
     template<class AtStart>
     std::size_t next(const AtStart& atStart) {
         if (position_ == keyCount) position_ = 0;

@@ -17,8 +17,8 @@
 #include <utility>
 #include <vector>
 
-/// How the work of a function grows with its input: the same input once, twice and four times, in processor
-/// time. What grows as it should takes twice the time each time.
+/// The growth of a function's processor time with its input: the same input once, twice and four times.
+/// Linear work doubles at each step.
 
 namespace bench {
 
@@ -30,7 +30,7 @@ using Action = std::function<void()>;
 
 struct Growth {
     const char16_t* function;
-    const char* unit; ///< what is counted
+    const char* unit; ///< unit of the input's size
     std::size_t start;
     DataVect (*arguments)(std::size_t count);
     bool isInPicture = true;
@@ -83,7 +83,7 @@ constexpr std::array growths{
 constexpr std::size_t kSteps = 3;
 constexpr std::size_t kLargest = std::size_t{1} << (kSteps - 1);
 
-/// Where the picture's points go, if anywhere.
+/// The file for the points of the plot, if there is one.
 class Record {
 public:
     explicit Record(const char* path)
@@ -102,7 +102,7 @@ private:
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
 };
 
-/// The sizes alternate, so that all see the same machine; a ratio is the median of the rounds' ratios.
+/// The sizes alternate, so that all have the same conditions. A ratio is the median of the rounds' ratios.
 void growthRow(const std::string& name, std::size_t start, const std::array<Action, kSteps>& actions,
                const Record* record) {
     constexpr int rounds = 7;
@@ -139,7 +139,7 @@ void benchFunction(const Loaded& plugIn, const Growth& growth, const Record& rec
               growth.start, actions, growth.isInPicture ? &record : nullptr);
 }
 
-/// So many globals stored, read once each, and dropped.
+/// Globals are stored, read once each, and cleared.
 void benchGlobalsStored(const Loaded& plugIn, const Record& record) {
     constexpr std::size_t start = 10'000;
     const auto &set = plugIn.function(u"Kestrel_SetGlobal"), &get = plugIn.function(u"Kestrel_GetGlobal");
@@ -162,7 +162,7 @@ void benchGlobalsStored(const Loaded& plugIn, const Record& record) {
     growthRow("Kestrel_SetGlobal, _GetGlobal, " + std::to_string(start) + " keys", start, actions, &record);
 }
 
-/// Every line of a variable is asked of the host, which looks for it from the start each time.
+/// Every line of a variable is a request to the host, which searches from the start of the text each time.
 void benchLinesOfVariables(const Loaded& plugIn) {
     constexpr std::uint32_t start = 2'500;
     const host::RegisteredFunction& function = plugIn.function(u"Kestrel_GetAsHTML");

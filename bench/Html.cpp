@@ -16,8 +16,8 @@
 #include <unistd.h>
 #include <vector>
 
-/// The conversion of styled text into HTML: its cost beside the least that reading the text takes, and its
-/// memory.
+/// The conversion of styled text into HTML: its memory, and its cost. The floor is the least work that reads
+/// the text.
 
 namespace bench {
 
@@ -27,7 +27,7 @@ using host::bridge::out;
 
 constexpr std::uint32_t kMega = 1'000'000;
 
-/// The least that reading takes: the characters, and for each its style and a comparison.
+/// The least work that reads a text: all characters, and for each its style and a comparison.
 std::size_t read(const fmx::Text& text) {
     std::vector<fmx::uint16> units(text.GetSize());
     text.GetUnicode(units.data(), 0, static_cast<fmx::uint32>(units.size()));
@@ -43,7 +43,7 @@ std::size_t read(const fmx::Text& text) {
     return changes;
 }
 
-/// Every line of a variable is asked of the host, its value and its alignment.
+/// The value and the alignment of every line of a variable are requests to the host.
 void benchVariable(const Loaded& plugIn) {
     constexpr std::uint32_t lines = 2'000;
     host::Session& session = *host::Session::current();
@@ -66,7 +66,7 @@ void benchVariable(const Loaded& plugIn) {
         lines, "line");
 }
 
-/// A line of /proc/self/status in bytes.
+/// The value of a line of /proc/self/status, in bytes.
 double memory(const std::string& wanted) {
     std::ifstream status("/proc/self/status");
     for (std::string name; status >> name;) {
@@ -89,7 +89,7 @@ void benchHtml() {
     benchVariable(plugIn);
 }
 
-/// In a process of its own, where large blocks always go back to the system.
+/// Measures in a separate process, in which large blocks always return to the system.
 void benchHtmlMemory() {
     const Loaded plugIn(solutionWithFonts());
     for (const std::uint32_t size : {kMega, 2 * kMega, 4 * kMega}) {
@@ -101,7 +101,7 @@ void benchHtmlMemory() {
         ::mallopt(M_MMAP_THRESHOLD, 64 * 1024);
         Conversion conversion(plugIn, ordinaryText(size));
         ::malloc_trim(0);
-        std::ofstream("/proc/self/clear_refs") << "5"; // the peak is counted anew
+        std::ofstream("/proc/self/clear_refs") << "5"; // resets the peak
         const double before = memory("VmRSS:");
         const std::uint32_t html = conversion.run();
         const double above = memory("VmHWM:") - before - 2.0 * html;

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-/// The conversion into HTML beside other converters on the same content, each in the form that it reads.
+/// The conversion into HTML compared with other converters on the same content, each in its own input format.
 
 namespace bench {
 
@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::uint32_t kMega = 1'000'000;
 
-/// The same content for another converter, a run at a time.
+/// Writes a run of the content in another converter's format.
 using Writer = std::string (*)(const std::string& characters, const host::CharacterStyle& style);
 
 std::string asRtf(const std::string& characters, const host::CharacterStyle& style) {
@@ -39,7 +39,7 @@ std::string asRtf(const std::string& characters, const host::CharacterStyle& sty
     return run + " " + characters + "}";
 }
 
-/// Markdown has no words for the other looks; HTML may stand in it.
+/// Writes a run as Markdown. HTML elements stand for the formattings that Markdown lacks.
 std::string asMarkdown(const std::string& characters, const host::CharacterStyle& style) {
     std::string mark;
     if ((style.faces() & host::face::bold) != 0) mark += "**";
@@ -62,7 +62,7 @@ std::string contentFor(Writer write, const std::string& paragraphEnd) {
     return content;
 }
 
-/// Runs a program on a file, its output dropped; false when there is no such program or it fails.
+/// Runs a program without its output; false when there is no such program or it fails.
 bool runs(std::vector<std::string> command) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);

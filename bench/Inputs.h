@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-/// What functions are called with.
+/// Arguments of functions.
 
 namespace bench {
 
@@ -23,7 +23,7 @@ inline host::DataVect texts(std::initializer_list<std::u16string> values) {
     return arguments;
 }
 
-/// The piece over and over, cut at the size.
+/// The piece repeated and cut at the size.
 inline std::u16string repeated(std::u16string_view piece, std::size_t size) {
     std::u16string text;
     text.reserve(size + piece.size());
@@ -33,7 +33,7 @@ inline std::u16string repeated(std::u16string_view piece, std::size_t size) {
     return text;
 }
 
-/// As many lines with numbers in no order.
+/// A list of `lines` numbers in no order.
 inline std::u16string unsortedNumbers(std::size_t lines) {
     constexpr std::size_t stride = 7'919; // a prime
     std::u16string list;
@@ -44,7 +44,7 @@ inline std::u16string unsortedNumbers(std::size_t lines) {
     return list;
 }
 
-/// The statements that make a table "people" of as many rows.
+/// The statements that create a table "people" of `count` rows.
 inline std::string peopleInTable(int count) {
     return "CREATE TABLE people (id INTEGER PRIMARY KEY, name TEXT, city TEXT, born DATE);"
            "WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +

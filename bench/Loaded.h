@@ -28,13 +28,13 @@ public:
     [[nodiscard]] const std::vector<host::RegisteredFunction>& functions() const {
         return plugIn_.functions();
     }
-    /// As the host calls it, without a calculation around.
+    /// Calls a function directly, without a calculation.
     void call(const host::RegisteredFunction& function, const host::DataVect& arguments,
               host::Data& result) const {
         using host::bridge::out;
         function.handler(function.id, environment(), out<fmx::DataVect>(arguments), out<fmx::Data>(result));
     }
-    /// Where calculations are evaluated, as the plug-in sees it.
+    /// The environment of calculations, as the plug-in's interface type.
     [[nodiscard]] const fmx::ExprEnv& environment() const {
         return host::bridge::out<fmx::ExprEnv>(environment_);
     }

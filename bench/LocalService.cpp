@@ -17,7 +17,7 @@ constexpr std::string_view kResponse =
     "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 11\r\n\r\n"
     "203.0.113.7";
 
-/// Where the service listens; 0 while there is none.
+/// The port of the service; 0 while there is none.
 std::atomic<int> gPort{0};
 
 } // namespace
@@ -71,7 +71,7 @@ void LocalService::serve() const {
 
 } // namespace bench
 
-/// In front of the system's: it is exported, so that the plug-in finds this one.
+/// Replaces the system's function: it is exported, so the plug-in calls this one.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* wanted, addrinfo** found) {
     using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
     static const auto next = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));

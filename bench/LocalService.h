@@ -7,17 +7,17 @@
 
 namespace bench {
 
-/// The first web service that is asked for the public address, on this machine: while one lives, the name of
-/// that service is looked up as this address, and nothing is asked of the network.
+/// A local replacement of the first web service for the public address. While it lives, the name of that
+/// service leads to this machine, and no request reaches the network.
 class LocalService {
 public:
-    /// Throws std::runtime_error when there is no socket for it.
+    /// Throws std::runtime_error when the system gives no socket.
     LocalService();
     LocalService(const LocalService&) = delete;
     LocalService& operator=(const LocalService&) = delete;
     ~LocalService();
 
-    /// The name that the plug-in looks up.
+    /// The name of the service, which the plug-in looks up.
     [[nodiscard]] static const char* name();
 
 private:

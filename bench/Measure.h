@@ -7,18 +7,17 @@
 #include <string>
 #include <vector>
 
-/// Costs beside their floors, as ratios within one run: absolute times say little on a machine that others
-/// use too.
+/// Ratios of costs to their floors within one run. Absolute times depend on the machine and its load.
 
 namespace bench {
 
-/// Keeps a result alive for the optimiser.
+/// Prevents the optimiser from removing a result.
 template<class Value>
 void keep(const Value& value) {
     asm volatile("" : : "r,m"(value) : "memory"); // NOLINT(hicpp-no-assembler)
 }
 
-/// The time that the process has had a processor, so that other processes hardly show.
+/// The processor time of the process, which hardly depends on other processes.
 struct ProcessorClock {
     using duration = std::chrono::nanoseconds;
     using rep = duration::rep;
@@ -33,7 +32,7 @@ struct ProcessorClock {
     }
 };
 
-/// Nanoseconds of one call of `action`, over a batch that takes long enough to measure.
+/// The nanoseconds of one call of `action`, measured over a batch of `calls`.
 template<class Clock = std::chrono::steady_clock, class Action>
 double nanosecondsPerCall(const Action& action, std::size_t calls) {
     const auto start = Clock::now();
@@ -53,7 +52,7 @@ std::size_t callsForABatch(const Action& action) {
     return calls;
 }
 
-/// An odd number of measurements; sorts them.
+/// The median and the extremes of an odd number of measurements.
 struct Spread {
     explicit Spread(std::vector<double> values) {
         std::sort(values.begin(), values.end());
@@ -64,7 +63,7 @@ struct Spread {
     double least, median, most;
 };
 
-/// The rows' names since the last heading.
+/// The names of the rows since the last heading.
 inline std::vector<std::string>& rowNames() {
     static std::vector<std::string> names;
     return names;
@@ -78,9 +77,8 @@ inline void heading(const char* text) {
     rowNames().clear();
 }
 
-/// A row of the table: what a thing costs, and what the least that must be done costs, or a peer. Cost and
-/// floor alternate, so that both see the same machine; the ratio is the median of the rounds' ratios, its
-/// spread stands behind it.
+/// Prints a row of the table: a cost, and its floor or the cost of a peer. Both are measured alternately, so
+/// that the conditions are the same. The ratio is the median of the rounds' ratios; its spread follows.
 template<class Cost, class Floor>
 void row(const std::string& name, const Cost& cost, const std::string& floorName, const Floor& floor,
          double unitsPerCall = 1, const char* unit = "call") {

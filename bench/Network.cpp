@@ -14,8 +14,8 @@
 #include <string>
 #include <unistd.h>
 
-/// Lookups of what the machine knows by itself, beside the bare resolver, and a web service on this machine:
-/// no row asks the network.
+/// Look-ups of local names, compared with the resolver alone, and a web service on this machine. No row uses
+/// the network.
 
 namespace bench {
 
@@ -32,7 +32,7 @@ void lookUpAddress() {
                        static_cast<socklen_t>(name.size()), nullptr, 0, 0));
 }
 
-/// One exchange with the service, by calls that wait.
+/// One exchange with the service, by blocking calls.
 void askService() {
     addrinfo wanted{};
     wanted.ai_socktype = SOCK_STREAM;

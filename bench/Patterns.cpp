@@ -7,7 +7,7 @@
 #include <string>
 #include <unicode/uregex.h>
 
-/// Replacing and counting by patterns, each beside the library's or ICU's search alone.
+/// Replacement and counting of patterns. The floor is the search by the standard library or ICU alone.
 
 namespace bench {
 namespace {

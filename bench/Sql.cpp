@@ -12,8 +12,8 @@
 #include <string>
 #include <utility>
 
-/// Kestrel_ExecuteSQL, per row, beside the same query stepped through SQLite's C interface into one string.
-/// Two sizes show that the cost of a row does not grow with their number.
+/// Kestrel_ExecuteSQL, per row. The floor is the same query, stepped through SQLite's C interface into one
+/// string. Two sizes show that the cost of a row is independent of the number of rows.
 
 namespace bench {
 

@@ -5,13 +5,13 @@
 
 #include <cstdint>
 
-/// Styled texts for the conversion into HTML: an ordinary one and some that are unkind to it.
+/// Styled texts for the conversion into HTML: an ordinary one and some difficult ones.
 
 namespace bench {
 
 inline constexpr std::uint32_t kRun = 20, kParagraph = 400;
 
-/// With the fonts that the styles name.
+/// A solution with the fonts of the styles.
 host::Solution solutionWithFonts();
 
 /// One of twelve styles.
@@ -21,7 +21,7 @@ host::Text ordinaryText(std::uint32_t size);
 
 host::Text newStyleEachCharacter(std::uint32_t size);
 host::Text newDeclarationsEachCharacter(std::uint32_t size);
-/// Without what no parameter asks for, all runs look alike.
+/// All runs are equal after the formattings that no parameter requests are dropped.
 host::Text runsThatBecomeEqual(std::uint32_t size);
 host::Text styledLines(std::uint32_t count);
 

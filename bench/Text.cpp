@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Base64 and templates, each beside the least that must be done; the coder also beside a peer.
+/// Base64 and templates, each compared with the least work necessary, and the coder also with a peer.
 
 namespace {
 
@@ -33,7 +33,7 @@ void code(int (*coder)(const char*, int, char**), const std::string& in) {
     bench::keep(out);
 }
 
-/// The functions: the floor is the host's own conversions to bytes and back, and the coder.
+/// The functions. The floor is the coder and the host's own conversions to bytes and back.
 void benchFunctions(const bench::Loaded& loaded) {
     constexpr std::size_t size = 300'000;
     std::u16string units;
@@ -65,8 +65,8 @@ void benchFunctions(const bench::Loaded& loaded) {
         "conversions, coder", [&] { floor(B64_Decode, characters, native, wide); }, bytes, "byte");
 }
 
-/// A letter of so many expressions, every other one with a look of its own where there are looks, beside the
-/// evaluation of these alone, as a plug-in asks for it.
+/// A letter with `count` expressions. With `looks`, every other one has formatting. The floor is the
+/// evaluation of the expressions alone, through the plug-in's interface.
 void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool looks) {
     const host::RegisteredFunction& merge = loaded.function(u"Kestrel_MergeText");
     host::CharacterStyle bold;
@@ -105,7 +105,7 @@ void bench::benchText() {
     benchMergeText(loaded, expressions, true);
 }
 
-/// The coder beside OpenSSL's, which writes into an array of just as many bytes, allocated alike.
+/// The coder compared with OpenSSL's, which writes into an array of the same size, allocated in the same way.
 void bench::benchCoderBesidePeers() {
     constexpr std::size_t size = 3'000'000;
     const std::string bytes = randomBytes(size);

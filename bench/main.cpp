@@ -16,7 +16,7 @@
 #include <unicode/ustring.h>
 #include <vector>
 
-/// What loading the plug-in costs, and its conversions of texts; and all the other rows, under what they say.
+/// The cost of loading the plug-in and of its text conversions, and all other rows under their headings.
 
 namespace {
 
@@ -34,7 +34,7 @@ void benchLoad() {
         "dlopen, dlclose", [] { ::dlclose(::dlopen(KESTREL_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL)); });
 }
 
-/// Conversions of a long text, per character, beside ICU's own.
+/// Conversions of a long text, per character, compared with ICU's own.
 void benchConversions() {
     constexpr std::size_t size = 100'000;
     std::string bytes;

@@ -8,8 +8,9 @@
 #include <string_view>
 #include <vector>
 
-/// Any bytes as Base64: first the coder itself, on an array of just that length; then the function, on a text
-/// in a native encoding that the first byte names. Decoding never fails, and what was encoded comes back.
+/// Decodes any bytes as Base64: first with the coder itself, on an array of exactly that length, then with
+/// the function, on a text in a native encoding that the first byte chooses. Decoding must never fail, and
+/// encoded text must decode to itself.
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <string_view>
 
-/// Any text as a calculation, with the plug-in loaded and, as the first byte says, a host call that fails. It
-/// may answer what it likes, but nothing escapes, the next ordinary call works, and behind the plug-in's
-/// shutdown nothing is kept.
+/// Evaluates any text as a calculation, with the plug-in loaded. The first byte chooses a host call that
+/// fails. Any result is right, but no exception may leave the plug-in, the next ordinary call must work, and
+/// no object may be left after the plug-in's shutdown.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static host::Session session;

@@ -11,8 +11,8 @@
 #include <optional>
 #include <string>
 
-/// Any styled text with any tags, classes and styles, by value or by the name of a variable. Where text and
-/// parameters are such that HTML keeps them, the document says all of the text and its looks.
+/// Converts any styled text with any tags, classes and styles, by value or by the name of a variable. Where
+/// HTML can keep everything, the document must have the whole text with its formatting.
 
 namespace {
 
@@ -38,7 +38,7 @@ host::Text anyText(Bytes& bytes) {
     return text;
 }
 
-/// A style of which HTML can say everything, in any of its traits.
+/// A style that HTML can express completely.
 host::CharacterStyle keptStyle(Bytes& bytes, host::File& file) {
     constexpr std::array fonts{u"Helvetica", u"Times New Roman", u"\u03A9mega S\u00E9rif"};
     enum : std::uint8_t { hasFaces = 1, hasColor = 2, hasFont = 4, hasSize = 8, saysBold = 16 };
@@ -48,7 +48,7 @@ host::CharacterStyle keptStyle(Bytes& bytes, host::File& file) {
         const auto faces = bytes.ConsumeIntegral<std::uint16_t>() & host::face::all;
         if (faces != 0) style.setFaces(static_cast<std::uint16_t>(faces));
     }
-    if ((traits & saysBold) != 0) style.enableFace(host::face::bold); // perhaps that it is off
+    if ((traits & saysBold) != 0) style.enableFace(host::face::bold); // enabled, even where the bit is off
     if ((traits & hasColor) != 0)
         style.setColor({.red = bytes.ConsumeIntegral<std::uint8_t>(),
                         .green = bytes.ConsumeIntegral<std::uint8_t>(),
@@ -59,7 +59,7 @@ host::CharacterStyle keptStyle(Bytes& bytes, host::File& file) {
     return style;
 }
 
-/// Text that HTML keeps: a blank or soft line break stands alone between other characters of a line, and
+/// A text that HTML can keep: a blank or soft line break stands alone between other characters of a line, and
 /// paragraphs are aligned as a whole. Each of the fuzzer's bytes is a character.
 class KeptText {
 public:
@@ -95,12 +95,13 @@ private:
     }
 
     host::Text text_;
-    std::optional<host::Text> blank_; ///< waits for what comes behind it
+    std::optional<host::Text> blank_; ///< added when a character follows it
     host::Alignment alignment_ = host::Alignment::left;
     bool lineBegins_ = true;
 };
 
-/// By the name of a variable, unless it would be empty and stand for itself.
+/// Passes the text by the name of a variable with `byName`, unless it is empty: the name of an empty variable
+/// counts as text.
 void convert(const FuzzedFunction& function, const host::Text& text, bool byName,
              const std::vector<host::Text>& parameters, const FuzzedFunction::Judge& judge) {
     host::DataVect arguments{FuzzedFunction::value(byName ? host::Text(u"$$t") : text)};

@@ -6,15 +6,15 @@
 #include <stdexcept>
 #include <string_view>
 
-/// Any bytes as a document. Reading it may be refused, nothing else; and there is never more text than bytes
-/// could have said.
+/// Reads any bytes as a document. Refusal is the only allowed error, and the text is never longer than the
+/// bytes allow.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         const host::Text text =
             host::readHtml({reinterpret_cast<const char*>(data), size},
                            [](std::u16string_view name) { return static_cast<std::uint16_t>(name.size()); });
-        // A byte that is no UTF-8 may stand for two units; a return may come before what it separates.
+        // A byte outside of UTF-8 may stand for two units, and an element may add a return.
         if (text.size() > 2 * size || text.runs().size() > text.size()) std::abort();
     } catch (const std::runtime_error& refused) {
         if (std::string_view(refused.what()).empty()) std::abort();

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Any template. The first byte names a host call that fails, the second where a bold stretch begins and
-/// ends. A text without delimiters comes back as it was; nothing escapes and nothing is kept.
+/// Merges any template. The first byte chooses a host call that fails, the second a bold part. A text without
+/// delimiters must stay unchanged, no exception may leave the plug-in, and no object may leak.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzedFunction merge(u"Kestrel_MergeText", FuzzedFunction::Evaluates::calculations);

@@ -11,13 +11,12 @@
 #include <string>
 #include <string_view>
 
-/// Any bytes as a service's response. What is taken for an address is one in form; nothing is written past
-/// the buffer, and what is collected stood in the response. The services that are asked then send the
-/// response on the network of our own: the whole lookup comes to the same, or ends with the code of what the
-/// service did.
+/// Reads any bytes as a service's response. An accepted address has the form of one, is a part of the
+/// response, and never overruns the buffer. The services then send the response on the tests' own network:
+/// the whole look-up must give the same result, or the error code for the service's behaviour.
 ///
-/// The first byte is the service's number. The second says what the service does and how far before or
-/// behind the last byte that is looked at the response ends; blanks come before it.
+/// The first byte is the service's number. The second chooses the service's behaviour, and where the response
+/// ends relative to the last byte that is searched; blanks before the response fill the distance.
 
 namespace {
 
@@ -52,7 +51,7 @@ bool isFoundIn(const PublicIPService& service, std::string_view response, Buffer
     return isAddress;
 }
 
-/// Asks a service that behaves so, and gives what it answered and the code.
+/// Asks a service with this behaviour; gives the code, and the address in `out`.
 int ask(int service, const Behaviour& behaviour, Buffer& out) {
     WebServices services({{service, behaviour}});
     const int code = GetClientPublicIP(service, out.data());
@@ -62,7 +61,7 @@ int ask(int service, const Behaviour& behaviour, Buffer& out) {
 
 void askForTheResponse(int service, std::string_view response) {
     Buffer expected = untouched(), out = untouched();
-    const std::string bytes(response); // at the end of its memory
+    const std::string bytes(response); // exactly as long as its memory, for the sanitizer
     const bool isAddress =
         isFoundIn(serviceNumbered(service), std::string_view(bytes).substr(0, kResponseSize), expected);
     require(ask(service, {Kind::answers, bytes}, out) == (isAddress ? kPublicIPFound : kNoAddress));

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Any pattern counted in any text: a line of pattern, then the text. It ends.
+/// Counts any pattern in any text: the first line is the pattern, the rest the text. The call must end.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzedFunction count(u"Kestrel_RegExp_PatternCount");

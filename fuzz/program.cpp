@@ -20,15 +20,15 @@
 #include <string>
 #include <string_view>
 
-/// A day in the plug-in's life: calls of its functions with values of every type, between messages, files
-/// that open and close, a clock that jumps and host calls that fail. Whatever the order, nothing escapes, and
-/// when the day is over the plug-in keeps nothing. The seeds are such days, each about what its name says.
+/// Runs a program: calls of the functions with values of every type, messages, files that open and close, a
+/// clock that jumps and host calls that fail, in any order. No exception may leave the plug-in, and it must
+/// keep nothing at the end. The seeds are programs about the functions in their names.
 
 namespace {
 
 using Bytes = FuzzedDataProvider;
 
-// What functions look for in their arguments; the fuzzer mixes it with texts of its own.
+// Words that functions look for in their arguments. The fuzzer mixes them with its own texts.
 constexpr std::array vocabulary{
     "",
     "last error",
@@ -77,7 +77,7 @@ host::Text someText(Bytes& bytes) {
     host::Text text =
         host::Text::fromUtf8(bytes.ConsumeBool() ? std::string(bytes.PickValueInArray(vocabulary))
                                                  : bytes.ConsumeRandomLengthString(80));
-    // Now and then it is longer than what functions read of it.
+    // Some texts are longer than the part that functions read.
     for (int doublings = bytes.ConsumeIntegralInRange(-10, 6); doublings > 0; --doublings)
         text.append(text);
     for (int runs = bytes.ConsumeIntegralInRange(0, 3); runs > 0; --runs) {
@@ -97,7 +97,7 @@ host::Text someText(Bytes& bytes) {
     return text;
 }
 
-/// Of up to some 400 digits, before the point or behind it.
+/// A number of up to some 400 digits, before or after the point.
 host::Decimal someNumber(Bytes& bytes) {
     constexpr int mostPlaces = 410, mostZeros = 380;
     const std::string digits = std::to_string(bytes.ConsumeIntegral<std::int64_t>());
@@ -120,7 +120,7 @@ host::Data someDateOrTime(Bytes& bytes) {
     return {value, type};
 }
 
-/// A container: a picture, a file, or streams of kinds that nobody knows.
+/// A container: a picture, a file, or streams of unknown types.
 host::Data someContainer(Bytes& bytes) {
     constexpr std::array kinds{"FNAM", "MAIN", "FILE", "PDF ", "JPEG", "PNGf", "SIZE"};
     constexpr std::size_t longest = 80;
@@ -137,7 +137,7 @@ host::Data someContainer(Bytes& bytes) {
     return host::Data(container);
 }
 
-/// A value of a type that its text was converted to, as far as that can be.
+/// A text converted to another type, where that is possible.
 host::Data someConverted(Bytes& bytes) {
     constexpr std::array types{host::DataType::number, host::DataType::date, host::DataType::time,
                                host::DataType::timestamp, host::DataType::binary};

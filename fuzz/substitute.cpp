@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <utility>
 
-/// Any pattern on any text: lines of pattern, text and two replacements; the first byte says where the
-/// pattern and the text are bold. It may answer what it likes, but it ends, nothing escapes and nothing is
-/// kept.
+/// Replaces any pattern in any text. The lines are the pattern, the text and two replacements; the first byte
+/// chooses which parts of pattern and text are bold. Any result is right, but the call must end, no exception
+/// may leave the plug-in, and no object may leak.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzedFunction substitute(u"Kestrel_RegExp_Substitute");

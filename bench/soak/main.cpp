@@ -18,15 +18,15 @@
 #include <unistd.h>
 #include <vector>
 
-/// Every function called in a random order for a long time in one process: what it holds after the first
-/// tenth of the calls is all that it ever holds, and every call answers as it should. Scripts are put off and
-/// run as well, by a clock that this program moves. Prints a line a tenth; exit status 1 when something grows
-/// or a call answers wrongly, 2 when it cannot run.
+/// Calls every function in random order for a long time in one process. The process must hold no more after
+/// the last tenth of the calls than after the first, and every result must be right. Delayed scripts run as
+/// well; this program moves the clock. Prints a line for each tenth. The exit status is 1 when something
+/// grows or a result is wrong, and 2 when the program cannot run.
 
 namespace {
 
 struct Holdings {
-    double megabytes = 0; ///< resident memory, with what the allocator can give back given back
+    double megabytes = 0; ///< resident memory, after the allocator has released free memory
     std::size_t descriptors = 0;
     host::ObjectCounts objects;
 };
@@ -43,9 +43,9 @@ Holdings holdings() {
     return now;
 }
 
-/// What the first tenth of the calls did not need and the last does.
+/// Whether the process holds more after the last tenth of the calls than after the first; prints the growth.
 bool grew(const Holdings& first, const Holdings& last) {
-    constexpr double allowance = 1; // megabyte: an allocator's pages settle a little differently each time
+    constexpr double allowance = 1; // megabyte, because the allocator's pages vary a little between runs
     const std::string objects = (last.objects - first.objects).describe();
     if (!objects.empty()) std::printf("objects of the host: %s\n", objects.c_str());
     if (last.descriptors > first.descriptors)
@@ -56,7 +56,7 @@ bool grew(const Holdings& first, const Holdings& last) {
            last.megabytes > first.megabytes + allowance;
 }
 
-/// A calculation and what it gives. One that asks for a script, and no other, gives 0.
+/// A calculation and its result. The result is 0 exactly for a calculation that starts a script.
 struct Call {
     std::u16string calculation;
     std::string expected;
@@ -73,9 +73,9 @@ public:
             calls_.push_back({host::fromUtf8(calculation), result, std::string_view(result) == "0"});
     }
 
-    /// Makes calls picked at random; false when one answered wrongly or a script did not run.
+    /// Makes random calls; false when a result was wrong or a script did not run.
     bool makeCalls(std::uint64_t count) {
-        const WebServices services(answering_); // gone before anything is measured
+        const WebServices services(answering_); // destroyed before the measurement
         bool areRight = true;
         std::size_t asked = 0, run = 0;
         for (std::uint64_t number = 0; areRight && number < count; ++number) {
@@ -101,7 +101,7 @@ private:
                         call.expected.c_str());
         return text == call.expected;
     }
-    /// Lets the time come for which scripts were put off, and runs what waits; gives the number run.
+    /// Moves the clock to the end of all delays and runs the waiting scripts; gives the number run.
     std::size_t serve() {
         std::size_t run = 0;
         host::Session::Turn turn;
@@ -141,7 +141,7 @@ int soak(std::uint64_t calls) {
 int main(int count, char** arguments) try {
     std::uint64_t calls = 1'000'000;
     if (count > 1) {
-        constexpr std::uint64_t fewest = 10; // a call a tenth
+        constexpr std::uint64_t fewest = 10; // one call for each tenth
         const std::string_view given(arguments[1]);
         const auto [end, error] = std::from_chars(given.data(), given.data() + given.size(), calls);
         if (count > 2 || error != std::errc() || end != given.data() + given.size() || calls < fewest) {

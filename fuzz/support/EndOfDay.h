@@ -7,8 +7,8 @@
 #include "host/fmwrapper/Faults.h"
 #include "host/values/Clock.h"
 
-/// Ends a day in a plug-in's life: nothing fails any more, files but the first are closed, and the plug-in
-/// is told to give up everything. Whatever it was asked to keep, nothing of it is left behind this.
+/// Ends a fuzzer's run: no host call fails any more, all files except the first are closed, and the plug-in
+/// drops its globals and its scripts. It must keep no host object after this.
 inline void endDay(host::Session& session, host::PlugIn& plugIn) {
     host::faults().disarm();
     host::clock().reset();

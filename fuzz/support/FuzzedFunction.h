@@ -16,14 +16,14 @@
 #include <string>
 #include <string_view>
 
-/// What a fuzzer holds to be true; the fuzzer reports the input that it does not hold for.
+/// Checks a condition of a fuzzer, which reports an input that breaks it.
 inline void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// A function of the loaded plug-in, called over and over. It may answer what it likes, but nothing escapes
-/// and nothing is kept: not behind the call, or, by a function that evaluates calculations, which may ask the
-/// plug-in to keep something, not behind the plug-in's shutdown.
+/// A function of the loaded plug-in, called repeatedly. Any result is right, but no exception may leave it,
+/// and it may keep no object after the call. A function that evaluates calculations may store globals; it may
+/// keep no object after the plug-in's shutdown.
 class FuzzedFunction {
 public:
     enum class Evaluates : std::uint8_t { nothing, calculations };

@@ -4,14 +4,13 @@
 
 /// The processor time that an input has used so far.
 ///
-/// Patterns end at a bound that is counted in comparisons. Under the sanitizers that is half a minute, so a
-/// few such inputs, and what the fuzzer makes of them, would take all of its time. They are tried like any
-/// other, but the fuzzer does not go on from them.
+/// Patterns end at a number of comparisons, which takes half a minute under the sanitizers. A few such inputs
+/// and their variants would take all of the fuzzer's time, so the fuzzer runs them but does not vary them.
 class InputTime {
 public:
-    /// An input of many steps ends here.
+    /// Whether an input of many steps should end.
     [[nodiscard]] bool isUp() const { return used() > kMost; }
-    /// What the fuzzer is to be answered for the input.
+    /// The return value for the fuzzer: whether it keeps the input for variation.
     [[nodiscard]] int answer() const { return used() > kMostToGoOnFrom ? kDoNotKeep : 0; }
 
 private:
