@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# The benchmark as docs/performance.md shows it.
+# The benchmark results in docs/performance.md.
 # `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
 
-# The table and the plot of this machine, in docs/performance.md.
+# Writes the table and the plot of this machine into docs/performance.md.
 document_bench() {
     local folder=$root/build/dev/performance
     mkdir -p "$folder"

@@ -2,7 +2,7 @@
 # The lines of the plug-in that the tests reach.
 # `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
 
-# A build of its own, whose programs count what they run; below the limit it fails.
+# Runs the tests in a separate build that counts executed lines. Coverage below the limit is a failure.
 run_coverage() {
     local folder=$root/build/coverage profiles=$root/build/coverage/profiles limit=97 reached
     require build
@@ -23,7 +23,7 @@ run_coverage() {
         fail "a line that no test reaches is tested, removed, or has its reason in tests/unreached.txt"
 }
 
-# "file: line" for each line of Sources/ that did not run, closing braces aside.
+# "file: line" for each line of Sources/ that did not run, except closing braces.
 unreached_lines() {
     llvm-cov-19 show "$@" -show-instantiations=false |
         awk -F '|' -v folder="$root/Sources/" '

@@ -2,8 +2,8 @@
 # One fuzzer or all of them, each for a number of seconds.
 # `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
 
-# fuzz_one NAME SECONDS: from the seeds in fuzz/corpus/NAME and what earlier runs found, with the fuzzer's own limits
-# from fuzz/NAME.options. Shown are the lines that tell how far it is (cov: the edges reached) and every fault, not each
+# fuzz_one NAME SECONDS: starts from the seeds in fuzz/corpus/NAME and the inputs of earlier runs, with the fuzzer's
+# limits from fuzz/NAME.options. The output has the progress (cov: the edges reached) and every fault, but not every
 # new input.
 fuzz_one() {
     local name=$1 seconds=$2 folder=$root/build/sanitize/fuzz
@@ -13,7 +13,7 @@ fuzz_one() {
     mkdir -p "$found" "$failures"
     if [ -d "$root/fuzz/corpus/$name" ]; then arguments+=("$root/fuzz/corpus/$name"); fi
     if [ -f "$root/fuzz/$name.dict" ]; then arguments+=(-dict="$root/fuzz/$name.dict"); fi
-    # The last of two that say otherwise counts.
+    # The last of two contradicting options counts.
     if [ -f "$root/fuzz/$name.options" ]; then mapfile -t options < <(grep '^-' "$root/fuzz/$name.options"); fi
     say "fuzzing $name for $seconds seconds"
     UBSAN_OPTIONS=print_stacktrace=1 "$root/build/sanitize/fuzz-$name" "${arguments[@]}" "${options[@]}" 2>&1 |
@@ -21,7 +21,7 @@ fuzz_one() {
         { say "$name failed; its input is in build/sanitize/fuzz/failures/$name"; return 1; }
 }
 
-# As many at a time as there are processors.
+# Runs as many fuzzers at a time as there are processors.
 fuzz_all() {
     local seconds=$1
     export -f fuzz_one say

@@ -15,10 +15,10 @@ check_format() {
     sources cpp h | xargs -0 clang-format-19 --dry-run -Werror
 }
 
-# Prints what clang-tidy finds, without its count of what it left out.
+# Prints the findings of clang-tidy, without its count of suppressed ones.
 check_lint() {
     say "checking with clang-tidy"
-    # The sanitizers' build has every source; clang-tidy takes its flags from there.
+    # clang-tidy takes the flags from the sanitizers' build, which has every source.
     sources cpp | xargs -0 -P "$jobs" -n 1 bash -c '
         found=$(clang-tidy-19 --quiet -p "$0" "$1" 2>&1) || { printf "%s\n" "$found"; exit 1; }
     ' "$root/build/sanitize" >&2

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# A "Run Script" build phase of the app: puts the plug-in for the platform that is being built into the app, as
+# A "Run Script" build phase of the app. It copies the plug-in for the current platform into the app, as
 # Frameworks/Kestrel.fmplugin, and signs it with the app's identity. KESTREL_XCFRAMEWORK is the path of
-# Kestrel.xcframework; the other variables are Xcode's.
+# Kestrel.xcframework; Xcode sets the other variables.
 
 set -euo pipefail
 

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # usage: FM_SDK_DIR=DIR make-xcframework.sh [FOLDER]
 #
-# On a Mac: builds the plug-in for devices and for the simulator, and puts both into FOLDER/Kestrel.xcframework
-# (build/ by default). Inside they are called Kestrel.framework, since Xcode takes nothing else in there;
-# embed.sh gives the app its Kestrel.fmplugin.
+# Builds the plug-in for devices and for the simulator on a Mac, and puts both into FOLDER/Kestrel.xcframework
+# (build/ by default). Both are called Kestrel.framework there, because Xcode accepts no other kind of bundle;
+# embed.sh copies one into the app as Kestrel.fmplugin.
 
 set -euo pipefail
 
@@ -23,7 +23,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 slices=()
 for preset in ios ios-simulator; do
-    # A folder that was configured with other architectures keeps them; the preset would set its own again.
+    # An existing build folder keeps its architectures; the preset would reset them.
     if [ -f "$root/build/$preset/CMakeCache.txt" ]; then
         cmake -D FM_SDK_DIR="$FM_SDK_DIR" "$root/build/$preset"
     else

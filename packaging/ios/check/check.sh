@@ -3,14 +3,14 @@
 #        check.sh --lay-out FOLDER
 #        check.sh --read FOLDER
 #
-# Builds the plug-in's bundle for an iPhone, without a Mac, and reads it back: a line for each check, then what
-# the plug-in takes from outside and how large it is. Exit status 0 when all checks passed, 1 when one failed,
-# 2 when they could not be made. KESTREL_HOST and KESTREL_PLUGIN are the development host's program and the
-# plug-in that it loads, which tell the version.
+# Builds the plug-in's bundle for an iPhone, without a Mac, and inspects it. Prints a line for each check, then the
+# symbols that the plug-in imports and its size. The exit status is 0 when all checks passed, 1 when one failed, and
+# 2 when they could not run. KESTREL_HOST and KESTREL_PLUGIN are the development host's program and the plug-in that
+# it loads, which give the version.
 #
-# The rest is for tests of the checks themselves. With --fault a source that has no place in the plug-in is built
-# into it, and exported with --export. With --lay-out nothing is checked, and all that the checks look at is put
-# into FOLDER; with --read nothing is built, and the checks look at such a FOLDER, in which something was changed.
+# The options are for tests of the checks. --fault adds a faulty source to the plug-in, and --export exports a
+# function of it. --lay-out copies the inputs of the checks into FOLDER and checks nothing. --read builds nothing and
+# checks such a FOLDER, in which a test has changed something.
 
 set -euo pipefail
 
@@ -43,21 +43,21 @@ configure() {
     }
 }
 
-# Each error of the compilers and the linker, with the file's path from the root.
+# Builds the plug-in and prints each error of compilers and linker, with the file's path from the root.
 build_errors() {
     ninja -C "$build" -k 0 -j "$(nproc)" >"$work/build.log" 2>&1 && return
     sed -n -e "s#$root/##g" -e 's#^\(\.\./\)*##' -e '/error: /p' "$work/build.log" | awk '!seen[$0]++ { found = 1; print }
         END { if (!found) print "the build failed" }'
 }
 
-# --- Laying out what the checks look at -------------------------------------------------------------
+# --- Collecting the inputs of the checks ------------------------------------------------------------
 
-# The object files that the library is made of, separated by zero bytes. Others can lie about from before.
+# The library's object files, separated by zero bytes. The folder may also hold files of earlier builds.
 objects() {
     sed -nE "/^# Sections/q; s#^\\[ *[1-9][0-9]*\\] #$build/#p" "$build/Kestrel.map" | tr '\n' '\0'
 }
 
-# What the object files refer to comes along as text: theirs is most of the time that the checks take.
+# The references of the object files are stored as text, because reading them takes most of the checks' time.
 lay_out() {
     local file
     mkdir -p "$1"
@@ -68,10 +68,10 @@ lay_out() {
     objects | while IFS= read -r -d '' file; do references "$file"; done >"$1/graph"
 }
 
-# Names as in C, or as a C++ programmer writes them.
+# Turns symbols into names as written in C or C++.
 plain_names() { sed 's/^_//' | llvm-cxxfilt-19 -n; }
 
-# The functions of an object file with what each refers to, in the words of initialisers.awk.
+# The functions of an object file with their references, in the format of initialisers.awk.
 references() {
     local file=$1 marks=$work/marks
     llvm-nm-19 --defined-only "$file" | awk -v file="$file" -v marks="$marks" '
@@ -86,14 +86,14 @@ references() {
         name ~ /^\+\[.* load\]$/ { print "starts", file, name }'
     llvm-objdump-19 --reloc --section=__mod_init_func "$file" 2>/dev/null |
         awk -v file="$file" '$2 ~ /^ARM64_RELOC/ { print "starts", file, $3 }'
-    # Initialisers have a code section of their own beside __text; data in between does no harm.
+    # Initialisers have a separate code section; data between the sections does no harm.
     llvm-objdump-19 --disassemble --reloc "$file" | awk -v file="$file" '
         match($0, /:[ \t]+ARM64_RELOC_[A-Z0-9_]+[ \t]+/) {
             address = $1
             sub(/:$/, "", address)
             print address, "refers", file, substr($0, RSTART + RLENGTH)
         }' >>"$marks"
-    # By address; a function comes before what it refers to.
+    # The order is by address, and a function comes before its references.
     LC_ALL=C sort -k 1,1 -k 2,2 "$marks" | cut -d ' ' -f 2-
 }
 
@@ -102,14 +102,14 @@ references() {
 # undefined FILE...
 undefined() { llvm-nm-19 --undefined-only --format=just-symbols "$@" | awk 'NF && !/:$/' | sort -u | plain_names; }
 
-# read_plist FILE: into $work/plist, in one form. plistutil does not say in its status that it failed.
+# read_plist FILE: converts the list to XML in $work/plist. plistutil reports no failure in its exit status.
 read_plist() {
     rm -f "$work/list" "$work/plist"
     plistutil -f bin -i "$1" -o "$work/list" && plistutil -f xml -i "$work/list" -o "$work/plist" &&
         [ -s "$work/plist" ]
 } >/dev/null 2>&1
 
-# The values that a property list has for a key: the strings of an array, or the one string.
+# The values of a key in a property list: the strings of an array, or the single string.
 plist_values() {
     if read_plist "$1"; then
         awk -v key="<key>$2</key>" '
@@ -120,10 +120,10 @@ plist_values() {
     fi
 }
 
-# states FILE KEY VALUE: the property list has the value, an element without content, for the key.
+# states FILE KEY VALUE: passes if the property list has the value, an empty element, for the key.
 states() { read_plist "$1" && grep -A 1 -F "<key>$2</key>" "$work/plist" | grep -qE "^[[:space:]]*$3\$"; }
 
-# Everything that several checks look at.
+# Reads the properties of the library that several checks use.
 read_library() {
     undefined "$library" >"$work/undefined"
     grep -rhoE '\bFM_[A-Za-z0-9_]+' "$root/include/FMWrapper" | sort -u >"$work/sdk-functions"
@@ -134,7 +134,7 @@ read_library() {
         "$work/headers" >"$work/sections"
 }
 
-# --- Checks: each prints what is wrong, a line a finding ---------------------------------------------
+# --- Checks: each prints a line for every finding ----------------------------------------------------
 
 check_sources() {
     local source
@@ -145,7 +145,7 @@ check_sources() {
     done
 }
 
-# Beside the one header nothing counts references by message, and Objective-C++ has no conditions.
+# Only one header may count references by message, and Objective-C++ may have no other conditional code.
 check_ownership() {
     local message='(^|[])[:space:]])(retain|release|autorelease|dealloc)[[:space:]]*\]'
     local condition='^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif|elifdef|elifndef)([^[:alnum:]_]|$)'
@@ -159,7 +159,7 @@ check_ownership() {
     ) | sort -u | grep -v "^$one_header:" | sed "s#^\([^:]*:[0-9]*\):.*#\1: belongs into $one_header#"
 }
 
-# expect WHAT PATTERN: a line of the headers has it.
+# expect WHAT PATTERN: reports WHAT unless a line of the library's headers matches.
 expect() { grep -qE "$2" "$work/headers" || echo "it is not $1"; }
 
 check_format() {
@@ -256,7 +256,7 @@ used_categories() {
 
 check_privacy() {
     local category name empty manifest=$bundle/PrivacyInfo.xcprivacy
-    # What no function reaches is left out of the library; the sources use it all the same.
+    # The linker drops unreachable code, but the manifest must cover the sources as well.
     { cat "$inputs/undefined-in-objects"; llvm-strings-19 "$library"; } | sort -u >"$work/names"
     used_categories "$work/names" >"$work/used"
     plist_values "$manifest" NSPrivacyAccessedAPIType >"$work/declared"
@@ -304,7 +304,7 @@ print_owners() {
     done
 }
 
-# C names side by side, C++ names each on its own line.
+# Prints C names side by side, and each C++ name on its own line.
 fold_list() {
     if [ "$1" = libc++ ]; then uniq; else paste -sd ' ' | fold -s -w 104 | sed 's/ $//'; fi | sed 's/^/    /'
 }

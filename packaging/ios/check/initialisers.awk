@@ -1,9 +1,9 @@
-# What the library's initialisers reach. Reads, file by file,
-#   own FILE NAME             NAME is this file's alone
-#   function FILE NAME        the references that follow are its
+# Host functions that the library's initialisers reach. The input has, file by file,
+#   own FILE NAME             NAME is local to this file
+#   function FILE NAME        the following references belong to NAME
 #   refers FILE NAME          a call, or an address that is taken
 #   starts FILE NAME          called when the library is loaded
-# and prints a line for each host function that can be reached from there: "NAME, by way of …".
+# The output has a line for each host function that the initialisers can reach: "NAME, by way of …".
 # A NAME may have blanks: -[Class method].
 
 {

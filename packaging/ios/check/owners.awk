@@ -1,6 +1,6 @@
 # awk -v sdk=FILE -f owners.awk symbols.txt NAMES
-# Prints "OWNER<tab>NAME" for each of NAMES, with the owner "-" for what is nobody's. FILE has the names of
-# the host SDK's functions, one a line.
+# Prints "OWNER<tab>NAME" for each of NAMES; the owner is "-" for an unknown name. FILE has the names of the
+# host SDK's functions, one on each line.
 
 BEGIN {
     while ((getline name < sdk) > 0) owner_of[name] = "FMWrapper"

@@ -1,8 +1,8 @@
 #pragma once
 
-/// Read before every C++ source of the check. The stand-in's libc++ is of a release in which std::format was
-/// unfinished and barred on Apple's systems; its <chrono> includes it all the same, which today's Clang
-/// refuses. The bar is lifted; a call of std::format shows up as undefined symbols that are on no list.
+/// Included before every C++ source of the check. In the stand-in's release of libc++, std::format is unfinished
+/// and unavailable on Apple's systems, but <chrono> includes it, which a current Clang refuses. This header
+/// removes the restriction. A call of std::format still leads to undefined symbols that are on no list.
 
 #ifdef __cplusplus
 #include <__availability>

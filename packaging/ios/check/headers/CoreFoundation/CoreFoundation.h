@@ -1,5 +1,5 @@
 #pragma once
 
-/// The part of CoreFoundation that the plug-in names, for the check without a Mac. See Foundation.h beside it.
+/// The part of CoreFoundation that the plug-in uses, for the check without a Mac; see Foundation.h.
 
 typedef struct __CFRunLoopTimer* CFRunLoopTimerRef;

@@ -1,11 +1,10 @@
 #pragma once
 
-/// The part of Foundation that the plug-in calls, declared in our own words for the check without a Mac. A
-/// build with the real SDK never sees this folder.
+/// The project's own declarations of the part of Foundation that the plug-in calls, for the check without a Mac.
+/// A build with the real SDK does not use this folder.
 ///
-/// What is missing here does not compile in the check: that is how a method that only GNUstep has is found.
-/// So before a line is added, look the method up in Apple's documentation, and take over from when on iOS
-/// has it: nothing later than 16.0.
+/// A missing declaration is a compile error of the check, which so finds methods that only GNUstep has. Before
+/// you add a line, look the method up in Apple's documentation. It must be in iOS 16.0 or earlier.
 
 #include <objc/NSObjCRuntime.h>
 #include <objc/NSObject.h>
@@ -62,7 +61,7 @@ enum : NSStringEncoding { NSASCIIStringEncoding = 1, NSUTF8StringEncoding = 4 };
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding;
 @end
 
-/// What the compiler makes of @"…" is one of these; its layout is the compiler's.
+/// The class of a literal @"…"; the compiler defines its layout.
 @interface NSConstantString : NSString
 @end
 
