@@ -207,22 +207,29 @@ TEST_F(RegExp, reportsMalformedPatterns) {
 }
 
 TEST_F(RegExp, endsForEveryPattern) {
-    const std::u16string as(4'000, u'a');
+    const std::u16string as(4'000, u'a'), million(1'000'000, u'a');
     const struct {
         const char* what;
         std::u16string text, pattern;
         const char* error;
     } rows[] = {
-        {"alternatives", as, u"(a|b)*c", kTooComplex},
         {"a repetition in another", as.substr(0, 200), u"(a+)+b", kTooComplex},
         {"any characters", as.substr(0, 400), u"(.*)(.*)(.*)x", kTooComplex},
         {"looking ahead", as.substr(0, 200), u"(?=(a+)+b)", kTooComplex},
         {"references", as.substr(0, 400), u"(a*)(a*)\\1\\2b", kTooComplex},
         {"sets", as.substr(0, 400), u"([ab]*)([^b]*)(\\w*)x", kTooComplex},
-        {"empty alternatives", as, times(40, u"(|)") + u"$^", kTooComplex},
-        {"empty rounds", as, u"(){2000000000}b", kTooComplex},
-        {"empty rounds in rounds", as, u"(((){1000}){1000}){1000}b", kTooComplex},
-        {"rounds that may be empty", as, u"((a?){1000}){1000}b$", kNoRoom},
+        {"little at each of many positions", as, times(300, u"(?=)") + u"([^b]*)b", kTooComplex},
+        {"a set of many ranges", as, u"([" + times(3'000, u"0-9") + u"a]*)b", kTooComplex},
+        {"many groups", as, times(500, u"()") + u"(a*)b", kTooComplex},
+        {"assertions", million, u"(" + times(1'500, u"(?=)") + u")x", kTooComplex},
+        {"assertions that fail", million, u"(" + times(1'500, u"(?=)") + u"(?!))", kTooComplex},
+        {"empty alternatives", million, times(40, u"(|)") + u"$^", kTooComplex},
+        {"empty alternatives, repeated", million, times(40, u"(|){1,2}") + u"$^", kTooComplex},
+        {"empty alternatives in and behind a group", million, u"(a(|){15})(|){15}$^", kTooComplex},
+        {"empty rounds", million, u"(){2000000000}b", kTooComplex},
+        {"empty rounds of no capture", million, u"(?:){2000000000}b", kTooComplex},
+        {"empty rounds in rounds", million, u"(((){1000}){1000}){1000}b", kTooComplex},
+        {"rounds that may be empty", as, u"((a?){1000}){1000}b$", kTooComplex},
         {"a long text", std::u16string(5'000'000, u'a'), u"([^b]*)b", kNoRoom},
         {"groups in groups", as, times(100'000, u"(") + times(100'000, u")"), kPatternTooLong},
         {"groups in groups", as, times(201, u"(") + times(201, u")"), kPatternTooLong},
@@ -251,7 +258,36 @@ TEST_F(RegExp, replacesInLongTexts) {
     EXPECT_EQ(substituted(std::u16string(200'000, u'a'), u"(.*)").utf8(), "X");
 }
 
-/// A style for every kind of formatting.
+/// Patterns that people write, on texts of the length that they have.
+TEST_F(RegExp, answersPatternsThatGoBackOften) {
+#if __has_feature(address_sanitizer)
+    constexpr int part = 10; // the sanitizers take the time of the rest
+#else
+    constexpr int part = 1;
+#endif
+    const std::u16string paragraph = times(49, u"lorem ipsum dolor 20") + u"lorem ipsum dolor!\r";
+    const std::u16string paragraphs = times(9 / part, paragraph) + u"an invoice" + paragraph;
+    EXPECT_EQ(substituted(paragraphs, u"(.*invoice.*)").utf8(),
+              host::toUtf8(times(9 / part, paragraph)) + "X\r");
+
+    const std::u16string line = u"1042,\"Smith, John\",London,\"12, High Street\",45.00\r";
+    const std::u16string outside = u"1042X\"Smith, John\"XLondonX\"12, High Street\"X45.00\r";
+    EXPECT_EQ(substituted(times(600 / part, line), u"(,)(?=(?:[^\"]*\"[^\"]*\")*[^\"]*$)").utf8(),
+              host::toUtf8(times(600 / part, outside)));
+
+    std::mt19937 engine(7);
+    std::u16string base64;
+    while (base64.size() < 100'000 / part)
+        base64 += u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"[engine() % 64];
+    EXPECT_EQ(substituted(base64 + u"/ada@example.com", u"([\\w.+-]+@[\\w-]+(?:\\.[\\w-]+)+)").utf8(),
+              host::toUtf8(base64) + "/X");
+
+    // As many assertions as a pattern may have, one after the other.
+    const std::u16string as(10'000 / part, u'a');
+    EXPECT_EQ(substituted(as, u"(" + times(1'500, u"(?=)") + u"x)").utf8(), host::toUtf8(as));
+}
+
+/// Every style in turn: on the pattern and on the middle of the text.
 std::vector<host::CharacterStyle> allStyles() {
     std::vector<host::CharacterStyle> styles(3);
     styles[0].setFont(1);

@@ -2,7 +2,37 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 #include <vector>
+
+/// The bound of open alternatives and of steps. A search is a walk through a tree: an alternative or a
+/// repetition makes it branch, a comparison of a character ends what can be told of it beforehand. For each
+/// part P of a pattern the reader knows two passages, s(P) from its start and r(P) from behind a comparison
+/// in it. A passage goes as far as the next comparison or the end of the part, and has
+///
+///   ways    that reach the end,
+///   steps   of all its ways together,
+///   open    alternatives, on the way that leaves the most of them open.
+///
+/// One passage behind another, X Y, and one beside another, X|Y:
+///
+///   ways(X Y) = ways(X) · ways(Y)                   ways(X|Y) = ways(X) + ways(Y)
+///   steps(X Y) = steps(X) + ways(X) · steps(Y)      steps(X|Y) = 1 + steps(X) + steps(Y)
+///   open(X Y) = open(X) + open(Y), if X has a way   open(X|Y) = 1 + the larger of the two
+///
+/// A character has s = no way and r = one way; an anchor has s = one way and r = no way. An assertion is
+/// passed once at most and moves nothing forward, so it has s = r = one way, with the steps of its content.
+/// With "max" for the larger number of each kind:
+///
+///   s(PQ) = s(P) s(Q)                       r(PQ) = max(r(P) s(Q), r(Q))
+///   s(P|Q) = s(P)|s(Q)                      r(P|Q) = max(r(P), r(Q))
+///   s(P{n}) = s(P) s(P) … n times           r(P{n}) = r(P) max(s(P{n-1}), nothing)
+///   s(P{n,}) = s(P{n}), n > 0               r(P{n,}) = r(P) max(s(P{n-1}), nothing|s(P))
+///   s(P*) = nothing|s(P)                    r(P*) = r(P) s(P*)
+///
+/// The last two lines hold because the library begins no further round behind an empty one, once n are done.
+/// The whole pattern's bound is max(s, r).
 
 namespace kst {
 namespace {
@@ -10,27 +40,93 @@ namespace {
 constexpr std::wstring_view kAnyButLineEnds = L"[^\n\r\u2028\u2029]";
 constexpr std::wstring_view kNever = L"(?!)";
 
-constexpr double kMostWays = 1e18;
+/// Numbers grow no further, so that none becomes infinite.
+constexpr double kMost = 1e18;
 
-double capped(double ways) { return std::min(ways, kMostWays); }
+/// Steps, in units of the cheapest.
+constexpr double kStepsOfAnchor = 8;
+constexpr double kStepsOfAssertion = 4;
+constexpr double kStepsOfMember = 0.25; // of a set, for each character that it takes in the pattern
 
 bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-/// What stands between two others: a character, a set, a group, with its quantifier.
-struct Item {
-    double ways = 1; ///< how it can be passed without comparing a character
-    double open = 0; ///< alternatives that it leaves open while it is passed
+struct Passage {
+    double ways = 0, steps = 0, open = 0;
 };
+
+constexpr Passage kNothing{1, 0, 0};
+
+Passage capped(const Passage& passage) {
+    return {std::min(passage.ways, kMost), std::min(passage.steps, kMost), std::min(passage.open, kMost)};
+}
+Passage behind(const Passage& first, const Passage& second) {
+    return capped({first.ways * second.ways, first.steps + first.ways * second.steps,
+                   first.open + (first.ways > 0 ? second.open : 0)});
+}
+Passage beside(const Passage& first, const Passage& second) {
+    return capped(
+        {first.ways + second.ways, 1 + first.steps + second.steps, 1 + std::max(first.open, second.open)});
+}
+Passage larger(const Passage& first, const Passage& second) {
+    return {std::max(first.ways, second.ways), std::max(first.steps, second.steps),
+            std::max(first.open, second.open)};
+}
+/// A passage `count` times behind itself. Each round is a step.
+Passage rounds(const Passage& passage, double count) {
+    const double ways = std::pow(passage.ways, count);
+    const double begun = passage.ways == 1 ? count : (ways - 1) / (passage.ways - 1);
+    return capped({ways, (1 + passage.steps) * begun,
+                   passage.open * (passage.ways > 0 ? count : std::min(count, 1.0))});
+}
+
+struct Part {
+    Passage fromStart = kNothing, fromComparison;
+};
+
+constexpr Part kCharacter{{}, kNothing};
+constexpr Part kAnchor{{1, kStepsOfAnchor, 0}, {}};
+/// It may stand for an empty text.
+constexpr Part kReference{{1, kStepsOfAnchor, 0}, kNothing};
+constexpr Part kEdgeOfGroup{{1, 1, 0}, {}};
+
+Part sequence(const Part& first, const Part& second) {
+    return {behind(first.fromStart, second.fromStart),
+            larger(behind(first.fromComparison, second.fromStart), second.fromComparison)};
+}
+Part alternatives(const Part& first, const Part& second) {
+    return {beside(first.fromStart, second.fromStart), larger(first.fromComparison, second.fromComparison)};
+}
+Part repeated(const Part& part, double least, bool mayBeMore) {
+    const Passage& round = part.fromStart;
+    const Passage oneMore = mayBeMore ? beside(kNothing, round) : kNothing;
+    if (least == 0) return {oneMore, behind(part.fromComparison, oneMore)};
+    return {rounds(round, least), behind(part.fromComparison, larger(rounds(round, least - 1), oneMore))};
+}
+
+enum class Kind { capture, group, assertion };
+
+struct Opening {
+    std::wstring_view text;
+    Kind kind;
+};
+constexpr Opening kOpenings[] = {
+    {L"(?:", Kind::group}, {L"(?=", Kind::assertion}, {L"(?!", Kind::assertion}, {L"(", Kind::capture}};
+
+/// The part that a group is, its parentheses included.
+Part grouped(Kind kind, Part inner) {
+    if (kind == Kind::group) return inner;
+    if (kind == Kind::capture) return sequence(sequence(kEdgeOfGroup, inner), kEdgeOfGroup);
+    inner.fromStart.ways = inner.fromComparison.ways = 1;
+    inner.fromStart.steps += kStepsOfAssertion;
+    return inner;
+}
 
 /// A group that is being read.
 struct Group {
-    double finishedWays = 0; ///< of its finished alternatives
-    double ways = 1;         ///< of this one, up to the last item
-    Item sinceLastRead;      ///< the same, but from the last item on that compares a character
-    Item last;               ///< a quantifier behind it changes it
-    double mostOpen = 0;
-    double bars = 0;
-    bool isAssertion = false;
+    Kind kind = Kind::group;
+    std::optional<Part> finished; ///< its finished alternatives
+    Part alternative;             ///< this one, up to the last item
+    Part last;                    ///< a quantifier behind it changes it
 };
 
 class Reader {
@@ -41,47 +137,48 @@ public:
         groups_.emplace_back();
         while (position_ < pattern_.size())
             readItem();
-        endAlternative();
         // Groups may be open still if the pattern is malformed; then it does not matter.
-        outline_.openPerCharacter = std::max(openIn(groups_.front()), 1.0);
+        const Part whole = endAlternatives();
+        const Passage bound = larger(whole.fromStart, whole.fromComparison);
+        outline_.open = std::max(bound.open, 1.0);
+        outline_.steps = bound.steps;
         return std::move(outline_);
     }
 
 private:
     void readItem() {
-        switch (pattern_[position_]) {
-        case L'\\': readEscape(); break;
-        case L'[': readSet(); break;
-        case L'(': beginGroup(); break;
-        case L')': endGroup(); break;
-        case L'|':
-            copy(1);
-            endAlternative();
-            ++groups_.back().bars;
-            ++outline_.branches;
-            break;
-        case L'*':
-        case L'?': repeat(0, true); break;
-        case L'+': repeat(1, true); break;
-        case L'{': readCounts(); break;
-        case L'.':
-            replace(kAnyButLineEnds, kAnyButLineEnds);
-            addItem(0);
-            break;
-        case L'^':
-            replace(L"^", kNever);
-            addItem(1);
-            break;
-        case L'$':
-            copy(1);
-            addItem(1);
-            break;
-        default: copy(1); addItem(0);
-        }
+        static constexpr struct {
+            wchar_t first;
+            void (Reader::*read)();
+        } kRules[] = {
+            {L'\\', &Reader::readEscape},   {L'[', &Reader::readSet},
+            {L'(', &Reader::beginGroup},    {L')', &Reader::endGroup},
+            {L'|', &Reader::readBar},       {L'*', &Reader::readAnyNumber},
+            {L'?', &Reader::readAnyNumber}, {L'+', &Reader::readAtLeastOne},
+            {L'{', &Reader::readCounts},    {L'.', &Reader::readAnyCharacter},
+            {L'^', &Reader::readStart},     {L'$', &Reader::readEnd},
+        };
+        for (const auto& [first, read] : kRules)
+            if (pattern_[position_] == first) return (this->*read)();
+        copy(1);
+        addItem(kCharacter);
+    }
+
+    void readAnyCharacter() {
+        replace(kAnyButLineEnds, kAnyButLineEnds);
+        addItem(kCharacter);
+    }
+    void readStart() {
+        replace(L"^", kNever);
+        addItem(kAnchor);
+    }
+    void readEnd() {
+        copy(1);
+        addItem(kAnchor);
     }
 
     /// The digits of an escape that has some are read as characters of their own; only a reference to a
-    /// group needs them, since it may stand for an empty text.
+    /// group needs them.
     void readEscape() {
         copy(1);
         if (position_ == pattern_.size()) return;
@@ -90,11 +187,12 @@ private:
         const bool isReference = isDigit(kind) && kind != L'0';
         while (isReference && position_ < pattern_.size() && isDigit(pattern_[position_]))
             copy(1);
-        addItem(isReference || kind == L'b' || kind == L'B' ? 1 : 0);
+        addItem(isReference ? kReference : kind == L'b' || kind == L'B' ? kAnchor : kCharacter);
     }
 
     /// A set in brackets, to its end as the library sees it: where a range may end, "[" is a character.
     void readSet() {
+        const std::size_t begin = position_;
         copy(1);
         if (at(L"^")) copy(1);
         while (position_ < pattern_.size() && !at(L"]")) {
@@ -109,7 +207,7 @@ private:
             }
         }
         copy(1);
-        addItem(0);
+        addItem({{0, kStepsOfMember * static_cast<double>(position_ - begin), 0}, kNothing});
     }
     void copyMember() {
         if (at(L"[."))
@@ -125,72 +223,60 @@ private:
     }
 
     void beginGroup() {
-        const bool isAssertion = at(L"(?=") || at(L"(?!");
-        copy(isAssertion || at(L"(?:") ? 3 : 1);
-        groups_.emplace_back().isAssertion = isAssertion;
+        const auto& [opening, kind] =
+            *std::ranges::find_if(kOpenings, [&](const Opening& each) { return at(each.text); });
+        copy(opening.size());
+        groups_.emplace_back().kind = kind;
         outline_.depth = std::max(outline_.depth, groups_.size() - 1);
         ++outline_.branches;
     }
     void endGroup() {
         copy(1);
-        endAlternative();
         if (groups_.size() == 1) return; // one ")" too many
-        const Group group = groups_.back();
+        const Part inner = endAlternatives();
+        const Kind kind = groups_.back().kind;
         groups_.pop_back();
-        addItem(group.isAssertion ? 1 : group.finishedWays, openIn(group));
+        addItem(grouped(kind, inner));
     }
-    static double openIn(const Group& group) { return group.mostOpen + group.bars; }
+    void readBar() {
+        copy(1);
+        Group& group = groups_.back();
+        group.finished = endAlternatives();
+        group.alternative = group.last = Part();
+        ++outline_.branches;
+    }
+    /// All alternatives of the innermost group, the last included.
+    Part endAlternatives() {
+        const Group& group = groups_.back();
+        const Part ended = sequence(group.alternative, group.last);
+        return group.finished ? alternatives(*group.finished, ended) : ended;
+    }
+    void addItem(const Part& part) {
+        Group& group = groups_.back();
+        group.alternative = sequence(group.alternative, group.last);
+        group.last = part;
+    }
 
+    void readAnyNumber() { repeat(0, true); }
+    void readAtLeastOne() { repeat(1, true); }
     void readCounts() {
         double least = 0;
         std::size_t end = position_ + 1;
         for (; end < pattern_.size() && isDigit(pattern_[end]); ++end)
-            least = capped(least * 10 + (pattern_[end] - L'0'));
+            least = std::min(least * 10 + (pattern_[end] - L'0'), kMost);
         const bool isExact = end < pattern_.size() && pattern_[end] == L'}';
         end = std::min(pattern_.find(L'}', end), pattern_.size() - 1);
         copy(end - position_);
         repeat(least, !isExact);
     }
-    /// Rounds beyond the least number end as soon as one compares nothing.
     void repeat(double least, bool mayBeMore) {
         copy(1);
         if (at(L"?")) copy(1);
         ++outline_.branches;
         ++outline_.repetitions;
-        Item& item = groups_.back().last;
-        const bool isReading = item.ways == 0;
-        item.open = (isReading ? item.open : capped(item.open * std::max(least, 1.0))) + 1;
-        if (isReading && least > 0) return;
-        if (!isReading) noteWays(least);
-        const double more = mayBeMore ? 1 + item.ways : 1;
-        item.ways = least > 0 ? capped(std::pow(item.ways, least) * more) : more;
+        Part& last = groups_.back().last;
+        last = repeated(last, least, mayBeMore);
     }
-
-    void addItem(double ways, double open = 0) {
-        Group& group = groups_.back();
-        finishItem(group);
-        group.last = {ways, open};
-    }
-    void finishItem(Group& group) {
-        const Item& last = group.last;
-        group.ways = capped(group.ways * last.ways);
-        if (last.ways == 0)
-            group.sinceLastRead = {1, last.open};
-        else
-            group.sinceLastRead = {capped(group.sinceLastRead.ways * last.ways),
-                                   capped(group.sinceLastRead.open + last.open)};
-        group.mostOpen = std::max(group.mostOpen, group.sinceLastRead.open);
-        noteWays(group.sinceLastRead.ways);
-    }
-    void endAlternative() {
-        Group& group = groups_.back();
-        finishItem(group);
-        group.finishedWays = capped(group.finishedWays + group.ways);
-        noteWays(group.finishedWays);
-        group.ways = 1;
-        group.sinceLastRead = group.last = Item();
-    }
-    void noteWays(double ways) { outline_.waysWithoutReading = std::max(outline_.waysWithoutReading, ways); }
 
     [[nodiscard]] bool at(std::wstring_view expected) const {
         return pattern_.substr(position_).starts_with(expected);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What can be told of a pattern before it is compiled, and the form in which it is compiled.
+/// Facts about a pattern before it is compiled, and the form in which it is compiled.
 
 #include <cstddef>
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace kst {
 
-/// Reading takes one pass and a fixed amount of stack. Of a malformed pattern nothing is promised but that:
-/// whoever compiles it finds the fault.
+/// Reading takes one pass and a fixed amount of stack. A malformed pattern gets an outline too, of which only
+/// one thing is certain: compiling `atStart` finds the fault.
 struct PatternOutline {
     /// The pattern with every "." as the set of characters that it stands for: the library asks the traits
     /// about the members of a set, but not about ".". Matches and groups are the same.
@@ -22,11 +22,10 @@ struct PatternOutline {
     std::size_t repetitions = 0;
     /// Repetitions, groups and bars between alternatives.
     std::size_t branches = 0;
-    /// How many alternatives a match may leave open for each character that it passes; at least 1.
-    double openPerCharacter = 1;
-    /// About how many ways, or how many rounds, there are through parts of the pattern in which no character
-    /// is compared; at least 1. `(|)(|)(|)$` has eight.
-    double waysWithoutReading = 1;
+    /// Most alternatives that a match leaves open from one comparison of a character to the next; at least 1.
+    double open = 1;
+    /// Most steps that a search takes from one comparison to the next; `(|)(|)(|)$` has some twenty.
+    double steps = 0;
 };
 
 PatternOutline outlineOf(std::wstring_view pattern);

@@ -16,24 +16,25 @@ using std::regex_constants::error_stack;
 constexpr std::size_t kMostCharacters = 10'000;
 constexpr std::size_t kMostDepth = 200;
 constexpr std::size_t kMostBranches = 2'000;
-constexpr double kMostWaysWithoutReading = 1e6;
 
-constexpr double kComparisons = 1e7;
-constexpr double kComparisonsPerCharacter = 30;
 constexpr double kMostComparisons = 1.5e8; // some ten seconds of the slowest; an app is ended after twenty
-/// In one attempt the library counts its steps in an int, and several belong to one comparison.
-constexpr std::int64_t kMostComparisonsInOneAttempt = 100'000'000;
+/// Beyond these the time of a comparison grows with the steps and with the size of an alternative.
+constexpr double kOrdinarySteps = 18;
+constexpr double kOrdinaryBytes = 256;
+/// The library counts the nodes that an attempt visits in an int, up to seven for each of these steps.
+constexpr double kMostComparisonsInOneAttempt = kMostComparisons / 10;
+constexpr std::int64_t kComparisonsOfCompiling = 10'000'000;
 constexpr std::int64_t kComparisonsOfAQuickLook = 1'000'000;
 constexpr double kMostBytesOfAlternatives = 512.0 * 1024 * 1024;
 
 /// Comparisons that are left to the attempt that is under way. The library copies its traits, so they have
 /// no place for it; one search at a time is under way, since the host makes one call at a time.
-std::int64_t comparisonsLeft = 0;
-/// What it means when none is left.
-std::regex_constants::error_type errorWhenNoneIsLeft = error_complexity;
+std::int64_t gComparisonsLeft = 0;
+/// The error when none is left.
+std::regex_constants::error_type gErrorWhenNoneIsLeft = error_complexity;
 
 void countComparison() {
-    if (--comparisonsLeft < 0) throw std::regex_error(errorWhenNoneIsLeft);
+    if (--gComparisonsLeft < 0) throw std::regex_error(gErrorWhenNoneIsLeft);
 }
 
 /// The library's traits, which are told of every comparison. They are told of all because the pattern is
@@ -45,6 +46,7 @@ public:
         return c;
     }
     bool isctype(wchar_t c, char_class_type type) const {
+        if (type == 0) return false; // of a set without classes
         countComparison();
         return std::regex_traits<wchar_t>::isctype(c, type);
     }
@@ -62,23 +64,20 @@ PatternOutline boundedOutline(const std::wstring& pattern) {
     if (pattern.size() > kMostCharacters) throw std::regex_error(error_space);
     PatternOutline outline = outlineOf(pattern);
     if (outline.depth > kMostDepth || outline.branches > kMostBranches) throw std::regex_error(error_space);
-    if (outline.waysWithoutReading > kMostWaysWithoutReading) throw std::regex_error(error_complexity);
     return outline;
 }
 
 /// Compiling compares too, a little.
 Pattern compile(const std::wstring& pattern) {
-    comparisonsLeft = static_cast<std::int64_t>(kComparisons);
+    gComparisonsLeft = kComparisonsOfCompiling;
     return Pattern(pattern, kGrammar);
 }
 
-/// How many characters an attempt may pass so that the alternatives that it leaves open, which the library
-/// keeps to come back to, have room.
-double mostCharactersPassed(const PatternOutline& outline, std::size_t groups) {
+/// An alternative that is left open, as the library keeps it to come back to.
+double bytesOfAlternative(const PatternOutline& outline, std::size_t groups) {
     constexpr double bare = 128, perGroup = 24, perRepetition = 16;
-    const double bytesOfAlternative = bare + perGroup * static_cast<double>(groups) +
-                                      perRepetition * static_cast<double>(outline.repetitions);
-    return kMostBytesOfAlternatives / bytesOfAlternative / outline.openPerCharacter;
+    return bare + perGroup * static_cast<double>(groups) +
+           perRepetition * static_cast<double>(outline.repetitions);
 }
 
 } // namespace
@@ -88,34 +87,38 @@ struct PatternSearch::Parts {
     std::wcmatch match;
 
     Parts(const PatternOutline& outline, const std::wstring& text)
-        : first(text.data()), last(text.data() + text.size()), atStart(compile(outline.atStart)),
-          behindStart(outline.atStart == outline.behindStart ? atStart : compile(outline.behindStart)) {
+        : first(text.data()), last(text.data() + text.size()), atStart_(compile(outline.atStart)),
+          behindStart_(outline.atStart == outline.behindStart ? atStart_ : compile(outline.behindStart)) {
         const auto size = static_cast<double>(text.size());
-        left = static_cast<std::int64_t>(
-            std::min(kComparisons + kComparisonsPerCharacter * size, kMostComparisons) /
-            outline.waysWithoutReading);
+        const double bytes = bytesOfAlternative(outline, atStart_.mark_count());
+        const double weight =
+            std::max(outline.steps / kOrdinarySteps, 1.0) * std::max(bytes / kOrdinaryBytes, 1.0);
+        // An attempt that compares nothing takes as long as a comparison, and there is one at each position.
+        if (size * weight > kMostComparisons) throw std::regex_error(error_complexity);
+        left_ = static_cast<std::int64_t>(kMostComparisons / weight);
+        mostInOneAttempt_ = static_cast<std::int64_t>(kMostComparisonsInOneAttempt / weight);
         // An attempt passes each character of the text once, or goes back, which makes room.
-        const double mostPassed = mostCharactersPassed(outline, atStart.mark_count());
-        errorOfOneAttempt = size < mostPassed ? error_complexity : error_stack;
-        mostInOneAttempt =
-            size < mostPassed ? kMostComparisonsInOneAttempt : static_cast<std::int64_t>(mostPassed);
+        const double mostPassed = kMostBytesOfAlternatives / bytes / outline.open;
+        if (size < mostPassed) return;
+        errorOfOneAttempt_ = error_stack;
+        mostInOneAttempt_ = std::min(mostInOneAttempt_, static_cast<std::int64_t>(mostPassed));
     }
 
     /// Looks at one position after the other, as far as a few comparisons go: the library does that faster
-    /// than anyone who calls it for each. None when they were not enough.
+    /// than its caller can do for each. None when they were not enough.
     std::optional<bool> isFoundSoon(std::size_t position) {
-        const std::int64_t given = std::min({left, mostInOneAttempt, kComparisonsOfAQuickLook});
+        const std::int64_t given = std::min({left_, mostInOneAttempt_, kComparisonsOfAQuickLook});
         try {
             return isFound(position, std::regex_constants::match_default, given);
         } catch (const std::regex_error&) {
-            if (comparisonsLeft >= 0) throw; // not for want of comparisons
+            if (gComparisonsLeft >= 0) throw; // not for want of comparisons
         }
-        left -= given;
+        left_ -= given;
         return std::nullopt;
     }
     bool matchesAt(std::size_t position) {
-        const std::int64_t given = std::min(left, mostInOneAttempt);
-        errorWhenNoneIsLeft = given < left ? errorOfOneAttempt : error_complexity;
+        const std::int64_t given = std::min(left_, mostInOneAttempt_);
+        gErrorWhenNoneIsLeft = given < left_ ? errorOfOneAttempt_ : error_complexity;
         return isFound(position, std::regex_constants::match_continuous, given);
     }
     [[nodiscard]] Span spanOf(const std::wcsub_match& found) const {
@@ -126,16 +129,16 @@ struct PatternSearch::Parts {
 private:
     bool isFound(std::size_t position, std::regex_constants::match_flag_type flags, std::int64_t given) {
         if (position > 0) flags |= std::regex_constants::match_prev_avail;
-        comparisonsLeft = given;
-        const Pattern& pattern = position == 0 ? atStart : behindStart;
+        gComparisonsLeft = given;
+        const Pattern& pattern = position == 0 ? atStart_ : behindStart_;
         const bool isMatch = std::regex_search(first + position, last, match, pattern, flags);
-        left -= given - comparisonsLeft;
+        left_ -= given - gComparisonsLeft;
         return isMatch;
     }
 
-    Pattern atStart, behindStart;
-    std::int64_t left = 0, mostInOneAttempt = 0;
-    std::regex_constants::error_type errorOfOneAttempt = error_complexity;
+    Pattern atStart_, behindStart_;
+    std::int64_t left_ = 0, mostInOneAttempt_ = 0;
+    std::regex_constants::error_type errorOfOneAttempt_ = error_complexity;
 };
 
 PatternSearch::PatternSearch(const std::wstring& pattern, const std::wstring& text)

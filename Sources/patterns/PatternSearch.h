@@ -5,9 +5,10 @@
 /// The library itself would look on for hours, fill the memory or overflow the stack, depending on pattern
 /// and text. Here that ends in std::regex_error:
 ///
-/// - error_complexity bounds comparisons of characters: ten million, and thirty more for each character of
-///   the text, but at most 150 million, and 100 million in the attempt at one position. A pattern with many
-///   ways through it that compare nothing, `(|)(|)(|)…`, has less.
+/// - error_complexity bounds comparisons of characters: 150 million, and 15 million in the attempt at one
+///   position. There are fewer for a pattern with much to do between two comparisons, as 1,500 assertions in
+///   a row, and for one with more than some five groups or eight repetitions, which the library copies
+///   whenever it leaves an alternative open.
 /// - error_stack bounds comparisons in the attempt at one position, in a text so long that what an attempt
 ///   leaves open might need more than some 512 megabytes. With one group and one repetition that is beyond
 ///   three million.
