@@ -14,6 +14,7 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -137,14 +138,6 @@ int intLength(std::size_t length) {
     return static_cast<int>(length);
 }
 
-/// The whole text as bytes with a zero behind them; the rest of the room is zeros as well.
-std::unique_ptr<char[]> bytesOf(const fmx::Text& text, std::size_t room, fmx::Text::Encoding encoding) {
-    auto bytes = std::make_unique<char[]>(room);
-    const auto size = std::min<std::size_t>(room, std::numeric_limits<fmx::uint32>::max());
-    text.GetBytes(bytes.get(), static_cast<fmx::uint32>(size), 0, fmx::Text::kSize_End, encoding);
-    return bytes;
-}
-
 using Coder = int(const char* in, int length, char** out);
 
 void assignCoded(Coder& code, const char* in, std::size_t length, fmx::Text& out,
@@ -159,15 +152,15 @@ void encodeUtf8(const fmx::Text& in, fmx::Text& out) {
     constexpr std::size_t mostBytesOfUnit = 4;
     const std::size_t size = in.GetSize();
     if (size == 0) return;
-    const auto bytes = bytesOf(in, mostBytesOfUnit * size + 1, fmx::Text::kEncoding_UTF8);
-    assignCoded(B64_Encode, bytes.get(), std::strlen(bytes.get()), out, fmx::Text::kEncoding_Native);
+    const std::string bytes = bytesFromFMText(in, mostBytesOfUnit * size);
+    assignCoded(B64_Encode, bytes.data(), std::strlen(bytes.c_str()), out, fmx::Text::kEncoding_Native);
 }
 
 void decodeUtf8(const fmx::Text& in, fmx::Text& out) {
     const std::size_t size = in.GetSize();
     if (size == 0) return;
-    const auto bytes = bytesOf(in, size + 1, fmx::Text::kEncoding_Native);
-    assignCoded(B64_Decode, bytes.get(), size, out, fmx::Text::kEncoding_UTF8);
+    const std::string bytes = bytesFromFMText(in, size, fmx::Text::kEncoding_Native);
+    assignCoded(B64_Decode, bytes.data(), size, out, fmx::Text::kEncoding_UTF8);
 }
 
 fmx::errcode convert(const Conversion& conversion, const fmx::ExprEnv& env, const fmx::DataVect& parameters,

@@ -14,7 +14,6 @@
 namespace {
 
 constexpr fmx::uint32 kMostParameters = 3;
-constexpr int kPrecision = 16;
 constexpr double kFarthestAhead = 86400; // a day, in seconds
 /// The host's code for a calculation whose moment lies too far ahead.
 constexpr fmx::errcode kWrongTimestamp = -1001;
@@ -27,16 +26,16 @@ constexpr fmx::errcode kWrongTimestamp = -1001;
 std::optional<double> delayFrom(const fmx::Data& delayOrTime) {
     const fmx::DateTimeUniquePtr now;
     now->Now();
-    const fmx::FixPtUniquePtr nowSeconds(0, kPrecision);
+    const fmx::FixPtUniquePtr nowSeconds(0, fmlib::kPrecision);
     now->GetSecondsSinceEpoch(*nowSeconds);
-    const fmx::FixPtUniquePtr thenSeconds(0, kPrecision);
+    const fmx::FixPtUniquePtr thenSeconds(0, fmlib::kPrecision);
     delayOrTime.GetAsTimeStamp().GetSecondsSinceEpoch(*thenSeconds);
     const double ahead = thenSeconds->AsFloat() - nowSeconds->AsFloat();
     if (ahead > kFarthestAhead) return std::nullopt;
     return ahead < 0 ? delayOrTime.GetAsNumber().AsFloat() : ahead;
 }
 
-platform::Units unitsOf(const fmx::Text& text) { return platform::wellFormed(unitsFromFMText(text)); }
+platform::Units unitsOf(const fmx::Text& text) { return wellFormed(unitsFromFMText(text)); }
 
 fmx::errcode answer(fmx::errcode code, fmx::Data& result, const fmx::ExprEnv& env) {
     if (code == kst::kWrongParameter) return kst::answerWithError(code, "Invalid script name", result, env);

@@ -1,6 +1,7 @@
 #include "Handlers.h"
 #include "bridge/HandlerFrame.h"
 #include "bridge/LastError.h"
+#include "bridge/StringUtils.h"
 #include "bridge/cFMUtils.h"
 
 /// SQL over the calling file's tables, through the host's own interface. Success is recorded too.
@@ -8,7 +9,6 @@
 namespace {
 
 constexpr fmx::uint16 kTab = 0x0009;
-constexpr fmx::uint16 kCarriageReturn = 0x000D;
 
 /// The separator that a parameter gives: its first UTF-16 unit, which is half a character when that lies
 /// outside the basic plane. A parameter that is missing or empty leaves the default.
@@ -45,7 +45,7 @@ FMX_PROC(fmx::errcode)
 Kestrel_ExecuteSQL(short, const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
     return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0) return fmx::errcode{0};
-        const fmx::TextUniquePtr recordSeparator = separatorAt(parameters, 2, kCarriageReturn);
+        const fmx::TextUniquePtr recordSeparator = separatorAt(parameters, 2, kReturn);
         const fmx::TextUniquePtr fieldSeparator = separatorAt(parameters, 1, kTab);
 
         const fmx::TextUniquePtr currentFile;

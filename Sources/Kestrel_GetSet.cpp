@@ -1,9 +1,9 @@
 #include "Handlers.h"
 #include "bridge/HandlerFrame.h"
 #include "bridge/LastError.h"
-#include "bridge/SortNumbers.h"
 #include "bridge/fmlib.h"
 #include "globals/Dictionary.h"
+#include "selectors/SortNumbers.h"
 
 #include <array>
 #include <cstddef>

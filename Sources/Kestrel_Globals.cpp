@@ -5,17 +5,15 @@
 #include "bridge/fmlib.h"
 #include "globals/Dictionary.h"
 
+#include <iterator>
+
 /// The solutions' way to the store. Success is not recorded: it leaves the last error as it was.
 
 namespace {
 
 bool isDieOnClose(const fmx::Text& option) {
-    const fmx::TextUniquePtr lowered;
-    lowered->SetText(option);
-    lowered->Lowercase();
-    const fmx::TextUniquePtr word;
-    word->Assign("dieonclose");
-    return *lowered == *word;
+    constexpr const char* words[] = {"dieonclose"};
+    return fmlib::FindFMTextInArray(option, words, std::size(words)) == 0;
 }
 
 bool isEmptyText(const fmx::Data& value) {

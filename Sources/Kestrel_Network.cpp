@@ -1,6 +1,7 @@
 #include "Handlers.h"
 #include "bridge/HandlerFrame.h"
 #include "bridge/LastError.h"
+#include "bridge/StringUtils.h"
 #include "bridge/cFMUtils.h"
 #include "network/GetClientPublicIP.h"
 #include "network/NetworkNames.h"
@@ -13,7 +14,8 @@
 
 namespace {
 
-constexpr std::size_t kParameterSize = 1024;
+/// Names and addresses are read up to this length, or up to the first zero byte.
+constexpr std::size_t kMostBytes = 1023;
 
 fmx::errcode answerWithText(const std::string& s, fmx::Data& result) {
     cFMUtils::resultFromText(*cFMUtils::FMXTextUniquePtrFromString(s), result);
@@ -25,9 +27,9 @@ fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char*
     return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0)
             return kst::answerWithError(kst::kWrongParameter, whatIsMissing, result, env);
-        std::array<char, kParameterSize> asked{};
-        parameters.AtAsText(0).GetBytes(asked.data(), asked.size());
-        return answerWithText(lookUp(asked.data()), result);
+        const std::string asked =
+            bytesFromFMText(parameters.AtAsText(0), kMostBytes, fmx::Text::kEncoding_Native);
+        return answerWithText(lookUp(asked.c_str()), result);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "PlugIn.h"
 
 #include "Registry.h"
+#include "bridge/cFMUtils.h"
 #include "scripts/Scripts.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -142,10 +144,8 @@ extern "C" __attribute__((visibility("default"))) void FMX_ENTRYPT FMExternCallP
 
 void ReadString(unsigned short* buffer, unsigned long /*bufferUnits*/, unsigned long kind) {
     if (kind != kReadName && kind != kReadDescription) return;
-    const std::string_view literal = kind == kReadName ? kName : kDescription;
-    const fmx::TextUniquePtr text;
-    text->AssignWithLength(literal.data(), static_cast<fmx::uint32>(literal.size()),
-                           fmx::Text::kEncoding_Native);
+    const std::string literal(kind == kReadName ? kName : kDescription);
+    const fmx::TextUniquePtr text = cFMUtils::FMXTextUniquePtrFromString(literal);
     // Callers made room for the literal; the host is not trusted to count it alike.
     const auto units = std::min<std::size_t>(text->GetSize(), literal.size());
     text->GetUnicode(buffer, 0, static_cast<fmx::uint32>(units));

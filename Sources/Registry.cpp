@@ -1,11 +1,13 @@
 #include "Registry.h"
 
 #include "Handlers.h"
+#include "bridge/cFMUtils.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <iterator>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -96,10 +98,8 @@ void Do_GetString(unsigned long stringId, fmx::TextUniquePtr& out, bool nameOnly
         std::find_if(std::begin(kFunctions), std::end(kFunctions), [stringId](const Function& candidate) {
             return kStringIdOfFunction0 + static_cast<unsigned long>(candidate.id) == stringId;
         });
-    const fmx::TextUniquePtr prototype;
-    const std::string_view literal = function == std::end(kFunctions) ? "ERROR" : function->prototype;
-    prototype->AssignWithLength(literal.data(), static_cast<fmx::uint32>(literal.size()),
-                                fmx::Text::kEncoding_Native);
+    const std::string literal(function == std::end(kFunctions) ? "ERROR" : function->prototype);
+    const fmx::TextUniquePtr prototype = cFMUtils::FMXTextUniquePtrFromString(literal);
 
     std::array<fmx::uint16, kMostUnits> units{};
     const auto size = std::min<std::size_t>(prototype->GetSize(), units.size() - 1);

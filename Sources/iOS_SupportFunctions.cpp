@@ -1,3 +1,4 @@
+#include "bridge/StringUtils.h"
 #include "bridge/fmlib.h"
 #include "patterns/PatternSearch.h"
 
@@ -5,7 +6,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -21,9 +21,8 @@ std::wstring tailOf(const std::wstring& pattern) {
 /// Adds units, which came from a text, without a style.
 void appendUnits(fmx::Text& out, const std::wstring& units) {
     if (units.empty()) return;
-    const std::vector<fmx::uint16> narrow(units.begin(), units.end());
     const fmx::TextUniquePtr piece;
-    piece->AssignUnicodeWithLength(narrow.data(), static_cast<fmx::uint32>(narrow.size()));
+    assignUnits(*piece, Units(units.begin(), units.end()));
     out.AppendText(*piece);
 }
 

@@ -1,10 +1,10 @@
 #include "FunctionCalls.h"
 
+#include "bridge/Unicode.h"
 #include "bridge/cFMUtils.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Clock.h"
 #include "platform/Delay.h"
-#include "platform/Units.h"
 #include "scripts/Scripts.h"
 
 #include <chrono>
@@ -149,11 +149,10 @@ TEST(Delay, isWholeNanosecondsOrNever) {
 }
 
 TEST(Units, areWellFormed) {
-    using platform::Units;
     const Units good{0, 'a', 0xE9, 0xD834, 0xDD1E, 0xFFFF};
-    EXPECT_EQ(platform::wellFormed({}), Units{});
-    EXPECT_EQ(platform::wellFormed(good), good);
-    EXPECT_EQ(platform::wellFormed({0xD834, 0xD834, 0xDD1E, 'a', 0xDD1E, 0xD834}),
+    EXPECT_EQ(wellFormed({}), Units{});
+    EXPECT_EQ(wellFormed(good), good);
+    EXPECT_EQ(wellFormed({0xD834, 0xD834, 0xDD1E, 'a', 0xDD1E, 0xD834}),
               (Units{0xFFFD, 0xD834, 0xDD1E, 'a', 0xFFFD, 0xFFFD}));
 }
 

@@ -1,6 +1,6 @@
 #include "FunctionCalls.h"
 #include "Handlers.h"
-#include "InlineDocumentation.h"
+#include "selectors/InlineDocumentation.h"
 #include "globals/Dictionary.h"
 #include "host/values/Clock.h"
 

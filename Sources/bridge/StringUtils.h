@@ -4,14 +4,19 @@
 /// exceptions.
 
 #include "bridge/HostInterface.h"
+#include "bridge/Unicode.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// The first `size` bytes of the text as UTF-8, padded with zeros. The cut may lie within a character.
-std::string bytesFromFMText(const fmx::Text& text, std::size_t size);
+/// The carriage return, which ends the lines of the host's texts.
+inline constexpr fmx::uint16 kReturn = 0x000D;
+
+/// The first `size` bytes of the text in an encoding, padded with zeros. The cut may lie within a character.
+std::string bytesFromFMText(const fmx::Text& text, std::size_t size,
+                            fmx::Text::Encoding encoding = fmx::Text::kEncoding_UTF8);
 
 /// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped. Only a text with characters
 /// of three bytes can be cut, at its end.
@@ -20,11 +25,9 @@ std::string StringFromFmText(const fmx::Text& text);
 std::string StringFromFmText(const fmx::TextAutoPtr& text);
 
 /// The text's UTF-16 units from first to last.
-std::vector<fmx::uint16> unitsFromFMText(const fmx::Text& text);
-
-/// UTF-8 as UTF-16. Each malformed sequence becomes one U+FFFD.
-std::vector<fmx::uint16> utf16FromUtf8(std::string_view utf8);
-void appendUtf16(std::vector<fmx::uint16>& units, std::string_view utf8);
+Units unitsFromFMText(const fmx::Text& text);
+/// The text becomes these units, without any style. Without units the text stays as it is.
+void assignUnits(fmx::Text& text, const Units& units);
 
 /// The length as the host counts it. Throws std::length_error when the host cannot.
 fmx::uint32 hostLength(std::size_t length);

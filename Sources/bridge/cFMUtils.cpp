@@ -16,14 +16,13 @@ std::string cFMUtils::StringFromFmxText(const fmx::Text& text, bool /*unused*/) 
 }
 
 std::wstring cFMUtils::WStringFromFMText(const fmx::Text& text) {
-    const std::vector<fmx::uint16> units = unitsFromFMText(text);
+    const Units units = unitsFromFMText(text);
     return {units.begin(), units.end()};
 }
 
 fmx::TextUniquePtr cFMUtils::getUTF16data(const std::string& utf8) {
-    const std::vector<fmx::uint16> units = utf16FromUtf8(utf8);
     fmx::TextUniquePtr text;
-    if (!units.empty()) text->AssignUnicodeWithLength(units.data(), hostLength(units.size()));
+    assignUnits(*text, utf16FromUtf8(utf8));
     return text;
 }
 

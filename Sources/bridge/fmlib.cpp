@@ -3,31 +3,7 @@
 #include "bridge/StringUtils.h"
 #include "bridge/cFMUtils.h"
 
-#include <sys/time.h>
-#include <time.h> // localtime_r, tzset: POSIX, not in <ctime>
-
 namespace fmlib {
-namespace {
-
-/// The precision of numbers that the plug-in makes, in digits.
-constexpr int kPrecision = 16;
-
-/// From 0001-01-01, where the host's clock begins, to 1970-01-01.
-constexpr double kSecondsFromHostEpochToUnixEpoch = 62135596800.0;
-
-/// Seconds by which local time is ahead of UTC at a moment, summer time included.
-///
-/// The time-zone record of gettimeofday would give -(minutes west) × 60 + (summer time flag) × 3600, but
-/// only Apple's systems fill it; the GNU C library leaves it zero. Both know tm_gmtoff, which is the
-/// same sum, and right also where summer time is not one hour.
-double localOffset(time_t moment) {
-    ::tzset(); // localtime_r alone need not notice that the zone has changed, as it does on a journey
-    tm local{};
-    if (::localtime_r(&moment, &local) == nullptr) return 0;
-    return static_cast<double>(local.tm_gmtoff);
-}
-
-} // namespace
 
 std::string StringFromFmText(const fmx::Text& text) { return ::StringFromFmText(text); }
 
@@ -61,16 +37,6 @@ void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     const bool hasStreams = type == fmx::Data::kDTBinary && from.GetBinaryData().GetCount() > 0;
     if (!hasStreams && to.GetAsText() != from.GetAsText())
         to.SetAsText(from.GetAsText(), from.GetLocale(), type);
-}
-
-void SetDateTimeToNow(fmx::DateTime& dateTime) {
-    timeval now{};
-    ::gettimeofday(&now, nullptr);
-    const double seconds = static_cast<double>(now.tv_sec) + localOffset(now.tv_sec) +
-                           kSecondsFromHostEpochToUnixEpoch + static_cast<double>(now.tv_usec) / 1000000.0;
-    const fmx::FixPtUniquePtr number(0, kPrecision);
-    number->AssignDouble(seconds);
-    dateTime.SetSecondsSinceEpoch(*number);
 }
 
 unsigned FindFMTextInArray(const fmx::Text& text, const char* const table[], unsigned count) {

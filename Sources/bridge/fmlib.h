@@ -11,6 +11,9 @@
 
 namespace fmlib {
 
+/// The precision of numbers that the plug-in makes, in decimal digits.
+inline constexpr int kPrecision = 16;
+
 /// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped.
 std::string StringFromFmText(const fmx::Text& text);
 /// Every UTF-16 unit as one wide character; surrogates stay as they are.

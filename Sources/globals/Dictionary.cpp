@@ -4,9 +4,6 @@
 #include "bridge/cFMUtils.h"
 #include "bridge/fmlib.h"
 
-#include <cstddef>
-#include <vector>
-
 namespace kst {
 
 Dictionary globalDictionary;
@@ -18,39 +15,18 @@ bool gFmIsOnServer = false;
 
 namespace {
 
-constexpr char16_t kReturn = u'\r';
-
 u16string keyFrom(const fmx::Text& text) {
-    const std::vector<fmx::uint16> units = unitsFromFMText(text);
+    const Units units = unitsFromFMText(text);
     return {units.begin(), units.end()};
 }
+
+/// The text between two returns.
+u16string asLine(const u16string& text) { return u'\r' + text + u'\r'; }
 
 fmx::DataAutoPtr copyOf(const fmx::Data& data) {
     fmx::DataAutoPtr copy;
     fmlib::FMData2FMData(data, *copy);
     return copy;
-}
-
-bool isHighSurrogate(char32_t unit) { return (unit & 0xFC00U) == 0xD800U; }
-bool isLowSurrogate(char32_t unit) { return (unit & 0xFC00U) == 0xDC00U; }
-
-/// The character at `position`, which moves behind it.
-char32_t nextCharacter(const u16string& units, std::size_t& position) {
-    const char32_t unit = units[position++];
-    if (!isHighSurrogate(unit) && !isLowSurrogate(unit)) return unit;
-    const char32_t next = position < units.size() ? units[position] : 0;
-    if (!isHighSurrogate(unit) || !isLowSurrogate(next)) return 0xFFFD;
-    ++position;
-    return 0x10000U + ((unit & 0x3FFU) << 10U) + (next & 0x3FFU);
-}
-
-void appendUtf8(std::string& utf8, char32_t character) {
-    unsigned more = 0; // bytes behind the first
-    if (character >= 0x80U) more = character < 0x800U ? 1 : character < 0x10000U ? 2 : 3;
-    constexpr unsigned char leads[] = {0x00, 0xC0, 0xE0, 0xF0};
-    utf8.push_back(static_cast<char>(leads[more] | (character >> (6U * more))));
-    while (more-- > 0)
-        utf8.push_back(static_cast<char>(0x80U | ((character >> (6U * more)) & 0x3FU)));
 }
 
 } // namespace
@@ -113,9 +89,9 @@ void Dictionary::cleanLocalKeys(const fmx::ExprEnv& env) {
     const fmx::DataAutoPtr openFiles;
     if (env.Evaluate(*cFMUtils::FMXTextUniquePtrFromString("DatabaseNames"), *openFiles) != 0) return;
     // A return on either side makes a match whole-line: Sales is not kept alive by Sales Archive.
-    const u16string haystack = kReturn + keyFrom(openFiles->GetAsText()) + kReturn;
+    const u16string haystack = asLine(keyFrom(openFiles->GetAsText()));
     for (auto entry = localKeys.begin(); entry != localKeys.end();) {
-        if (haystack.find(kReturn + entry->second + kReturn) != u16string::npos) {
+        if (haystack.find(asLine(entry->second)) != u16string::npos) {
             ++entry;
         } else {
             removeKeyValue_(entry->first);
@@ -129,13 +105,7 @@ void Dictionary::clean() {
     localKeys.clear();
 }
 
-std::ostream& operator<<(std::ostream& stream, const u16string& key) {
-    std::string utf8;
-    utf8.reserve(key.size());
-    for (std::size_t position = 0; position < key.size();)
-        appendUtf8(utf8, nextCharacter(key, position));
-    return stream << utf8;
-}
+std::ostream& operator<<(std::ostream& stream, const u16string& key) { return stream << utf8FromUtf16(key); }
 
 void TimerCallback(CFRunLoopTimerRef /*timer*/, void* /*context*/) { gStatusChecked = false; }
 

@@ -6,6 +6,7 @@
 /// exactly one place: an element around the run, a class, a declaration of the run's own, or nowhere.
 
 #include "bridge/HostInterface.h"
+#include "bridge/Unicode.h"
 #include "html/Css.h"
 #include "html/ParamVector.h"
 
@@ -27,12 +28,12 @@ public:
     cFragment& operator=(cFragment&& other) noexcept;
     ~cFragment() = default;
 
-    std::vector<fmx::uint16> characters; ///< UTF-16 units
-    std::string narrowText;              ///< what the log of merges shows of the run
-    std::uint64_t start = 0;             ///< the first character's index in its text, in UTF-16 units
-    std::uint64_t length = 0;            ///< characters, in UTF-16 units
-    Formattings formattings;             ///< as read; empty after post-processing
-    std::vector<std::string> tags;       ///< elements around the run, the outermost first
+    Units characters;              ///< UTF-16 units
+    std::string narrowText;        ///< what the log of merges shows of the run
+    std::uint64_t start = 0;       ///< the first character's index in its text, in UTF-16 units
+    std::uint64_t length = 0;      ///< characters, in UTF-16 units
+    Formattings formattings;       ///< as read; empty after post-processing
+    std::vector<std::string> tags; ///< elements around the run, the outermost first
     std::vector<std::string> cssClasses;
     InlineStyles inlineStyles;
 

@@ -19,7 +19,7 @@ void addDefaultFormattingsForTag(ParamVector& tagParams);
 
 /// Which values end a paragraph: those that a return ends, and those whose successor is aligned otherwise.
 /// Lines and values are matched by their index, although a soft line break ends a line and no value.
-std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEndings,
+std::vector<bool> determineParagraphEnds(const Units& lineEndings,
                                          const std::vector<std::string>& alignments);
 
 /// Takes the runs of one paragraph through the later stages, which use them up, and appends the paragraph to

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr fmx::uint16 kReturn = 0x000D;
-
 const struct {
     const char *formatting, *element;
 } kDefaultElements[] = {
@@ -52,7 +50,7 @@ struct Conversion {
 
     /// The text's own paragraphs. One alone stands without an element.
     void convertText(const fmx::Text& text) {
-        const std::vector<fmx::uint16> units = unitsFromFMText(text);
+        const Units units = unitsFromFMText(text);
         const fmx::TextUniquePtr paragraph;
         for (auto start = units.begin(); start != units.end();) {
             const auto end = std::find(start, units.end(), kReturn);
@@ -68,7 +66,7 @@ struct Conversion {
 
     /// The paragraphs of the expression's value, aligned as the host says.
     void convertValue(const fmx::Text& expression) {
-        const std::vector<fmx::uint16> lineEndings = getLineEndings(expression, env);
+        const Units lineEndings = getLineEndings(expression, env);
         // A value has a line of its own at least, so there are as many line endings as alignments or more.
         const std::vector<std::string> alignments = getLineAligns(expression, env, lineEndings.size());
         const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
@@ -106,7 +104,7 @@ void addDefaultFormattingsForTag(ParamVector& tagParams) {
         if (!paramVectorHasKey(tagParams, formatting)) tagParams.emplace_back(formatting, element);
 }
 
-std::vector<bool> determineParagraphEnds(const std::vector<fmx::uint16>& lineEndings,
+std::vector<bool> determineParagraphEnds(const Units& lineEndings,
                                          const std::vector<std::string>& alignments) {
     std::vector<bool> isEnd(std::max(lineEndings.size(), alignments.size()));
     std::transform(lineEndings.begin(), lineEndings.end(), isEnd.begin(),

@@ -10,8 +10,6 @@
 
 namespace {
 
-using Units = std::vector<fmx::uint16>;
-
 /// Units that hold most paragraphs without growing.
 constexpr std::size_t kOrdinaryParagraph = 256;
 
@@ -73,7 +71,7 @@ void appendRun(Units& html, const cFragment& run) {
 void appendTo(fmx::TextAutoPtr& output, const Units& html) {
     if (html.empty()) return;
     const fmx::TextUniquePtr text;
-    text->AssignUnicodeWithLength(html.data(), hostLength(html.size()));
+    assignUnits(*text, html);
     output->AppendText(*text);
 }
 
@@ -133,7 +131,7 @@ std::string createTag(std::string_view name, std::string_view classes, std::stri
 void addEntitiesAndFixEndlines(fmx::Text& text) {
     Units html;
     appendEscaped(html, unitsFromFMText(text));
-    if (!html.empty()) text.AssignUnicodeWithLength(html.data(), hostLength(html.size()));
+    assignUnits(text, html);
 }
 
 void appendCssClasses(const ClassMap& classMap, std::string_view afterOpen, fmx::TextAutoPtr& output) {

@@ -38,7 +38,6 @@ const struct {
 };
 
 constexpr fmx::uint16 kBlank = 0x0020;
-constexpr fmx::uint16 kReturn = 0x000D;
 constexpr fmx::uint16 kLineSeparator = 0x2028;
 
 /// Looks that are cached. A text with ever new colours must not fill the memory with them.
@@ -117,8 +116,7 @@ const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, boo
 
 /// The index behind the last character from `start` that looks like the one at `start`, which has style_.
 /// Most characters look like the one before, so styles are compared before anything is made of them.
-std::size_t TextReader::endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units,
-                                  std::size_t start) {
+std::size_t TextReader::endOfLook(const fmx::Text& text, const Units& units, std::size_t start) {
     const bool underWords = (style_->GetFace() & Style::kFace_WordUnderline) != 0;
     const bool isBlank = units[start] == kBlank;
     for (std::size_t i = start + 1; i < units.size(); ++i) {
@@ -129,7 +127,7 @@ std::size_t TextReader::endOfLook(const fmx::Text& text, const std::vector<fmx::
 }
 
 void TextReader::extractFragments(const fmx::Text& text, std::vector<cFragment>& fragments) {
-    const std::vector<fmx::uint16> units = unitsFromFMText(text);
+    const Units units = unitsFromFMText(text);
     if (!units.empty()) text.GetStyle(*style_, 0);
     std::string css; // of the run
     for (std::size_t start = 0; start < units.size();) {
@@ -178,12 +176,12 @@ fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, cons
     return error;
 }
 
-std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env) {
+Units getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env) {
     fmx::TextUniquePtr value;
     evaluateOnFM("", expression, "", env, value);
-    const std::vector<fmx::uint16> units = unitsFromFMText(*value);
+    const Units units = unitsFromFMText(*value);
     const auto endsLine = [](fmx::uint16 unit) { return unit == kReturn || unit == kLineSeparator; };
-    std::vector<fmx::uint16> endings;
+    Units endings;
     std::copy_if(units.begin(), units.end(), std::back_inserter(endings), endsLine);
     if (!units.empty() && !endsLine(units.back())) endings.push_back(0);
     return endings;

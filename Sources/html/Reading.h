@@ -57,7 +57,7 @@ private:
 
     Traits traitsOf(const fmx::CharacterStyle& style, bool isBlank);
     static Formattings formattingsOf(const Traits& traits);
-    std::size_t endOfLook(const fmx::Text& text, const std::vector<fmx::uint16>& units, std::size_t start);
+    std::size_t endOfLook(const fmx::Text& text, const Units& units, std::size_t start);
 
     const fmx::ExprEnv& env_;
     bool keepsNarrowText_ = logsMerges();
@@ -73,7 +73,7 @@ fmx::errcode evaluateOnFM(const std::string& prefix, const fmx::Text& text, cons
 
 /// One unit for every line of the expression's value: what ends it, U+2028 or a return, or 0 for a last line
 /// without an end.
-std::vector<fmx::uint16> getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env);
+Units getLineEndings(const fmx::Text& expression, const fmx::ExprEnv& env);
 
 /// The alignment of every value (lines between returns) of the expression's value, of `most` at most: a text
 /// such as "$a ) * 1000000000 + ( 0" makes the host say any number. Throws std::logic_error when the host

@@ -11,7 +11,7 @@
 #import <Foundation/Foundation.h>
 
 #ifdef GNUSTEP_BASE_VERSION
-#include <time.h> // localtime_r, tzset: POSIX, not in <ctime>
+#include "platform/LocalTime.h"
 #endif
 
 /// Who owns an object, in one wording. On the target the compiler counts references itself (ARC). GNUstep's
@@ -58,10 +58,7 @@ inline constexpr BOOL kGiveUp = NO;
 /// Seconds by which local time is ahead of GMT, summer time included, in the zone of this moment. GNUstep's
 /// local zone is the machine's; it pays no heed to TZ, as everything else here does.
 inline double localOffset(NSDate* now) {
-    const auto moment = static_cast<time_t>([now timeIntervalSince1970]);
-    tm local{};
-    ::tzset(); // localtime_r alone need not notice that the zone has changed
-    return ::localtime_r(&moment, &local) == nullptr ? 0 : static_cast<double>(local.tm_gmtoff);
+    return localOffset(static_cast<time_t>([now timeIntervalSince1970]));
 }
 
 #else

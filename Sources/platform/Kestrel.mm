@@ -4,6 +4,7 @@
 #import "platform/FileMakerScript.h"
 
 #include "platform/Delay.h"
+#include "platform/LocalTime.h"
 
 #include <dispatch/dispatch.h>
 
@@ -14,9 +15,6 @@ namespace {
 
 /// A hint, not a limit.
 constexpr NSUInteger kExpectedScripts = 1000;
-
-/// From 0001-01-01, where the host's clock begins, to 1970-01-01.
-constexpr double kSecondsFromHostEpochToUnixEpoch = 62135596800.0;
 
 /// The end of a delay. Exceptions stop here: the main queue is the host's, and knows nothing of them.
 void append(NSString* name, NSString* file, NSString* param) {
@@ -53,7 +51,7 @@ void append(NSString* name, NSString* file, NSString* param) {
 
 + (double)getTimestamp {
     NSDate* const now = [NSDate date];
-    return [now timeIntervalSince1970] + platform::localOffset(now) + kSecondsFromHostEpochToUnixEpoch;
+    return [now timeIntervalSince1970] + platform::localOffset(now) + platform::kSecondsFromHostEpochToUnixEpoch;
 }
 
 + (void)scheduleScript:(NSString*)name

@@ -6,13 +6,15 @@
 /// All of it belongs to the main thread. Nothing is thrown in either direction: Objective-C exceptions end
 /// in here, and no C++ exception can get in, since the two do not mix on every runtime.
 
-#include "platform/Units.h"
-
 #include <string>
+#include <vector>
 
 namespace platform {
 
-/// Its texts are well-formed (see wellFormed): not every platform keeps others.
+/// A text as UTF-16 units.
+using Units = std::vector<unsigned short>;
+
+/// Its texts are well-formed (see wellFormed in bridge/Unicode.h): not every platform keeps others.
 struct Script {
     Units name;
     Units file;

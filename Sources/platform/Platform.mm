@@ -5,8 +5,6 @@
 #import "platform/Kestrel.h"
 #import "platform/RegexBridge.h"
 
-#include "platform/Units.h"
-
 #include <cstddef>
 #include <exception>
 
@@ -18,6 +16,15 @@ NSString* stringFrom(const Units& units) {
     static const unichar nothing = 0;
     const unichar* const first = units.empty() ? &nothing : units.data();
     return KST_AUTORELEASE([[NSString alloc] initWithCharacters:first length:units.size()]);
+}
+
+bool resize(Units& units, std::size_t size) noexcept {
+    try {
+        units.resize(size);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 bool read(NSString* string, Units& units) {

@@ -7,7 +7,6 @@
 #include "platform/Platform.h"
 
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -36,13 +35,13 @@ bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fm
 
 /// The text as it stands between the quotation marks of a calculation.
 fmx::TextUniquePtr quoted(const fmx::Text& text) {
-    std::vector<fmx::uint16> units;
+    Units units;
     for (const fmx::uint16 unit : unitsFromFMText(text)) {
         if (unit == '"' || unit == '\\') units.push_back('\\');
         units.push_back(unit);
     }
     fmx::TextUniquePtr result;
-    if (!units.empty()) result->AssignUnicodeWithLength(units.data(), hostLength(units.size()));
+    assignUnits(*result, units);
     return result;
 }
 
@@ -65,17 +64,13 @@ fmx::errcode runChecked(NameCheck& isValid, const fmx::Text& scriptName, const f
     return kst::kNoError;
 }
 
-void assign(fmx::Text& text, const platform::Units& units) {
-    if (!units.empty()) text.AssignUnicodeWithLength(units.data(), hostLength(units.size()));
-}
-
 fmx::errcode start(const platform::Script& script) {
     const fmx::TextUniquePtr fileName;
-    assign(*fileName, script.file);
+    assignUnits(*fileName, script.file);
     const fmx::TextUniquePtr scriptName;
-    assign(*scriptName, script.name);
+    assignUnits(*scriptName, script.name);
     const fmx::TextUniquePtr text;
-    assign(*text, script.parameter);
+    assignUnits(*text, script.parameter);
     const fmx::DataUniquePtr parameter;
     parameter->SetAsText(*text, parameter->GetLocale());
     return startScript(*fileName, *scriptName, kFMXT_Halt, *parameter);

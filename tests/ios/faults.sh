@@ -94,7 +94,7 @@ ios='\x02\x00\x00\x00'
 oldest='\x00\x00\x10\x00'
 
 belongs='belongs into Sources/platform/BothRuntimes\.h'
-changed 'sed -i /Units.cpp.o/d Kestrel.map' 'sources +Sources/platform/Units\.cpp is not part of the library'
+changed 'sed -i /Css.cpp.o/d Kestrel.map' 'sources +Sources/html/Css\.cpp is not part of the library'
 changed "sed -i '/Kestrel.mm$/s/ -fobjc-arc / /' commands" \
     'ownership +Sources/platform/Kestrel\.mm is compiled without ARC'
 changed "echo '[text retain];' >>$kestrel" "ownership +$kestrel:[0-9]+: $belongs"

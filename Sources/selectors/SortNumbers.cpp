@@ -1,11 +1,10 @@
-#include "bridge/SortNumbers.h"
+#include "selectors/SortNumbers.h"
 
 #include "bridge/StringUtils.h"
 #include "bridge/cFMUtils.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <limits>
 #include <locale.h> // newlocale: POSIX, not in <clocale>
 #include <locale>
@@ -27,18 +26,9 @@ struct FreeLocale {
 };
 using OwnedLocale = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
 
-/// The text's bytes and at least one zero.
-std::vector<char> bytesOf(const fmx::Text& text) {
-    std::vector<char> bytes(std::size_t{text.GetSize()} + 1);
-    const auto bufferSize = std::min<std::size_t>(
-        bytes.size(), std::numeric_limits<fmx::uint32>::max()); // what the host can be told
-    text.GetBytes(bytes.data(), static_cast<fmx::uint32>(bufferSize), 0, fmx::Text::kSize_End,
-                  fmx::Text::kEncoding_ASCII_Mac);
-    bytes.back() = '\0';
-    return bytes;
-}
-
-std::vector<double> numbersIn(std::vector<char> bytes) {
+/// The number of every line.
+std::vector<double> numbersIn(std::string bytes) {
+    bytes.push_back('\0'); // the end of the last line
     const OwnedLocale locale(::newlocale(LC_ALL_MASK, "C", nullptr));
     if (!locale) throw std::bad_alloc();
     std::vector<double> numbers;
@@ -61,7 +51,8 @@ bool comesBefore(double a, double b) { return std::isnan(b) ? !std::isnan(a) : a
 } // namespace
 
 void SortNumberInFMText(const fmx::Text& text, fmx::Data& result) {
-    std::vector<double> numbers = numbersIn(bytesOf(text));
+    std::vector<double> numbers =
+        numbersIn(bytesFromFMText(text, text.GetSize(), fmx::Text::kEncoding_ASCII_Mac));
     std::sort(numbers.begin(), numbers.end(), comesBefore);
     std::ostringstream stream;
     stream.imbue(std::locale::classic());

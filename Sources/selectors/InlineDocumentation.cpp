@@ -1,4 +1,4 @@
-#include "InlineDocumentation.h"
+#include "selectors/InlineDocumentation.h"
 
 bool g_isInlineDocOn = true;
 
