@@ -1,35 +1,35 @@
 #!/usr/bin/env bash
-# Makes docs/gallery.md and its pictures from what the plug-in answers now. `./kestrel gallery` runs it.
+# Makes docs/gallery.md and its pictures from the plug-in's current results. `./kestrel gallery` runs it.
 #
 #   docs/gallery.sh           writes docs/gallery.md and docs/gallery/*.png
-#   docs/gallery.sh --text    prints the page alone
+#   docs/gallery.sh --text    prints the page without writing files
 #
-# KESTREL_HOST and KESTREL_PLUGIN name what is run, KESTREL_BROWSER the browser (chromium).
+# KESTREL_HOST and KESTREL_PLUGIN name the host's program and the plug-in, KESTREL_BROWSER the browser (chromium).
 
 set -euo pipefail
 
 docs=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 pictures=$docs/gallery
-width=620 height=1200 # what is white below is cut off
+width=620 height=1200 # white space at the bottom is cut off
 
-# Name, title, what it shows, calculation.
+# Name, title, description, calculation.
 cases=(
-    'elements' 'Elements' 'What HTML has an element for becomes that element.'
+    'elements' 'Elements' 'Formatting that has an HTML element becomes that element.'
     'Kestrel_GetAsHTML ( TextStyleAdd ( "Hello" ; Bold ) & " world, " & TextStyleAdd ( "slanted" ; Italic ) & ", " & TextStyleAdd ( "under" ; Underline ) & " and " & TextStyleAdd ( "through" ; StrikeThrough ) & ", " & TextStyleAdd ( "marked" ; HighlightYellow ) & ", H" & TextStyleAdd ( "2" ; Subscript ) & "O, x" & TextStyleAdd ( "2" ; Superscript ) )'
 
-    'classes' 'Classes' 'The rest of a run is put into a class; runs that look alike share it.'
+    'classes' 'Classes' 'The other formatting of a run becomes a class. Runs with the same formatting share it.'
     'Kestrel_GetAsHTML ( TextColor ( "red" ; RGB ( 178 ; 34 ; 34 ) ) & ", " & TextSize ( "large" ; 24 ) & ", " & TextFont ( "typed" ; "DejaVu Sans Mono" ) & ", " & TextStyleAdd ( "doubly underlined" ; DoubleUnderline ) & ", " & TextColor ( "red again" ; RGB ( 178 ; 34 ; 34 ) ) )'
 
-    'inline' 'Inline styles' 'Without classes, what no element takes is written as a style. Nothing else is left here: no elements either.'
+    'inline' 'Inline styles' 'This example has no classes and no elements, so every formatting becomes a style.'
     'Kestrel_GetAsHTML ( TextStyleAdd ( "wide" ; Extend ) & " " & TextStyleAdd ( "narrow" ; Condense ) & " " & TextStyleAdd ( "Small Caps" ; SmallCaps ) & " " & TextStyleAdd ( "upper" ; Uppercase ) & " " & TextStyleAdd ( "LOWER" ; Lowercase ) & " " & TextStyleAdd ( "title case" ; Titlecase ) & " " & TextStyleAdd ( "bold" ; Bold ) ; "" ; "" )'
 
-    'combinations' 'Combinations' 'Bold and italic together become one element, italic alone a class with a name.'
+    'combinations' 'Combinations' 'Bold and italic together become one element. Italic alone becomes a named class.'
     'Kestrel_GetAsHTML ( TextStyleAdd ( "Both" ; Bold + Italic ) & ", " & TextStyleAdd ( "bold" ; Bold ) & " or " & TextStyleAdd ( "slanted" ; Italic ) ; "bold+italic=strong" & Char ( 13 ) & "bold=b" ; "italic=quote" )'
 
-    'paragraphs' 'Paragraphs' 'Each paragraph becomes an element; what all of its runs share moves up to it.'
+    'paragraphs' 'Paragraphs' 'Each paragraph becomes an element. Formatting that all of its runs share moves to this element.'
     'Kestrel_GetAsHTML ( TextColor ( "All of this is red" & TextStyleAdd ( ", some of it bold" ; Bold ) ; RGB ( 178 ; 34 ; 34 ) ) & Char ( 13 ) & "a < b & c" & Char ( 8232 ) & "after a soft line break" )'
 
-    'headings' 'Headings' 'An element for a block takes the place of the paragraph, when the whole paragraph asks for it.'
+    'headings' 'Headings' 'A block element replaces the paragraph element when the whole paragraph has its formatting.'
     'Kestrel_GetAsHTML ( TextSize ( TextStyleAdd ( "A heading" ; Bold ) ; 24 ) & Char ( 13 ) & "and its " & TextStyleAdd ( "text" ; Bold ) ; "bold+size=h2" & Char ( 13 ) & "all" )'
 )
 
@@ -50,7 +50,7 @@ page() {
     printf '</body></html>\n'
 }
 
-# picture FILE NAME: as the browser shows it.
+# picture FILE NAME: draws the page with the browser.
 picture() {
     local root=()
     if [ "$(id -u)" = 0 ]; then root=(--no-sandbox); fi
@@ -70,7 +70,7 @@ write_case() {
 }
 write_document() {
     local file=examples/documents/$1.html
-    printf '\n## %s\n\n`./kestrel html %s`: the document, and what has become of it.\n\n' "$2" "$file"
+    printf '\n## %s\n\n`./kestrel html %s`: the document and the output.\n\n' "$2" "$file"
     printf '![%s, the document](gallery/%s-in.png)\n![%s, the output](gallery/%s-out.png)\n\n' \
         "$2" "$1" "$2" "$1"
     printf '<details><summary>The HTML</summary>\n\n```html\n%s\n```\n\n</details>\n' \
@@ -80,9 +80,9 @@ write_page() {
     cat <<'END'
 # Gallery
 
-Styled text, the HTML that `Kestrel_GetAsHTML` makes of it, and how a browser shows that.
-[The function's page](functions/Kestrel_GetAsHTML.md) says what each argument does. `./kestrel gallery` makes this page
-and its pictures anew.
+This page shows styled texts, the HTML that `Kestrel_GetAsHTML` makes of them, and the browser's picture of it.
+[The function's page](functions/Kestrel_GetAsHTML.md) describes the arguments. `./kestrel gallery` makes this page and
+its pictures again.
 END
     each_case write_case
     each_document write_document
