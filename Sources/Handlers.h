@@ -3,8 +3,8 @@
 /// The handlers of the calculation functions, each under its function's name.
 ///
 /// The host calls a handler on its own thread, one at a time, whenever a calculation evaluates the function.
-/// A handler writes its value into `result` with the result's own locale, records errors (LastError.h), lets
-/// nothing escape (HandlerFrame.h) and gives the host 0, or an error that becomes the calculation's.
+/// A handler writes its value into `result` with the result's own locale. It records errors (LastError.h) and
+/// throws nothing (HandlerFrame.h). It returns 0, or an error that becomes the calculation's error.
 
 #include "bridge/HostInterface.h"
 
@@ -41,7 +41,7 @@ Handler Kestrel_GetClientPublicIPAddress;
 Handler Kestrel_GetNameForIP;
 Handler Kestrel_GetIPforName;
 
-// What this platform lacks
+// Functions that this platform does not support
 Handler Kestrel_DoSystemScript;
 Handler Kestrel_GetDefaultPrinter;
 Handler Kestrel_SetDefaultPrinter;

@@ -24,7 +24,7 @@ constexpr char kPad = '=';
 constexpr std::size_t kCharactersOfGroup = 4, kBytesOfGroup = 3;
 constexpr unsigned kSixBits = 0x3F;
 
-/// The six bits of a character, 0 for one that has none.
+/// The six bits of a character; 0 for a character outside the alphabet.
 constexpr auto kValues = [] {
     std::array<unsigned char, 256> values{};
     for (std::size_t value = 0; value < kAlphabet.size(); ++value)
@@ -32,7 +32,7 @@ constexpr auto kValues = [] {
     return values;
 }();
 
-/// The two characters of twelve bits: half as many steps as one character at a time.
+/// The two characters of twelve bits. Pairs need half as many steps as single characters.
 constexpr auto kPairs = [] {
     std::array<std::array<char, 2>, std::size_t{64} * 64> pairs{};
     for (std::size_t bits = 0; bits < pairs.size(); ++bits)
@@ -46,7 +46,7 @@ std::size_t groupsIn(std::size_t length, std::size_t groupSize) {
 
 std::size_t sizeFrom(int length) { return static_cast<std::size_t>(std::max(length, 0)); }
 
-/// Room for an answer and its terminating zero.
+/// A buffer for the output and its terminating zero.
 std::unique_ptr<char[]> roomFor(std::size_t size) {
     if (size >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw std::length_error("Text too long for Base64");
@@ -84,7 +84,7 @@ int B64_Encode(const char* in, int length, char** out) {
     for (std::size_t group = 0; group + 1 < groups; ++group)
         encodeGroup(in + group * kBytesOfGroup, characters.get() + group * kCharactersOfGroup);
 
-    // The last group may be short; what lies past the end is not read.
+    // The last group may be short. Nothing past the end is read.
     const std::size_t start = (groups - 1) * kBytesOfGroup;
     std::array<char, kBytesOfGroup> bytes{};
     std::copy_n(in + start, size - start, bytes.begin());
@@ -121,12 +121,12 @@ int B64_Decode(const char* in, int length, char** out) {
 
 /// Text as Base64 and back.
 ///
-/// Encode reads UTF-8 and assigns its ASCII in the native encoding; Decode reads natively and assigns UTF-8.
-/// So any text makes the round trip, whatever the native encoding.
+/// Encode reads UTF-8 and assigns ASCII in the native encoding. Decode reads the native encoding and assigns
+/// UTF-8. So any text makes the round trip with any native encoding.
 
 namespace {
 
-/// What one way of converting does: text from `in`, appended to nothing, into `out`.
+/// One direction: its selector, and its function, which converts `in` into the empty text `out`.
 struct Conversion {
     const char* selector;
     void (*convert)(const fmx::Text& in, fmx::Text& out);

@@ -15,14 +15,14 @@ namespace {
 
 constexpr fmx::uint32 kMostParameters = 3;
 constexpr double kFarthestAhead = 86400; // a day, in seconds
-/// The host's code for a calculation whose moment lies too far ahead.
+/// The error of a calculation whose moment lies too far ahead.
 constexpr fmx::errcode kWrongTimestamp = -1001;
 
-/// The delay in seconds that a moment or a number means; none when it lies too far ahead.
+/// The delay in seconds from a moment or a number. Empty when it lies too far ahead.
 ///
-/// Numbers and moments are not told apart by type: a number of seconds reads as a moment of the year 1, so
-/// what lies in the past counts as a number. That makes a moment of last week a delay of two thousand years.
-/// Solutions rely on the rule as it is.
+/// The value's type is not used: a number of seconds reads as a moment of the year 1, so every moment in the
+/// past counts as a number. A moment of last week therefore becomes a delay of two thousand years. Solutions
+/// rely on this rule.
 std::optional<double> delayFrom(const fmx::Data& delayOrTime) {
     const fmx::DateTimeUniquePtr now;
     now->Now();
@@ -50,7 +50,7 @@ fmx::errcode startLater(const fmx::Text& scriptName, const fmx::Data& parameter,
     fmlib::FillFMTextWithCurrentDatabaseFileName(*fileName, env);
     if (!IsScriptNameValidInFile(scriptName, *fileName, env))
         return answer(kst::kWrongParameter, result, env);
-    // The result first: when the host fails in that, nothing has been left to run.
+    // The result comes first: when the host fails there, no script is left to start.
     const fmx::errcode error = answer(kst::kNoError, result, env);
     if (!platform::scheduleScript({unitsOf(scriptName), unitsOf(*fileName), unitsOf(parameter.GetAsText())},
                                   delay))

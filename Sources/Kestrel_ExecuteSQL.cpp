@@ -4,14 +4,14 @@
 #include "bridge/StringUtils.h"
 #include "bridge/cFMUtils.h"
 
-/// SQL over the calling file's tables, through the host's own interface. Success is recorded too.
+/// SQL over the calling file's tables, through the host's own interface. Success is recorded as well.
 
 namespace {
 
 constexpr fmx::uint16 kTab = 0x0009;
 
-/// The separator that a parameter gives: its first UTF-16 unit, which is half a character when that lies
-/// outside the basic plane. A parameter that is missing or empty leaves the default.
+/// The separator from a parameter: its first UTF-16 unit, which is half a character outside the basic plane.
+/// A missing or empty parameter gives the default.
 fmx::TextUniquePtr separatorAt(const fmx::DataVect& parameters, fmx::uint32 position,
                                fmx::uint16 defaultUnit) {
     fmx::uint16 unit = defaultUnit;
@@ -24,7 +24,7 @@ fmx::TextUniquePtr separatorAt(const fmx::DataVect& parameters, fmx::uint32 posi
     return separator;
 }
 
-/// Every value as the host writes it, unquoted; nothing stands behind the last field or row.
+/// Every value as the host writes it, without quotation marks. No separator follows the last field or row.
 void appendRows(const fmx::RowVect& rows, const fmx::Text& fieldSeparator, const fmx::Text& recordSeparator,
                 fmx::Text& out) {
     const fmx::uint32 rowCount = rows.Size();

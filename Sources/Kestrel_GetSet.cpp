@@ -8,7 +8,7 @@
 #include <array>
 #include <cstddef>
 
-/// The plug-in's state, read and changed by selector words. A word is matched whole, in any case.
+/// The plug-in's state, read and changed by selector words. The whole word must match; case does not count.
 
 namespace {
 
@@ -39,7 +39,7 @@ void getTimestamp(const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) 
     result.SetAsTimeStamp(*now, fmx::Data::kDTTimeStamp);
 }
 
-/// Without a second parameter the host refuses to give it, which the frame reports.
+/// A missing second parameter makes the host call throw, which the frame reports.
 void getSorted(const fmx::ExprEnv&, const fmx::DataVect& parameters, fmx::Data& result) {
     SortNumberInFMText(parameters.AtAsText(1), result);
 }
@@ -48,14 +48,14 @@ void answerNotImplemented(const fmx::ExprEnv& env, const fmx::DataVect&, fmx::Da
     setLastError(kst::kNotImplemented, "", result, env, true, true);
 }
 
-/// Any number is taken. It is set last, so that a call that ends in an error has changed nothing.
+/// Any number is accepted. It is set last, so that a call that ends in an error changes nothing.
 void setCleanPeriod(const fmx::ExprEnv&, const fmx::DataVect& parameters, fmx::Data& result) {
     const double seconds = parameters.AtAsNumber(1).AsFloat();
     fmlib::FMData2FMData(parameters.At(1), result);
     kst::gCleanPeriod = seconds;
 }
 
-/// Words without an action are those of other platforms: known, and without effect.
+/// Words that do nothing have an effect on other platforms only.
 constexpr std::array kGetSelectors{
     Selector{"lastError", getLastErrorCode},
     Selector{"lastErrorMessage", getLastErrorMessage},

@@ -7,7 +7,7 @@
 
 #include <iterator>
 
-/// The solutions' way to the store. Success is not recorded: it leaves the last error as it was.
+/// The store of global values for solutions. Success is not recorded: the last error stays as it was.
 
 namespace {
 
@@ -42,7 +42,7 @@ Kestrel_SetGlobal(short, const fmx::ExprEnv& env, const fmx::DataVect& parameter
         if (diesOnClose && !isDieOnClose(parameters.AtAsText(2)))
             return kst::answerWithError(kst::kWrongParameter, "Unknown value of parameter moreOptions",
                                         result, env);
-        // The result comes first: a call that ends in an error has stored nothing.
+        // The result comes first: a call that ends in an error stores nothing.
         fmlib::FMData2FMData(value, result);
         if (diesOnClose)
             kst::globalDictionary.storeLocalValueForKey(env, key, value);

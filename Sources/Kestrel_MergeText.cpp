@@ -11,8 +11,8 @@ namespace {
 
 constexpr fmx::uint32 kDelimiterSize = 2;
 
-/// A delimiter that is looked for in one text, at positions that only grow. What was found last answers until
-/// the search has passed it, so that the text is searched once, however often it is asked.
+/// A search for a delimiter in one text, at positions that only grow. The last place found is kept until the
+/// search has passed it. So the text is searched once, however many calls there are.
 class Delimiter {
 public:
     Delimiter(const fmx::Text& text, const char* characters) : text_(text) {
@@ -21,13 +21,13 @@ public:
 
     [[nodiscard]] const fmx::Text& characters() const { return *characters_; }
 
-    /// The first at or after a position, fmx::Text::kSize_Invalid without any.
+    /// The first delimiter at or after a position, or fmx::Text::kSize_Invalid.
     fmx::uint32 find(fmx::uint32 position) {
         if (!searched_ || found_ < position) found_ = text_.Find(*characters_, position);
         searched_ = true;
         return found_;
     }
-    /// The last of those that begin one position after the other, from `position`, where one is.
+    /// The last delimiter of a run of overlapping ones. The first of them is at `position`.
     fmx::uint32 lastOfRun(fmx::uint32 position) {
         while (find(position + 1) == position + 1)
             ++position;
@@ -41,8 +41,8 @@ private:
     fmx::uint32 found_ = 0;
 };
 
-/// One template while it is filled in. The position is where the text not yet copied begins; each step moves
-/// it past what it has looked for, so that the whole is linear in the template.
+/// One template while it is filled in. The position is the beginning of the text that is not copied yet. Each
+/// step moves it past the delimiters found, so the time is linear in the template's length.
 class Merge {
 public:
     Merge(const fmx::ExprEnv& env, const fmx::Text& text) : env_(env) { source_->SetText(text); }
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    /// Looks travel with the characters.
+    /// Characters are copied with their styles.
     void copyUpTo(fmx::uint32 end) {
         if (end > position_) output_->AppendText(*source_, position_, end - position_);
         position_ = end;
@@ -74,9 +74,9 @@ private:
         copyUpTo(open);
         const fmx::uint32 begin = open + kDelimiterSize;
         expression_->SetText(*source_, begin, close - begin);
-        source_->GetStyle(*look_, begin);
+        source_->GetStyle(*style_, begin);
         evaluate();
-        // Of more than two ">", the last two count as the delimiter that is passed; those before are text.
+        // The last two ">" of a longer run are the delimiter. The ">" before them are text.
         const fmx::uint32 last = closing_.lastOfRun(close);
         if (last > close) output_->AppendText(*source_, close, last - close);
         position_ = last + kDelimiterSize;
@@ -84,27 +84,27 @@ private:
 
     void evaluate() {
         const bool evaluates = env_.Evaluate(*expression_, *value_) == 0;
-        const bool hasLook = !look_->IsAllDisabled();
-        const fmx::uint32 start = hasLook ? output_->GetSize() : 0;
+        const bool hasStyle = !style_->IsAllDisabled();
+        const fmx::uint32 start = hasStyle ? output_->GetSize() : 0;
         if (evaluates) {
             const fmx::Text& text = value_->GetAsText();
             output_->AppendText(text);
-            if (!hasLook) return;
-            text.GetStyle(*valuesLook_, 0);
-            if (!valuesLook_->IsAllDisabled()) return;
+            if (!hasStyle) return;
+            text.GetStyle(*valueStyle_, 0);
+            if (!valueStyle_->IsAllDisabled()) return;
         } else {
             output_->AppendText(opening_.characters());
             output_->AppendText(*expression_);
             output_->AppendText(closing_.characters());
         }
-        if (hasLook) output_->SetStyle(*look_, start);
+        if (hasStyle) output_->SetStyle(*style_, start);
     }
 
     const fmx::ExprEnv& env_;
     fmx::TextUniquePtr source_, output_, expression_;
     Delimiter opening_{*source_, "<<"}, closing_{*source_, ">>"};
     fmx::DataUniquePtr value_;
-    fmx::CharacterStyleUniquePtr look_, valuesLook_;
+    fmx::CharacterStyleUniquePtr style_, valueStyle_;
     fmx::uint32 position_ = 0;
 };
 

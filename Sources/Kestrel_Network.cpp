@@ -9,8 +9,8 @@
 #include <array>
 #include <string>
 
-/// The solutions' way to the network. A lookup of a name or address that fails is no error: its message is
-/// the result.
+/// Network lookups for solutions. A failed lookup of a name or address is no error: its message is the
+/// result.
 
 namespace {
 
@@ -22,11 +22,11 @@ fmx::errcode answerWithText(const std::string& s, fmx::Data& result) {
     return 0;
 }
 
-fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char* whatIsMissing,
+fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char* messageWithoutParameter,
                           const fmx::ExprEnv& env, const fmx::DataVect& parameters, fmx::Data& result) {
     return kst::runHandler(env, result, [&] {
         if (parameters.Size() == 0)
-            return kst::answerWithError(kst::kWrongParameter, whatIsMissing, result, env);
+            return kst::answerWithError(kst::kWrongParameter, messageWithoutParameter, result, env);
         const std::string asked =
             bytesFromFMText(parameters.AtAsText(0), kMostBytes, fmx::Text::kEncoding_Native);
         return answerWithText(lookUp(asked.c_str()), result);

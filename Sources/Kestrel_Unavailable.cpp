@@ -4,9 +4,9 @@
 #include "bridge/HandlerFrame.h"
 #include "bridge/LastError.h"
 
-/// Functions that have no meaning here: there are no shells, printers, interpreters, shortcuts or special
-/// windows. They stay registered so that calculations which name them still parse, and answer without
-/// reading their parameters.
+/// Functions that this platform does not support: it has no shells, printers, interpreters, shortcuts or
+/// special windows. They stay registered, so that calculations with their names still parse. Parameters are
+/// not read.
 
 namespace {
 

@@ -7,12 +7,12 @@
 
 namespace {
 
-/// By the host's type code.
+/// The names, in the order of the host's type codes.
 constexpr const char* DataTypeNames[] = {"",     "Text",      "Number",    "Date",
                                          "Time", "Timestamp", "Container", "Boolean"};
 
-/// A type that the host gains some day is none of the enumeration's and has no name here yet. It is looked at
-/// as bits: a compiler may take it that no other value occurs.
+/// The name of a type; empty for a type that a later host adds. The bits are compared, because the compiler
+/// may assume that the enumeration has no other values.
 const char* nameOf(fmx::Data::DataType type) {
     const auto code = std::bit_cast<fmx::uint32>(type);
     return code < std::size(DataTypeNames) ? DataTypeNames[code] : "";

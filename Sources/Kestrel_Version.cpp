@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string_view>
 
-/// Which plug-in a solution talks to, and the log's handler.
+/// The plug-in's version, and the log's handler.
 
 namespace {
 
@@ -23,7 +23,7 @@ constexpr int kBuild = 4;
 void putShort(fmx::Text& text) { text.Assign(kPlugInVersion); }
 
 void putLong(fmx::Text& text) {
-    std::array<unsigned short, kMostIdentityUnits + 1> name{}; // one more: it ends in zero
+    std::array<unsigned short, kMostIdentityUnits + 1> name{}; // the last one stays zero
     ReadString(name.data(), name.size(), kReadName);
     text.AssignUnicode(name.data());
     const fmx::TextUniquePtr piece;
@@ -41,14 +41,15 @@ void putPacked(fmx::Text& text) {
     text.Assign(digits.data());
 }
 
-/// The format words, and by the same index what each gives.
+/// The format words, and at the same index the function of each.
 constexpr const char* gVersionTypes[] = {"short", "long", "platform", "autoupdate"};
 constexpr void (*kFormats[])(fmx::Text&) = {putShort, putLong, putPlatform, putPacked};
 static_assert(std::size(gVersionTypes) == std::size(kFormats));
 
 } // namespace
 
-/// An unknown format word is no error: it gives what no word gives. No path changes the last error.
+/// An unknown format word is no error: the result is that of a call without a word. The last error never
+/// changes.
 FMX_PROC(fmx::errcode)
 Kestrel_Version(short, const fmx::ExprEnv&, const fmx::DataVect& parameters, fmx::Data& result) {
     return kst::runHandlerWithoutRecord(result, [&] {

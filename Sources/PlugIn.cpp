@@ -22,7 +22,7 @@ namespace {
 constexpr std::uint16_t kOldestHost = 50;
 constexpr std::uint16_t kNewestHost = 255;
 /// The version of the interface that this plug-in speaks. The SDK's own "current version" grows with every
-/// release of the host, whatever the plug-in does.
+/// release of the host, also when the plug-in does not change.
 constexpr int kImplementedVersion = 60;
 
 constexpr std::string_view kName = "Vex Kestrel Plug-In";
@@ -36,8 +36,8 @@ static_assert(kDescription.ends_with(kPlugInVersion));
 /// Creator (4 characters), version of this layout, preferences, -, idle messages, -, -, -.
 constexpr unsigned short kOptions[] = {'K', 'S', 'T', 'R', '1', 'Y', 'n', 'Y', 'Y', 'n', 'n', 0};
 
-/// A host that announces a larger buffer for the description gets this much of it filled: no announced size
-/// may make the plug-in run out of memory.
+/// The most units that are written for the description. Without this limit, a host that announces a huge
+/// buffer would make the plug-in run out of memory.
 constexpr FMX_PtrType kMostBufferUnits = 65536;
 
 void answer(int code) { gFMX_ExternCallPtr->result = static_cast<FMX_PtrType>(code); }
@@ -56,7 +56,7 @@ bool registerAll() noexcept {
     }
 }
 
-/// The answer to an init of a host that suits.
+/// The answer to an init from a host of a supported version.
 int start(const unsigned short* hostText) {
     if (!Startup(hostText)) return kDoNotEnable;
     if (!registerAll()) {
@@ -99,7 +99,7 @@ void preferences() {
     gPrefsOpen = false;
 }
 
-/// Exactly `units` units: the description and zeros behind it, or as much of it as there is room for.
+/// Writes exactly `units` units, up to the limit: the description, cut where the room ends, and then zeros.
 void writeDescription(unsigned short* buffer, FMX_PtrType units) {
     const auto written = static_cast<std::size_t>(std::min(units, kMostBufferUnits));
     std::vector<unsigned short> text(std::max<std::size_t>(written, kMostIdentityUnits));
@@ -137,7 +137,7 @@ extern "C" __attribute__((visibility("default"))) void FMX_ENTRYPT FMExternCallP
     try {
         dispatch(*pb);
     } catch (...) {
-        // The host is written in C as far as we can know: an exception would end the app.
+        // The host may be written in C: an exception would end the app.
         return;
     }
 }
@@ -146,7 +146,7 @@ void ReadString(unsigned short* buffer, unsigned long /*bufferUnits*/, unsigned 
     if (kind != kReadName && kind != kReadDescription) return;
     const std::string literal(kind == kReadName ? kName : kDescription);
     const fmx::TextUniquePtr text = cFMUtils::FMXTextUniquePtrFromString(literal);
-    // Callers made room for the literal; the host is not trusted to count it alike.
+    // The caller's buffer has room for the literal. The host's count may differ.
     const auto units = std::min<std::size_t>(text->GetSize(), literal.size());
     text->GetUnicode(buffer, 0, static_cast<fmx::uint32>(units));
 }

@@ -3,10 +3,10 @@
 /// The plug-in's side of the host's messages.
 ///
 /// The host loads the library and calls FMExternCallProc (declared in FMXExtern.h) for every message, on one
-/// thread, one message at a time. After an accepted init the functions are registered and idle messages are
-/// served, until shutdown. Messages may come in any order and twice; those that make no sense do nothing.
-/// Nothing escapes the entry point into the host: an init that fails on the way leaves nothing registered
-/// and answers "do not enable", any other message ends where it failed.
+/// thread, one message at a time. Functions are registered and idle messages are handled from an accepted
+/// init to shutdown. Messages may come in any order and twice; a message that makes no sense does nothing. No
+/// exception leaves the entry point. An init that fails leaves nothing registered and answers "do not
+/// enable". Any other message that fails ends there.
 
 #include "bridge/HostInterface.h"
 
@@ -18,19 +18,19 @@ extern bool gPrefsOpen;
 /// Major and minor number. The bundle takes its version from this line.
 inline constexpr const char* kPlugInVersion = "3.1";
 
-/// What ReadString writes.
+/// The texts of ReadString.
 enum : unsigned long { kReadName = 1, kReadDescription = 2 };
-/// No text of ReadString has more units than this.
+/// The largest number of UTF-16 units in a text of ReadString.
 inline constexpr unsigned long kMostIdentityUnits = 256;
 
-/// Writes the name or the description from the start of the buffer, without a terminating zero; nothing for
-/// any other kind. The buffer's size is not consulted: there must be room for kMostIdentityUnits, or the
-/// caller knows that the text fits. Host failures travel as exceptions.
+/// Writes the name or the description from the start of the buffer, without a terminating zero. Any other
+/// kind writes nothing. The buffer's size is not used: the caller provides room for kMostIdentityUnits, or
+/// knows that the text fits. A failing host call throws.
 void ReadString(unsigned short* buffer, unsigned long bufferUnits, unsigned long kind);
 
-/// Called by init with the host application's version text; false would refuse the plug-in.
+/// Init calls this with the host application's version text. False would refuse the plug-in.
 bool Startup(const unsigned short* hostText);
-/// Called after the functions are withdrawn.
+/// Shutdown calls this after the functions are withdrawn.
 void Shutdown() noexcept;
 /// The plug-in has no preferences.
 void Preferences() noexcept;

@@ -29,8 +29,8 @@ struct Function {
     fmx::ExtPluginType handler;
 };
 
-/// In the order of registration, which is that of the identifiers. Counts and prototypes that do not agree
-/// (functions 22 to 26) are what solutions were written against.
+/// The order is the order of registration and of the identifiers. Counts and prototypes that do not agree
+/// (functions 22 to 26) stay, because existing solutions rely on them.
 constexpr Function kFunctions[] = {
     {1, "Kestrel_Version( { versionFormat } )", 0, kNoLimit, kEverywhere, Kestrel_Version},
     {2, "Kestrel_Get( selector { ; moreOptions } )", 0, kNoLimit, kEverywhere, Kestrel_Get},
@@ -70,13 +70,14 @@ static_assert(std::all_of(std::begin(kFunctions), std::end(kFunctions),
 static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions),
                              [](const Function& a, const Function& b) { return a.id < b.id; }));
 
-/// True from the first start. The host may then know functions still, 26 at least, and would refuse them.
+/// True from the first start. The host may still have functions of an earlier start, at least 26, and would
+/// refuse to register them again.
 bool gHasStarted = false;
 
-/// Built afresh for each call: nothing of the host's is kept between messages.
+/// A new object for each call: no object of the host is kept between messages.
 fmx::QuadCharUniquePtr creatorId() { return fmx::QuadCharUniquePtr('K', 'S', 'T', 'R'); }
 
-/// The host's answer does not matter here, nor that its call fails: the others are withdrawn all the same.
+/// Errors and exceptions are ignored, so that the remaining functions are withdrawn too.
 void withdraw(short id) noexcept {
     try {
         UnRegisterExternalFunction(id);
@@ -85,7 +86,7 @@ void withdraw(short id) noexcept {
     }
 }
 
-/// Withdraws the functions of the first `rows` rows, the last of them first.
+/// Withdraws the functions of the first `rows` rows, the last row first.
 void withdrawRows(std::size_t rows) noexcept {
     while (rows-- > 0)
         withdraw(kFunctions[rows].id);

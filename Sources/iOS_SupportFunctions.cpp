@@ -12,13 +12,13 @@ namespace {
 constexpr fmx::uint32 kTextParameter = 0;
 constexpr fmx::uint32 kPatternParameter = 1;
 
-/// What is added behind the last match: the pattern from behind its last ")" on, nothing when it holds none.
+/// The text that is added after the last match: the pattern after its last ")". Empty when there is no ")".
 std::wstring tailOf(const std::wstring& pattern) {
     const std::size_t last = pattern.rfind(L')');
     return last == std::wstring::npos ? std::wstring() : pattern.substr(last + 1);
 }
 
-/// Adds units, which came from a text, without a style.
+/// Adds units without a style. Each fits 16 bits, since it came from a text.
 void appendUnits(fmx::Text& out, const std::wstring& units) {
     if (units.empty()) return;
     const fmx::TextUniquePtr piece;
@@ -26,7 +26,7 @@ void appendUnits(fmx::Text& out, const std::wstring& units) {
     out.AppendText(*piece);
 }
 
-/// Which matches are replaced: all, or those that begin in the pattern's own style.
+/// The matches that are replaced: all, or only matches that begin in the pattern's style.
 class StyleCondition {
 public:
     explicit StyleCondition(const fmx::Text& pattern) {
@@ -44,14 +44,14 @@ private:
     bool isPlain_ = true;
 };
 
-/// Copies a text in order, with other pieces in between.
+/// The copy of a text, in which groups of matches are replaced.
 class Substitution {
 public:
     Substitution(fmx::Text& out, const fmx::DataVect& parameters)
         : out_(out), parameters_(parameters), text_(parameters.AtAsText(kTextParameter)),
           style_(parameters.AtAsText(kPatternParameter)) {}
 
-    /// Replaces the groups of the match that was found.
+    /// Replaces the groups of the last match found.
     void replaceGroups(const kst::PatternSearch& search) {
         const bool isReplaced = style_.holds(text_, search.whole().begin);
         const std::size_t replacements = parameters_.Size() - kPatternParameter - 1;
@@ -67,7 +67,7 @@ public:
         }
         position_ = search.whole().end;
     }
-    /// Copies what is left.
+    /// Copies the rest of the text.
     void finish() { copyTo(text_.GetSize()); }
 
 private:
@@ -75,7 +75,7 @@ private:
         if (position_ < end) append({position_, end});
     }
     void append(kst::Span span) {
-        // The host's own size for "all that follows" is longer than any text.
+        // A span never reaches the host's number for "all that follows", which is longer than any text.
         out_.AppendText(text_, static_cast<fmx::uint32>(span.begin), static_cast<fmx::uint32>(span.length()));
     }
 

@@ -10,9 +10,9 @@
 
 namespace kst {
 
-/// Runs a handler's body, `fmx::errcode()`, and gives its answer for the host. What the body throws becomes
-/// the number 2400 in the result and a last-error record. When even that cannot be reported, because the
-/// host keeps failing, the answer is 2400, the calculation's error. Nothing is ever thrown into the host.
+/// Runs a handler's body, `fmx::errcode()`, and returns its result for the host. An exception of the body
+/// becomes the number 2400 in the result and a last-error record. When the host fails while that is written,
+/// 2400 is returned and becomes the calculation's error. Nothing is ever thrown into the host.
 template<typename Body>
 fmx::errcode runHandler(const fmx::ExprEnv& env, fmx::Data& result, const Body& body) noexcept {
     try {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The host's interface, which the sources include here alone. Its headers want an order: in the vendor's SDK
-/// FMXCalcEngine.h uses what FMXTypes.h declares, and includes nothing that does.
+/// The host's interface. All sources include it from here, because its headers need an order: in the vendor's
+/// SDK, FMXCalcEngine.h uses declarations of FMXTypes.h without including it.
 
 #include "FMWrapper/FMXExtern.h"
 #include "FMWrapper/FMXTypes.h"
@@ -16,7 +16,7 @@
 
 namespace fmx {
 
-/// The names that older releases had for these owners; the current ones know the "UniquePtr" names alone.
+/// The names of these owners in older releases. Current releases have the "UniquePtr" names only.
 using TextAutoPtr = TextUniquePtr;
 using DataAutoPtr = DataUniquePtr;
 

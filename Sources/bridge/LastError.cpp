@@ -25,7 +25,7 @@ const struct {
 
 constexpr const char* kNoErrorMessage = "No error";
 
-/// By host session. The host makes one call at a time, so nothing guards it.
+/// The records by host session. The host makes one call at a time, so there is no lock.
 std::map<fmx::uint64, LastError> _lastErrors;
 
 void record(short code, const std::string& message, const fmx::ExprEnv& env) {
@@ -38,7 +38,7 @@ LastError recordOf(const fmx::ExprEnv& env) {
     return found == _lastErrors.end() ? LastError{kst::kNoError, kNoErrorMessage} : found->second;
 }
 
-/// The value of a variable of the solution, with the words for one that was never set.
+/// The value of a variable of the solution, or the standard words when it was never set.
 fmx::DataUniquePtr valueOf(const std::string& variable, const fmx::ExprEnv& env) {
     fmx::DataUniquePtr value;
     env.Evaluate(*cFMUtils::FMXTextUniquePtrFromString("If( IsEmpty( " + variable +

@@ -1,7 +1,6 @@
 #pragma once
 
-/// Small helpers around texts and strings. They keep nothing between calls; host failures travel as
-/// exceptions.
+/// Small helpers for texts and strings. They keep nothing between calls. A failing host call throws.
 
 #include "bridge/HostInterface.h"
 #include "bridge/Unicode.h"
@@ -18,7 +17,7 @@ inline constexpr fmx::uint16 kReturn = 0x000D;
 std::string bytesFromFMText(const fmx::Text& text, std::size_t size,
                             fmx::Text::Encoding encoding = fmx::Text::kEncoding_UTF8);
 
-/// The first 2 × (UTF-16 units) bytes of the text as UTF-8, zero bytes dropped. Only a text with characters
+/// The first 2 × (UTF-16 units) bytes of the text as UTF-8, without zero bytes. Only a text with characters
 /// of three bytes can be cut, at its end.
 std::string StringFromFmText(const fmx::Text& text);
 /// The same; an owner without a text gives an empty string.
@@ -29,7 +28,7 @@ Units unitsFromFMText(const fmx::Text& text);
 /// The text becomes these units, without any style. Without units the text stays as it is.
 void assignUnits(fmx::Text& text, const Units& units);
 
-/// The length as the host counts it. Throws std::length_error when the host cannot.
+/// The length in the host's type. Throws std::length_error when it does not fit.
 fmx::uint32 hostLength(std::size_t length);
 
 /// True when the text has no units.
@@ -45,7 +44,7 @@ std::string toLower(std::string s);
 /// True when there is at least one byte and all are "0" to "9".
 bool is_number(const std::string& s);
 
-/// Takes the first piece, and the delimiter behind it, from the front of `rest`.
+/// Takes the first piece, and the delimiter after it, from the front of `rest`.
 std::string_view takePiece(std::string_view& rest, std::string_view delimiter);
 
 /// The pieces between occurrences of the delimiter. A leading delimiter gives an empty first piece, a

@@ -13,7 +13,7 @@ constexpr char32_t kHighSurrogates = 0xD800, kLowSurrogates = 0xDC00;
 /// The bits of a character that one surrogate carries.
 constexpr unsigned kSurrogateBits = 10;
 constexpr char32_t kSurrogateMask = 0x3FF;
-/// The bits of a character that one byte behind the lead byte carries.
+/// The bits of a character that one byte after the lead byte carries.
 constexpr unsigned kContinuationBits = 6;
 constexpr char32_t kContinuationMask = 0x3F;
 constexpr unsigned char kLowestContinuation = 0x80, kHighestContinuation = 0xBF;

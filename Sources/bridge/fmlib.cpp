@@ -22,7 +22,7 @@ void FMErrCode2FMData(short code, fmx::Data& result) {
 void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     if (&from == &to) return;
     const fmx::Data::DataType type = from.GetNativeType();
-    // Texts alone are set with a locale; setting another type leaves it as it is.
+    // Only the setting of a text sets the locale; the setting of another type leaves it unchanged.
     to.SetAsText(from.GetAsText(), from.GetLocale(), type);
     switch (type) {
     case fmx::Data::kDTNumber:
@@ -33,7 +33,7 @@ void FMData2FMData(const fmx::Data& from, fmx::Data& to) {
     case fmx::Data::kDTBinary: to.SetBinaryData(from.GetBinaryData()); break;
     default: return;
     }
-    // A field may hold what its type cannot express: nothing, or letters in a number.
+    // A field's content may be one that its type cannot express: nothing, or letters in a number.
     const bool hasStreams = type == fmx::Data::kDTBinary && from.GetBinaryData().GetCount() > 0;
     if (!hasStreams && to.GetAsText() != from.GetAsText())
         to.SetAsText(from.GetAsText(), from.GetLocale(), type);

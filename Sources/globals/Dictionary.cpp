@@ -60,7 +60,8 @@ void Dictionary::storeValueForKey_(const u16string& key, const fmx::Data& value)
 void Dictionary::storeLocalValueForKey(const fmx::ExprEnv& env, const fmx::Text& key,
                                        const fmx::Data& value) {
     const u16string units = keyFrom(key);
-    // All that can fail comes before the first change: a value is stored with its binding or not at all.
+    // Every step that can fail comes before the first change: a value is stored with its binding or not at
+    // all.
     LocalKeys binding;
     if (!localKeys.contains(units)) {
         const fmx::DataAutoPtr fileName;
@@ -88,7 +89,7 @@ Dictionary::LocalKeys::iterator Dictionary::removeLocalKeyByIterator_(LocalKeys:
 void Dictionary::cleanLocalKeys(const fmx::ExprEnv& env) {
     const fmx::DataAutoPtr openFiles;
     if (env.Evaluate(*cFMUtils::FMXTextUniquePtrFromString("DatabaseNames"), *openFiles) != 0) return;
-    // A return on either side makes a match whole-line: Sales is not kept alive by Sales Archive.
+    // Whole lines are compared: an open file "Sales Archive" does not keep the values of "Sales".
     const u16string haystack = asLine(keyFrom(openFiles->GetAsText()));
     for (auto entry = localKeys.begin(); entry != localKeys.end();) {
         if (haystack.find(asLine(entry->second)) != u16string::npos) {

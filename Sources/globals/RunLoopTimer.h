@@ -1,7 +1,6 @@
 #pragma once
 
-/// The platform's timer of a run loop, a pointer that is null or the platform's. Where the platform has none
-/// it is always null.
+/// A pointer to the platform's timer of a run loop. It is always null on a platform without one.
 
 #if defined(__APPLE__)
 #include <CoreFoundation/CoreFoundation.h>

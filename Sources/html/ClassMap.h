@@ -1,7 +1,6 @@
 #pragma once
 
-/// The classes of one conversion. Equal declarations share a class; a name stands for one set of
-/// declarations.
+/// The classes of one conversion. Equal declarations share a class. A name has one set of declarations.
 
 #include "html/Fragment.h"
 #include "html/ParamVector.h"
@@ -18,7 +17,7 @@ public:
     using Classes = std::map<std::string, std::string, std::less<>>;
 
     ClassMap() = default;
-    // The index points into the map.
+    // Copies are not possible: the index points into the map.
     ClassMap(const ClassMap&) = delete;
     ClassMap& operator=(const ClassMap&) = delete;
     ~ClassMap() = default;
@@ -27,10 +26,10 @@ public:
     [[nodiscard]] Classes::const_iterator begin() const { return classes_.begin(); }
     [[nodiscard]] Classes::const_iterator end() const { return classes_.end(); }
 
-    /// A cache of fragmentsPostProcessing: the outcome for a run, by the formattings that the run was read
-    /// with. An outcome names classes of this map, which keep their declarations.
+    /// The cache of fragmentsPostProcessing: the outcome for a run, by the run's formattings. It is kept here
+    /// because outcomes contain names of this map's classes.
     struct Outcomes {
-        ParamVector tagParams, classParams, styleParams; ///< for which the outcomes hold
+        ParamVector tagParams, classParams, styleParams; ///< the outcomes' parameters
         std::map<Formattings, cFragment> runs;
     } outcomes;
 
@@ -39,14 +38,14 @@ private:
                                            ClassMap& classMap);
 
     Classes classes_;
-    /// The keys are the map's own declarations, which never move or change.
+    /// The keys are views of the map's declarations, which never move or change.
     std::unordered_map<std::string_view, const std::string*> nameOfDeclarations_;
-    /// The number to try next behind a name. Names are never given back, so lower ones stay taken.
+    /// The next number to try after a name. Names are never removed, so lower numbers stay taken.
     std::unordered_map<std::string, std::uint64_t> nextNumber_;
 };
 
-/// The name of the class with these declarations. A new class gets the wanted name or, when that stands for
-/// other declarations, the wanted name with the first free of 1, 2, 3, … behind it. However many classes
-/// there are, this takes about the same time.
+/// The name of the class with these declarations. A new class gets the wanted name. When that name has other
+/// declarations, the first free number of 1, 2, 3, … is added to it. The time does not grow with the number
+/// of classes.
 std::string get_or_create_class(const std::string& declarations, const std::string& wantedName,
                                 ClassMap& classMap);

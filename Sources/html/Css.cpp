@@ -6,7 +6,7 @@ namespace {
 const struct {
     std::string_view formatting, property;
     std::string_view value;  ///< empty: the formatting's own value
-    bool isAppended = false; ///< to the value that the property has already
+    bool isAppended = false; ///< to the property's earlier value
 } kDeclarations[] = {
     {"bold", "font-weight", "bold"},
     {"italic", "font-style", "italic"},

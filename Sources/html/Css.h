@@ -1,6 +1,6 @@
 #pragma once
 
-/// Formattings, in words, and the CSS that shows them.
+/// Formattings and their CSS.
 
 #include <map>
 #include <string>
@@ -13,8 +13,8 @@ using Formattings = std::map<std::string, std::string, std::less<>>;
 /// From a CSS property to its value.
 using InlineStyles = std::map<std::string, std::string, std::less<>>;
 
-/// The declarations that show these formattings. Of two formattings with the same property one wins, but
-/// underline and strike-through stand together. Unknown formattings show nothing.
+/// The declarations of these formattings. Of two formattings with the same property one wins, but underline
+/// and strike-through are combined. Unknown formattings have no declaration.
 InlineStyles CSSFromFormattings(const Formattings& formattings);
 
 /// Every declaration as property, colon, value, semicolon and the separator, ordered by property.

@@ -13,7 +13,7 @@ bool contains(const std::vector<std::string>& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// The formattings that a combination names, with their values. Nothing when one of them is not there.
+/// The formattings of a combination, with their values. Empty when one of them is missing.
 Formattings taken(const Formattings& formattings, std::string_view combination) {
     Formattings found;
     while (!combination.empty()) {

@@ -1,9 +1,9 @@
 #pragma once
 
-/// The runs that a styled text is cut into, and what belongs to a run on its way to HTML.
+/// The runs of a styled text, with their data on the way to HTML.
 ///
-/// A run is read with its formattings: what the characters look like, in words. Each formatting then goes to
-/// exactly one place: an element around the run, a class, a declaration of the run's own, or nowhere.
+/// A run is read with its formattings, which name the styles of its characters. Each formatting then becomes
+/// exactly one thing: an element around the run, a class, the run's own declaration, or nothing.
 
 #include "bridge/HostInterface.h"
 #include "bridge/Unicode.h"
@@ -17,7 +17,7 @@
 
 class ClassMap;
 
-/// One run. A value like any other: it owns everything in it.
+/// One run. It can be copied and owns all its data.
 class cFragment {
 public:
     cFragment() = default;
@@ -29,7 +29,7 @@ public:
     ~cFragment() = default;
 
     Units characters;              ///< UTF-16 units
-    std::string narrowText;        ///< what the log of merges shows of the run
+    std::string narrowText;        ///< the run's text in the log of merges
     std::uint64_t start = 0;       ///< the first character's index in its text, in UTF-16 units
     std::uint64_t length = 0;      ///< characters, in UTF-16 units
     Formattings formattings;       ///< as read; empty after post-processing
@@ -37,14 +37,14 @@ public:
     std::vector<std::string> cssClasses;
     InlineStyles inlineStyles;
 
-    /// Adds a unit to the characters and its low byte, no more, to the narrow text. The length stays.
+    /// Adds a unit to the characters, and its low byte to the narrow text. The length does not change.
     void addChar(fmx::uint16 unit);
     /// The text becomes the characters, without any style.
     void getText(fmx::Text& text) const;
 
     /// The declarations of the style attribute, each with its semicolon.
     [[nodiscard]] std::string getInlineCSS() const;
-    /// The class attribute: names with a blank between.
+    /// The class attribute: names separated by a blank.
     [[nodiscard]] std::string getInlineCSSClasses() const;
 
     [[nodiscard]] bool containsTag(std::string_view tag) const;
@@ -53,18 +53,19 @@ public:
     void removeTag(std::string_view tag);
     void removeCssClassName(std::string_view name);
 
-    /// Trades formattings for an element. A combination is one or more formattings joined by "+". False, and
-    /// nothing changed, when a piece is missing or either argument is empty.
+    /// Replaces formattings by an element. A combination is one or more formattings joined by "+". When one
+    /// of them is missing or an argument is empty, returns false and changes nothing.
     bool extractFormattingCombinationToCreateTag(std::string_view combination, const std::string& element);
-    /// Trades formattings for a class with their declarations. The combination "all" takes whatever there is.
-    /// An empty class name becomes "kst", for the caller too. False, and nothing changed, when the
-    /// combination is empty, a piece is missing or there is nothing to declare.
+    /// Replaces formattings by a class with their declarations. The combination "all" means all formattings
+    /// of the run. An empty class name becomes "kst", also in the caller's variable. When the combination is
+    /// empty, one of its formattings is missing, or there are no declarations, returns false and changes no
+    /// formatting.
     bool extractFormattingCombinationToCreateClass(std::string_view combination, std::string& className,
                                                    ClassMap& classMap);
-    /// Keeps the formattings that are keys of the style parameters; gives how many went.
+    /// Keeps only the formattings that are keys of the style parameters. Returns the number removed.
     std::uint32_t filterFormattings(const ParamVector& styleParams);
 };
 
-/// True when merges of runs are logged and narrow texts kept: when the environment variable KESTREL_LOG is
-/// set and not empty. The log has the users' own text in it.
+/// True when merges of runs are logged and narrow texts are kept: the environment variable KESTREL_LOG is set
+/// and not empty. The log contains the users' text.
 bool logsMerges();

@@ -1,6 +1,6 @@
 #pragma once
 
-/// A styled text as HTML, from its parameters as text to the result.
+/// The conversion of a styled text to HTML, from the parameters as text to the result.
 
 #include "bridge/HostInterface.h"
 #include "html/ClassMap.h"
@@ -10,27 +10,27 @@
 #include <string>
 #include <vector>
 
-/// A parameter's lines. With values, a line is key=value, and "all" alone is all=kst; other lines are left
-/// out. Without, a line is a key. Keys are lower-cased, values are kept as written.
+/// The lines of a parameter. With values, a line is key=value; the line "all" means all=kst; other lines are
+/// ignored. Without values, a line is a key. Keys are lower-cased, values are not.
 ParamVector parseTagOrClassOrStyleParam(const fmx::Text& text, bool hasValues);
 
-/// Adds the usual elements of the formattings that have none yet.
+/// Adds the default elements of formattings that have no element yet.
 void addDefaultFormattingsForTag(ParamVector& tagParams);
 
-/// Which values end a paragraph: those that a return ends, and those whose successor is aligned otherwise.
+/// True for each value that ends a paragraph: a return ends it, or the next value has another alignment.
 /// Lines and values are matched by their index, although a soft line break ends a line and no value.
 std::vector<bool> determineParagraphEnds(const Units& lineEndings,
                                          const std::vector<std::string>& alignments);
 
-/// Takes the runs of one paragraph through the later stages, which use them up, and appends the paragraph to
+/// Passes the runs of one paragraph through the later stages, which change them, and appends the paragraph to
 /// the output. The source text and the environment are not used.
 void transformRichtextToHTML(const fmx::Text& source, const std::string& alignment, ParamVector tagParams,
                              ParamVector classParams, ParamVector styleParams, const fmx::ExprEnv& env,
                              std::vector<cFragment>& fragments, ClassMap& classMap, fmx::TextAutoPtr& output);
 
-/// Appends the HTML of the text, the style block first. A text that begins with "$" and has a value that is
-/// not empty stands for that value, whose paragraphs are then aligned as the host says; any other is itself
-/// converted.
+/// Appends the HTML of the text, the style block first. A text that begins with "$" is evaluated. When its
+/// value is not empty, that value is converted, with the host's alignment of its paragraphs. Any other text
+/// is itself converted.
 void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text& tags,
                                          const fmx::Text& classes, const fmx::Text& styles,
                                          const fmx::ExprEnv& env, fmx::TextAutoPtr& output);

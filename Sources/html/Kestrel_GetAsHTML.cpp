@@ -22,8 +22,8 @@ const struct {
     {"highlight", "mark"}, {"superscript", "sup"}, {"subscript", "sub"},
 };
 
-/// True when the text is to be evaluated and has a value.
-bool standsForAValue(const fmx::Text& text, const fmx::ExprEnv& env) {
+/// True when the text is an expression with a value that is not empty.
+bool hasValue(const fmx::Text& text, const fmx::ExprEnv& env) {
     if (isEmpty(text)) return false;
     fmx::uint16 first = 0;
     text.GetUnicode(&first, 0, 1);

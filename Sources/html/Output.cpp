@@ -10,10 +10,10 @@
 
 namespace {
 
-/// Units that hold most paragraphs without growing.
+/// Enough units for most paragraphs.
 constexpr std::size_t kOrdinaryParagraph = 256;
 
-/// CSS's words for the alignments that are told; left goes without saying.
+/// The alignments with a declaration. Left, the default, has none.
 const struct {
     std::string_view alignment, css;
 } kAlignments[] = {{"right", "right"}, {"center", "center"}, {"full", "justify"}};
@@ -26,7 +26,7 @@ constexpr struct Escape {
     {'>', "&gt;"},       {0x00A0, "&nbsp;"}, {0x2028, "<br/>\r"},
 };
 
-/// Units whose low byte is that of no escape, which most are, need no look at the table.
+/// By a unit's low byte: false for most units, for which the table need not be searched.
 constexpr auto kMayNeedEscape = [] {
     std::array<bool, 256> low{};
     for (const Escape& escape : kEscapes)

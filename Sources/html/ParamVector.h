@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a conversion is asked for, line by line: pairs of a key and a value, in order. Keys may repeat; the
+/// The parameters of a conversion, line by line: pairs of a key and a value, in order. Keys may repeat; the
 /// first one counts.
 
 #include <string>

@@ -11,14 +11,14 @@ namespace {
 constexpr std::string_view kBlockElements[] = {"h1", "h2",  "h3",  "h4",       "h5",         "h6",
                                                "p",  "pre", "div", "noscript", "blockquote", "address"};
 
-/// Outcomes that are cached. A text with ever new colours must not fill the memory with them.
+/// The largest number of cached outcomes. Without a limit, a text with many colours would fill the memory.
 constexpr std::size_t kMostOutcomes = 4096;
 
 bool isBlockElement(std::string_view tag) {
     return std::find(std::begin(kBlockElements), std::end(kBlockElements), tag) != std::end(kBlockElements);
 }
 
-/// A run without characters that has its elements, classes and declarations.
+/// A run without characters, with the elements, classes and declarations of the formattings.
 cFragment processed(const Formattings& formattings, ClassMap& classMap) {
     const auto& [tagParams, classParams, styleParams, runs] = classMap.outcomes;
     cFragment run;
@@ -35,8 +35,8 @@ cFragment processed(const Formattings& formattings, ClassMap& classMap) {
     return run;
 }
 
-/// The same from the cache, which it fills. Equal formattings always have the same outcome: classes with
-/// equal declarations are one.
+/// The same from the cache, which it fills. Equal formattings always have the same outcome, because classes
+/// with equal declarations are the same class.
 const cFragment& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
     auto& runs = classMap.outcomes.runs;
     const auto known = runs.find(formattings);
@@ -46,8 +46,8 @@ const cFragment& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
     return runs.emplace(std::move(formattings), std::move(run)).first->second;
 }
 
-/// Moves the text of a run in front of that of the next one. The characters of a chain of runs all go to one
-/// array, so that the chain takes time by its characters.
+/// Moves the text of a run in front of the next run's text. One array collects the characters of a chain of
+/// runs, so the time is linear in the characters.
 void mergeIntoNext(cFragment& run, cFragment& next, bool isLogged) {
     next.start = run.start;
     next.length += std::exchange(run.length, 0);

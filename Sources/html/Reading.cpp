@@ -14,7 +14,7 @@ namespace {
 using Style = fmx::CharacterStyle;
 using Face = Style::Face;
 
-/// Formattings that exclude each other stand in one group, the one that wins before the others.
+/// The faces by their formatting. Formattings of one group exclude each other; the first one wins.
 const struct {
     Face bits;
     int group;
@@ -25,7 +25,7 @@ const struct {
     {Style::kFace_Shadow, 3, "highlight"},
     {Style::kFace_Underline, 4, "underline"},
     {Style::kFace_DoubleUnderline, 4, "doubleunderline"},
-    {Style::kFace_WordUnderline, 4, "underline"}, // taken away from all but blanks before
+    {Style::kFace_WordUnderline, 4, "underline"}, // only blanks have this bit still
     {Style::kFace_Strikethrough, 5, "strikethrough"},
     {Style::kFace_Condense, 6, "condense"},
     {Style::kFace_Extend, 6, "extend"},
@@ -40,10 +40,10 @@ const struct {
 constexpr fmx::uint16 kBlank = 0x0020;
 constexpr fmx::uint16 kLineSeparator = 0x2028;
 
-/// Looks that are cached. A text with ever new colours must not fill the memory with them.
-constexpr std::size_t kMostLooks = 4096;
+/// The largest number of cached appearances. Without a limit, a text with many colours would fill the memory.
+constexpr std::size_t kMostAppearances = 4096;
 
-/// Every character by itself as UTF-8, as far as StringFromFmText gives it.
+/// Each character converted separately by StringFromFmText, which cuts characters of three bytes.
 std::string narrowTextOf(const fmx::Text& text, std::size_t start, std::size_t end) {
     std::string narrow;
     const fmx::TextUniquePtr character;
@@ -70,7 +70,8 @@ std::string getFontName(const fmx::CharacterStyle& style, const fmx::ExprEnv& en
     const fmx::DataUniquePtr scratch;
     const fmx::TextUniquePtr name;
     fmx::CharacterStyle::FontScript script = fmx::CharacterStyle::kRoman;
-// Current hosts mark this member as deprecated; the one without a script gives another name, PostScript's.
+// Current hosts mark this member as deprecated. The member without a script gives the PostScript name
+// instead.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
     if (!scratch->GetFontInfo(style.GetFont(), *name, script, env)) return {};
@@ -100,23 +101,23 @@ Formattings TextReader::formattingsOf(const Traits& traits) {
     return formattings;
 }
 
-const TextReader::Look& TextReader::lookOf(const fmx::CharacterStyle& style, bool isBlank) {
-    static const Look plain;
+const TextReader::Appearance& TextReader::appearanceOf(const fmx::CharacterStyle& style, bool isBlank) {
+    static const Appearance plain;
     if (style.IsAllDisabled()) return plain;
     Traits traits = traitsOf(style, isBlank);
-    const auto known = looks_.find(traits);
-    if (known != looks_.end()) return known->second;
-    Look look;
-    look.run.formattings = formattingsOf(traits);
-    look.run.inlineStyles = CSSFromFormattings(look.run.formattings);
-    look.css = look.run.getInlineCSS();
-    if (looks_.size() == kMostLooks) looks_.clear();
-    return looks_.emplace(std::move(traits), std::move(look)).first->second;
+    const auto known = appearances_.find(traits);
+    if (known != appearances_.end()) return known->second;
+    Appearance appearance;
+    appearance.run.formattings = formattingsOf(traits);
+    appearance.run.inlineStyles = CSSFromFormattings(appearance.run.formattings);
+    appearance.css = appearance.run.getInlineCSS();
+    if (appearances_.size() == kMostAppearances) appearances_.clear();
+    return appearances_.emplace(std::move(traits), std::move(appearance)).first->second;
 }
 
-/// The index behind the last character from `start` that looks like the one at `start`, which has style_.
-/// Most characters look like the one before, so styles are compared before anything is made of them.
-std::size_t TextReader::endOfLook(const fmx::Text& text, const Units& units, std::size_t start) {
+/// The end of the characters from `start` with the style of the first, which is style_. Most characters have
+/// the style of the one before, so styles are compared before formattings are made.
+std::size_t TextReader::endOfStyle(const fmx::Text& text, const Units& units, std::size_t start) {
     const bool underWords = (style_->GetFace() & Style::kFace_WordUnderline) != 0;
     const bool isBlank = units[start] == kBlank;
     for (std::size_t i = start + 1; i < units.size(); ++i) {
@@ -131,12 +132,12 @@ void TextReader::extractFragments(const fmx::Text& text, std::vector<cFragment>&
     if (!units.empty()) text.GetStyle(*style_, 0);
     std::string css; // of the run
     for (std::size_t start = 0; start < units.size();) {
-        const std::size_t end = endOfLook(text, units, start);
-        const Look& look = lookOf(*style_, units[start] == kBlank);
-        if (start == 0 || look.css != css) {
-            fragments.push_back(look.run);
+        const std::size_t end = endOfStyle(text, units, start);
+        const Appearance& appearance = appearanceOf(*style_, units[start] == kBlank);
+        if (start == 0 || appearance.css != css) {
+            fragments.push_back(appearance.run);
             fragments.back().start = start;
-            css = look.css;
+            css = appearance.css;
         }
         cFragment& run = fragments.back();
         run.characters.insert(run.characters.end(), units.data() + start, units.data() + end);
@@ -158,7 +159,7 @@ cFragment formattedFragmentFromFMCharacter(const fmx::Text& text, std::uint64_t 
     text.GetUnicode(&unit, position, 1);
     const fmx::CharacterStyleUniquePtr style;
     text.GetStyle(*style, position);
-    return TextReader(env).lookOf(*style, unit == kBlank).run;
+    return TextReader(env).appearanceOf(*style, unit == kBlank).run;
 }
 
 void extractFragments(const fmx::Text& text, const fmx::ExprEnv& env, std::vector<cFragment>& fragments) {

@@ -10,8 +10,8 @@ namespace kst {
 
 namespace {
 
-// A system has a flag of the socket or of each call. Where there are both, older versions of the system know
-// the socket's alone.
+// Systems have a flag for the socket or for each call. Where both exist, older versions of the system have
+// only the socket's.
 #ifdef SO_NOSIGPIPE
 constexpr int kSendFlags = 0;
 
@@ -25,7 +25,7 @@ constexpr int kSendFlags = MSG_NOSIGNAL;
 bool silenceBrokenPipe(int) { return true; }
 #endif
 
-/// True as soon as the event has come or the socket has failed; false at the deadline.
+/// True at the event or the socket's failure; false at the deadline.
 bool waitFor(int socket, short event, Deadline deadline) {
     for (;;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Deadline::clock::now());

@@ -21,7 +21,7 @@ bool connect(kst::Deadline deadline, int socket, const addrinfo& to) {
         const int error = kst::connectBy(deadline, socket, *to.ai_addr, to.ai_addrlen);
         if (error == 0) return true;
         std::printf("Error while connecting: %s\n", std::strerror(error));
-        std::fflush(stdout); // a whole line, whatever becomes of the process
+        std::fflush(stdout); // the line is written even when the process ends soon after
         if (attempt == kConnectionAttempts || Clock::now() >= deadline) return false;
     }
 }
@@ -38,7 +38,8 @@ int exchange(kst::Deadline deadline, int socket, const addrinfo& to, const Publi
     return copyAddress(service, text, out) ? kPublicIPFound : kNoAddress;
 }
 
-/// Takes what connecting and receiving use off the time that is left, all but what is kept.
+/// Asks one service. Connecting and receiving may use `left` less `kept`, and the time used is subtracted
+/// from `left`.
 int ask(const PublicIPService& service, char* out, Clock::duration& left, Clock::duration kept) {
     out[0] = '\0';
     addrinfo wanted{};

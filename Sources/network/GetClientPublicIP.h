@@ -2,43 +2,43 @@
 
 /// The device's public IPv4 address, as a web service sees it.
 ///
-/// The address that the service's name stands for first, of whatever family, is the one that is tried. On a
-/// network with IPv6 alone that is the network's translation of the service's IPv4 address, where it offers
-/// one, and the answer is the translator's public address; where it offers none, the lookup or the connection
-/// fails. A service that sees an IPv6 address and says so is understood as a wrong answer.
+/// Only the first address of the service's name is tried; its family may be any. A network with IPv6 only may
+/// translate the service's IPv4 address; the response then has the translator's public address. Without a
+/// translation, the lookup or the connection fails. A response with an IPv6 address counts as a wrong
+/// response.
 
 #include "network/PublicIPServices.h"
 
 #include <chrono>
 
-/// The outcomes of asking a service. A timeout is the failure of the step that it ends.
+/// The outcomes of a request. A timeout counts as the failure of the step that it ends.
 enum PublicIPCode : short {
     kPublicIPFound = 0,
     kHostNotResolved = -3,
     kNoSocket = -4,
-    kNotConnected = -5, ///< 11 times in a row, or until time was up
+    kNotConnected = -5, ///< 11 attempts failed, or the time was over
     kNotSent = -6,
     kNotReceived = -7,
-    kNoAddress = -8, ///< the response has no marker, or no address behind it
+    kNoAddress = -8, ///< the response has no marker, or no address after it
 };
 
-/// The longest that connecting and receiving take, of all services together: half of the time after which the
-/// system ends an app that hangs, less half a second for the rest of the call. The resolver's time is not
-/// counted, since nothing can end a lookup.
+/// The longest time for connecting and receiving, for all services together. It is half of the time after
+/// which the system ends an app that hangs, less half a second for the rest of the call. The resolver's time
+/// is not counted, because a lookup cannot be ended.
 constexpr std::chrono::milliseconds kNetworkTime{9500};
 
-/// The part of the time that is kept for each service still to be asked. The first may use six tenths, which
-/// lets a slow one answer; the last may use all that is left.
+/// One part in this many of the time is kept for each later service. So the first service may use six tenths,
+/// which is enough for a slow one, and the last may use all that is left.
 constexpr int kKeptPart = 10;
 
-/// The bytes of a response that are looked at. One read: of an answer that comes in pieces, the first.
+/// The most bytes of a response that are used. There is one read: of a response in pieces, the first piece.
 constexpr std::size_t kResponseSize = 16000;
 
-/// Asks a service, by its number in network/PublicIPServices.h, over plain HTTP, and gives a PublicIPCode.
-/// `out` has at least kAddressBufferSize bytes; it holds the address and a zero, and after kNoAddress what
-/// copyAddress has left there. Otherwise it is empty. Every attempt to connect that fails writes a line to
-/// standard output. The service may use all of kNetworkTime.
+/// Asks a service, by its number in network/PublicIPServices.h, over plain HTTP, and returns a PublicIPCode.
+/// `out` has at least kAddressBufferSize bytes. It receives the address and a zero. After kNoAddress it has
+/// the output of copyAddress. After any other error it is empty. Every failed attempt to connect writes a
+/// line to standard output. The service may use all of kNetworkTime.
 int GetClientPublicIP(int service, char* out);
 
-/// The same for kServicesAsked, one after another until one has answered well. Gives the last one's code.
+/// Asks kServicesAsked, one after another until one gives an address. Returns the code of the last one asked.
 int askForPublicIP(char* out, std::chrono::milliseconds time = kNetworkTime);

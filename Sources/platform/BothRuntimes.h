@@ -1,8 +1,8 @@
 #pragma once
 
-/// All that is not the same in Objective-C++ on the target and elsewhere, where GNUstep stands in for Apple's
-/// classes: who owns an object, what a block tells a regular expression, and where local time comes from.
-/// Sources that need one of these take it from here, and have no conditions of their own.
+/// The differences of Objective-C++ on the target and elsewhere, where GNUstep replaces Apple's classes: the
+/// ownership of objects, the value that ends a regular expression's search, and the source of local time.
+/// Sources take them from here and have no conditions of their own.
 
 #ifndef __OBJC__
 #error "For Objective-C++ sources only"
@@ -14,8 +14,8 @@
 #include "platform/LocalTime.h"
 #endif
 
-/// Who owns an object, in one wording. On the target the compiler counts references itself (ARC). GNUstep's
-/// runtime has no such thing: there the words below are the messages that ARC sends unseen.
+/// The ownership of objects, written once for both. On the target the compiler counts references (ARC).
+/// GNUstep's runtime does not, so there these macros are the messages that ARC sends.
 #if __has_feature(objc_arc)
 #define KST_RETAIN(object) (object)
 #define KST_RELEASE(object) ((void)(object))
@@ -29,9 +29,9 @@
 #define KST_SUPER_DEALLOC() [super dealloc]
 #endif
 
-/// A strong reference with the life of a C++ object. Where the blocks runtime knows nothing of Objective-C,
-/// it still copies and destroys the C++ objects that a block captures: what a block needs later goes into
-/// one of these.
+/// A strong reference with the lifetime of a C++ object. A blocks runtime without Objective-C does not retain
+/// objects that a block captures, but it copies and destroys C++ objects. So objects for a block are captured
+/// in one of these.
 template<typename Object>
 class StrongReference {
 public:
@@ -50,13 +50,13 @@ namespace platform {
 
 #ifdef GNUSTEP_BASE_VERSION
 
-/// What a block that is told of a match under way answers in `stop`. GNUstep hands it to ICU as it is, and
-/// ICU asks whether to go on.
+/// The values for `stop` in a block that receives the progress of a match. GNUstep passes the value to ICU
+/// unchanged, where true means to continue.
 inline constexpr BOOL kGoOn = YES;
 inline constexpr BOOL kGiveUp = NO;
 
-/// Seconds by which local time is ahead of GMT, summer time included, in the zone of this moment. GNUstep's
-/// local zone is the machine's; it pays no heed to TZ, as everything else here does.
+/// Seconds by which local time is ahead of GMT, summer time included, in the current zone. The C library is
+/// asked, because GNUstep's local zone ignores the environment variable TZ.
 inline double localOffset(NSDate* now) {
     return localOffset(static_cast<time_t>([now timeIntervalSince1970]));
 }
@@ -67,7 +67,7 @@ inline constexpr BOOL kGoOn = NO;
 inline constexpr BOOL kGiveUp = YES;
 
 inline double localOffset(NSDate* now) {
-    [NSTimeZone resetSystemTimeZone]; // it is remembered otherwise, over a journey as well
+    [NSTimeZone resetSystemTimeZone]; // otherwise the zone is cached, also over a journey
     return static_cast<double>([[NSTimeZone localTimeZone] secondsFromGMTForDate:now]);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// How the platform's queue counts a delay.
+/// A delay in the unit of the platform's queue.
 
 #include <cstdint>
 #include <limits>
@@ -8,8 +8,8 @@
 
 namespace platform {
 
-/// A delay in whole nanoseconds, the rest cut off. A negative one is over at once: 0. One that 64 bits do
-/// not hold (292 years), is infinite or is not a number never ends: none. Without that rule the conversion
+/// A delay in whole nanoseconds, rounded down. A negative delay gives 0. A delay that does not fit 64 bits
+/// (292 years), is infinite or is not a number never ends and gives nothing. Without that rule the conversion
 /// of such a number would be undefined, and a script due in two thousand years could start at once.
 inline std::optional<std::int64_t> delayInNanoseconds(double seconds) noexcept {
     constexpr double kNanosecondsPerSecond = 1'000'000'000.0;

@@ -12,7 +12,7 @@
 @property(nonatomic, strong) NSString* script_name;
 /// The script parameter, as text.
 @property(nonatomic, strong) NSString* script_parameters;
-/// The file whose script it is, as Get ( FileName ) tells it.
+/// The name of the script's file, as Get ( FileName ) gives it.
 @property(nonatomic, strong) NSString* file_name;
 
 @end

@@ -16,7 +16,7 @@ namespace {
 /// A hint, not a limit.
 constexpr NSUInteger kExpectedScripts = 1000;
 
-/// The end of a delay. Exceptions stop here: the main queue is the host's, and knows nothing of them.
+/// The end of a delay. Exceptions stop here, because the main queue belongs to the host.
 void append(NSString* name, NSString* file, NSString* param) {
     @autoreleasepool {
         @try {
@@ -51,7 +51,8 @@ void append(NSString* name, NSString* file, NSString* param) {
 
 + (double)getTimestamp {
     NSDate* const now = [NSDate date];
-    return [now timeIntervalSince1970] + platform::localOffset(now) + platform::kSecondsFromHostEpochToUnixEpoch;
+    return
+        [now timeIntervalSince1970] + platform::localOffset(now) + platform::kSecondsFromHostEpochToUnixEpoch;
 }
 
 + (void)scheduleScript:(NSString*)name

@@ -11,7 +11,7 @@
 namespace platform {
 namespace {
 
-/// An autoreleased string; nil when the text is not well-formed, on some platforms.
+/// An autoreleased string. On some platforms nil when the text is not well-formed.
 NSString* stringFrom(const Units& units) {
     static const unichar nothing = 0;
     const unichar* const first = units.empty() ? &nothing : units.data();
@@ -111,7 +111,7 @@ void logDelay(double seconds) noexcept {
         @try {
             NSLog(@"Delay: %f", seconds);
         } @catch (id) {
-            return; // a log that fails has no place to say so
+            return; // a failure to log cannot be logged
         }
     }
 }

@@ -8,9 +8,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Where the platform reports after a fixed number of steps, ten thousand, these are reached first, and the
-/// answer is the same on a slow machine. They are fewer than those after which GNUstep gives a match up
-/// without a word.
+/// The limit of reports, one per ten thousand steps where the platform counts steps. It is reached before the
+/// limit of time, so a slow machine gives the same result. It is also below GNUstep's own limit, which ends a
+/// match without an error.
 constexpr unsigned kMostReports = 1'000;
 constexpr std::chrono::seconds kMostTime{2};
 
@@ -30,7 +30,7 @@ constexpr std::chrono::seconds kMostTime{2};
     __block unsigned reports = 0;
     __block BOOL isGivenUp = NO;
     const Clock::time_point end = Clock::now() + kMostTime;
-    // Finding all matches in one call would be simpler, but nothing ends it.
+    // A call for all matches at once would be simpler, but it cannot be ended early.
     [expression enumerateMatchesInString:text
                                  options:NSMatchingReportProgress
                                    range:NSMakeRange(0, [text length])

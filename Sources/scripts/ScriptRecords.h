@@ -1,26 +1,26 @@
 #pragma once
 
-/// Status and result of a script's run, kept as files in the temporary folder so that they outlive the
-/// process: "status_ID.txt" and "result_ID.txt". Nothing deletes them.
+/// Status and result of a script's run, in the files "status_ID.txt" and "result_ID.txt" of the temporary
+/// folder, so that they outlive the process. Nothing deletes the files.
 ///
 /// An identifier may be any string. In the file's name "/" becomes "%2F", a zero byte "%00" and "%" itself
-/// "%25", so that different identifiers have different files and none leaves the folder. One that makes a
-/// name too long for the file system cannot be kept.
+/// "%25". So different identifiers have different files, and all are in the folder. An identifier that makes
+/// the name too long for the file system is not stored.
 
 #include <map>
 #include <string>
 
-/// What a run that has no record reads as.
+/// The text that is read for a run without a record.
 inline constexpr const char* kNoRecord = "<KST_NOT_EXISTS>";
 
-/// Nothing fills these on this platform. Other parts of the product know them by these names.
+/// These stay empty on this platform. Other parts of the product use these names.
 extern std::map<std::string, std::string> _scriptStatus; // NOLINT(bugprone-reserved-identifier)
 extern std::map<std::string, std::string> _scriptResult; // NOLINT(bugprone-reserved-identifier)
 
-/// Keep a text, byte for byte, in place of an earlier one. Nothing is said when that fails.
+/// Write a text, byte for byte, and replace an earlier one. A failure is not reported.
 void setScriptStatus(const std::string& id, const std::string& status);
 void setScriptResult(const std::string& id, const std::string& result);
 
-/// The whole text; kNoRecord when there is none, nothing when the file is there and cannot be read.
+/// The whole text; kNoRecord without a file; empty when the file cannot be read.
 std::string getScriptStatus(const std::string& id);
 std::string getScriptResult(const std::string& id);

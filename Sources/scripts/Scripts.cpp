@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Whether a text has a line, compared as the host compares without regard to case. The returns around both
-/// keep the beginning of a line from passing for the line.
+/// True when the text has the line. The host compares without regard to case. The returns around both make
+/// sure that whole lines are compared.
 bool hasLine(const fmx::Text& lines, const fmx::Text& line) {
     const fmx::TextUniquePtr haystack;
     haystack->Assign("\r\r");
@@ -22,8 +22,8 @@ bool hasLine(const fmx::Text& lines, const fmx::Text& line) {
     return haystack->FindIgnoringCase(*needle, 0) != fmx::Text::kSize_Invalid;
 }
 
-/// Whether a script is among those of a file, named as a calculation writes a text; none means the calling
-/// file.
+/// True when the file has the script. The file's name is written as in a text of a calculation; an empty name
+/// means the calling file.
 bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fmx::ExprEnv& env) {
     constexpr std::string_view kBeforeName = "ScriptNames( \"";
     const fmx::TextUniquePtr expression;
@@ -33,7 +33,7 @@ bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fm
     return env.Evaluate(*expression, *names) == 0 && hasLine(names->GetAsText(), scriptName);
 }
 
-/// The text as it stands between the quotation marks of a calculation.
+/// The text with the escapes that it needs between the quotation marks of a calculation.
 fmx::TextUniquePtr quoted(const fmx::Text& text) {
     Units units;
     for (const fmx::uint16 unit : unitsFromFMText(text)) {
@@ -45,7 +45,7 @@ fmx::TextUniquePtr quoted(const fmx::Text& text) {
     return result;
 }
 
-/// The host's start-script call; an error of ours when the host has none.
+/// The host's start-script call; kUnexpectedError when the host has none.
 fmx::errcode startScript(const fmx::Text& fileName, const fmx::Text& scriptName, FMX_ScriptControl control,
                          const fmx::Data& parameter) {
     if (gFMX_ExternCallPtr == nullptr || gFMX_ExternCallPtr->cStartScript == nullptr)

@@ -21,6 +21,6 @@ std::string cFileManager::appendFilePath(std::string& path, const std::string& n
 bool cFileManager::fileExists(const std::string& path) {
     if (path.empty() || ::access(path.c_str(), F_OK) != 0) return false;
     struct stat status{};
-    // The bit of regular files, which sockets bear as well.
+    // This bit is set for regular files, and for sockets too.
     return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IFREG) != 0;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The switch for documentation that is shown where a calculation is written. It is process-wide and starts
-/// on; solutions cannot reach it.
+/// The switch for documentation in the dialog in which calculations are written. It is process-wide and
+/// starts on. Solutions cannot change it.
 
 #include <string>
 

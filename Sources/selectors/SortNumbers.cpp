@@ -35,17 +35,18 @@ std::vector<double> numbersIn(std::string bytes) {
     double number = 0;
     for (auto line = bytes.begin(); line != bytes.end();) {
         const auto end = std::find(line, bytes.end() - 1, '\r');
-        *end = '\0'; // white space is skipped, and a return is white space: nothing reads past its line
-        char* behind = nullptr;
-        const double read = ::strtod_l(&*line, &behind, locale.get());
-        if (behind != &*line) number = std::isnan(read) ? std::numeric_limits<double>::quiet_NaN() : read;
+        *end =
+            '\0'; // a return is white space, which would be skipped: the number would come from the next line
+        char* endOfNumber = nullptr;
+        const double read = ::strtod_l(&*line, &endOfNumber, locale.get());
+        if (endOfNumber != &*line) number = std::isnan(read) ? std::numeric_limits<double>::quiet_NaN() : read;
         numbers.push_back(number);
         line = end + 1;
     }
     return numbers;
 }
 
-/// A strict weak ordering of all doubles; the plain comparison is none where not-a-numbers occur.
+/// A strict weak ordering of all doubles. The plain comparison is none when a not-a-number occurs.
 bool comesBefore(double a, double b) { return std::isnan(b) ? !std::isnan(a) : a < b; }
 
 } // namespace

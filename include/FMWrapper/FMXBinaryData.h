@@ -2,8 +2,8 @@
 
 /// A container's value: named streams of bytes.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXText.h"
 #include "FMWrapper/FMXTypes.h"
@@ -23,17 +23,17 @@ public:
     int32 GetIndex(const QuadChar& dataType) const;
     /// Sizes are in bytes.
     uint32 GetTotalSize() const;
-    /// Here and in GetSize an index out of range raises error 2.
+    /// An index out of range raises error 2, here and in GetSize.
     void GetType(int32 index, QuadChar& dataType) const;
     uint32 GetSize(int32 index) const;
-    /// Not 0 where the range does not lie within the stream.
+    /// Not 0 when the range does not lie within the stream.
     errcode GetData(int32 index, uint32 offset, uint32 amount, void* buffer) const;
     /// Copies `amount` bytes; replaces a stream of the same kind.
     errcode Add(const QuadChar& dataType, uint32 amount, void* buffer);
-    /// False when there was no stream of that kind.
+    /// Returns false when there was no stream of that kind.
     bool Remove(const QuadChar& dataType);
     void RemoveAll();
-    /// The file name, kept beside the streams.
+    /// The file name, which is no stream.
     errcode GetFNAMData(Text& filename) const;
     errcode AddFNAMData(const Text& filename);
 

@@ -2,8 +2,8 @@
 
 /// The calculation engine: argument vectors, environments, external functions.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXData.h"
 
@@ -14,8 +14,8 @@ namespace fmx {
 class ExprEnv;
 class DataVect;
 
-/// A function's handler: the host calls it when a calculation evaluates the function; nothing may be thrown.
-/// 0, or an error code that becomes the calculation's.
+/// A function's handler. The host calls it when a calculation evaluates the function. It throws nothing. It
+/// returns 0, or an error code that becomes the calculation's error.
 FMX_PROCPTR(errcode, ExtPluginType)(short functionId, const ExprEnv& env, const DataVect& dataVect,
                                     Data& result);
 
@@ -27,7 +27,7 @@ public:
     bool IsEmpty() const;
     /// Adds a copy.
     void PushBack(const Data& value);
-    /// Takes the last value out; the caller owns it and deletes it.
+    /// Removes the last value; the caller owns it and deletes it.
     Data* PopBack();
     /// References stay valid as long as neither the vector nor the value is changed.
     const Data& At(uint32 position) const;
@@ -65,7 +65,7 @@ private:
     RowVect& operator=(const RowVect&);
 };
 
-/// Where a calculation is evaluated: session, file and variables of the caller.
+/// The context of an evaluation: session, file and variables of the caller.
 class ExprEnv {
 public:
     /// Compatibility flags.
@@ -79,7 +79,7 @@ public:
     /// Hosts of version 56 and later, as is FileID.
     ptrtype SessionID() const;
     ptrtype FileID() const;
-    /// For the time between init and shutdown. `maxArgs` -1: no limit.
+    /// To be called between init and shutdown. `maxArgs` -1 means no limit.
     static errcode RegisterExternalFunction(const QuadChar& pluginId, short functionId,
                                             const Text& functionName, const Text& functionPrototype,
                                             short minArgs, short maxArgs, uint32 compatibleFlags,

@@ -7,7 +7,7 @@
 
 namespace fmx {
 
-/// The error slot, the last argument of every host call. Host functions throw nothing: they put a code here,
+/// The error slot, the last argument of every host call. Host functions throw nothing. They put a code here,
 /// and the inline classes turn it into an exception.
 struct _fmxcpt {
     enum { kBadAlloc = 1, kUnknown = 2 };

@@ -2,8 +2,8 @@
 
 /// Typed values.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXBinaryData.h"
 #include "FMWrapper/FMXDateTime.h"
@@ -17,8 +17,8 @@ namespace fmx {
 
 class ExprEnv;
 
-/// A typed value with its locale. The host converts on reading; what is read by reference stays valid as long
-/// as the value is not changed.
+/// A typed value with its locale. The host converts on reading. A reference that was read stays valid until
+/// the value is changed.
 class Data {
 public:
     enum DataType {
@@ -37,16 +37,16 @@ public:
     bool IsFindRequest() const;
     void Clear(DataType newType = kDTInvalid);
     void ConvertData(DataType dataType);
-    /// Fonts are those of the environment's file; kInvalidFont when it knows no such font.
+    /// Fonts are those of the environment's file; kInvalidFont when it has no such font.
     CharacterStyle::FontID GetFontID(const Text& displayName, CharacterStyle::FontScript script,
                                      const ExprEnv& env) const;
     CharacterStyle::FontID GetFontID(const Text& postscriptName, const ExprEnv& env) const;
-    /// False when the file knows no such font, and then the name is as it was. Current hosts mark the form
-    /// with the script as deprecated; it is still there.
+    /// False when the file has no such font; the name then stays as it was. Current hosts mark the form with
+    /// the script as deprecated, but still have it.
     bool GetFontInfo(CharacterStyle::FontID font, Text& displayName, CharacterStyle::FontScript& script,
                      const ExprEnv& env) const;
     bool GetFontInfo(CharacterStyle::FontID font, Text& postscriptName, const ExprEnv& env) const;
-    /// A value without a reading of the wanted type reads as that type's empty value.
+    /// A value that cannot be read as a type gives that type's empty value.
     const Text& GetAsText() const;
     const FixPt& GetAsNumber() const;
     const DateTime& GetAsDate() const;
@@ -56,7 +56,7 @@ public:
     const BinaryData& GetBinaryData() const;
     const Locale& GetLocale() const;
     DataType GetNativeType() const;
-    /// The value is copied. `nativeType` is what this value then says it is.
+    /// The value is copied. `nativeType` becomes this value's native type.
     errcode SetAsText(const Text& text, const Locale& locale, DataType nativeType = kDTText);
     void SetAsNumber(const FixPt& number, DataType nativeType = kDTNumber);
     void SetAsDate(const DateTime& date, DataType nativeType = kDTDate);

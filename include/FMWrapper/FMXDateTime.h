@@ -2,8 +2,8 @@
 
 /// Dates and times. The epoch is 0001-01-01 00:00:00 of the proleptic Gregorian calendar, local time.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXFixPt.h"
 #include "FMWrapper/FMXText.h"
@@ -27,17 +27,17 @@ public:
     int16 DayOfYear() const;
     /// From 1, the week of January 1; weeks begin on Sunday.
     int16 WeekOfYear() const;
-    /// Takes over the date alone, the time alone.
+    /// The first copies only the date, the second only the time.
     void SetDate(const DateTime& that);
     void SetTime(const DateTime& that);
     void SetDaysSinceEpoch(int64 days);
     void SetSecsSinceMidnight(const FixPt& seconds);
     void SetSecondsSinceEpoch(const FixPt& seconds);
-    /// Months beyond December and days beyond the month count on into the next; not 0 where that leaves the
+    /// Months after December and days after the month's end carry over. Not 0 when the date leaves the
     /// calendar.
     errcode SetNormalizedDate(int16 month, int16 day, int16 year);
     errcode SetNormalizedDate(const FixPt& year, const FixPt& month, const FixPt& day);
-    /// Minutes and seconds past 59 carry over; hours may pass 23, for a span of time.
+    /// Minutes and seconds above 59 carry over. Hours may be above 23, for a span of time.
     errcode SetNormalizedTime(int64 hour, int16 minute, int16 second, int32 usec = 0);
     errcode SetNormalizedTime(const FixPt& hour, const FixPt& minute, const FixPt& second);
     int16 GetYear() const;
@@ -49,8 +49,8 @@ public:
     int32 GetHour() const;
     /// Microseconds within the second.
     int32 GetUSec() const;
-    /// These three read into a number of the caller's: seconds of the minute with their fraction, since
-    /// midnight, and since the epoch.
+    /// These three write into the caller's number: seconds of the minute with their fraction, since midnight,
+    /// and since the epoch.
     void GetSeconds(FixPt& seconds) const;
     void GetSecsSinceMidnight(FixPt& seconds) const;
     void GetSecondsSinceEpoch(FixPt& seconds) const;

@@ -1,8 +1,8 @@
 #pragma once
 
-/// What crosses between a host and a plug-in in C: integer types, the call block, the messages and the two
-/// callbacks. A host loads the plug-in and calls its one entry point, FMExternCallProc, with a call block for
-/// every message, on one thread, one message at a time.
+/// The interface between a host and a plug-in in C: integer types, the call block, the messages and the two
+/// call-backs. A host loads the plug-in and calls its one entry point, FMExternCallProc, with a call block
+/// for every message, on one thread, one message at a time.
 
 #include <cstddef>
 
@@ -56,7 +56,7 @@ typedef fmx::ptrtype FMX_PtrType;
 typedef char FMX_Char;
 typedef char FMX_Boolean;
 
-/// What becomes of the script that runs when another is started.
+/// The treatment of a running script when another one is started.
 typedef FMX_UChar FMX_ScriptControl;
 enum { kFMXT_Halt = 0, kFMXT_Exit = 1, kFMXT_Resume = 2, kFMXT_Pause = 3 };
 
@@ -66,22 +66,22 @@ struct FMX_ExternCallStruct;
 typedef FMX_ExternCallStruct* FMX_ExternCallPtr;
 FMX_PROCPTR(void, FMX_ExternCallProc)(FMX_ExternCallPtr);
 
-/// Asks the host to start a script; the texts are the caller's. 0, 100 (no such file) or 104 (no such
+/// Asks the host to start a script. The caller owns the texts. Returns 0, 100 (no such file) or 104 (no such
 /// script).
 FMX_PROCPTR(FMX_ErrorCode, FMX_StartScriptCall)
 (const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl control, const FMX_Data* parameter);
-/// Makes an environment of the plug-in's that of the file in front; 100 when no file is open.
+/// Turns a plug-in's environment into that of the front file. Returns 100 when no file is open.
 FMX_PROCPTR(FMX_ErrorCode, FMX_CurrentEnvCall)(FMX_ExprEnv* env);
 
-/// The call block. The host's; valid while the message is handled.
+/// The call block. The host owns it. It is valid while the message is handled.
 struct FMX_ExternCallStruct {
-    FMX_Int16 extnVersion; ///< version the host speaks
+    FMX_Int16 extnVersion; ///< the host's version
     fmx::unusedid unusedID;
     FMX_ExternCallProc entryPoint; ///< the plug-in's own entry point
     FMX_Boolean unusedFlag;
     FMX_ExternCallSwitch whichCall; ///< the message
-    FMX_Boolean unsafeCalls;        ///< true when callbacks must not be called
-    FMX_UChar parm1;                ///< what the parameters mean depends on the message
+    FMX_Boolean unsafeCalls;        ///< true when call-backs must not be called
+    FMX_UChar parm1;                ///< the message decides the meaning of the parameters
     FMX_PtrType parm2;
     FMX_PtrType parm3;
     FMX_PtrType instanceID;
@@ -124,7 +124,7 @@ enum {
 
 enum { kFMXT_NameStr = 128, kFMXT_AppConfigStr = 129, kFMXT_OptionsStr = 131, kFMXT_HelpURLStr = 132 };
 
-/// Idle levels. Only the first is a moment at which scripts may be started.
+/// Idle levels. Scripts may be started only at the first.
 enum {
     kFMXT_UserIdle = 0,
     kFMXT_UserNotIdle = 1,
@@ -145,13 +145,14 @@ enum {
     kFMXT_SASE = 7
 };
 
-/// Both are defined by the plug-in: the call block of the message at hand, and the entry point.
+/// Both are defined by the plug-in: the call block of the current message, and the entry point.
 extern FMX_ExternCallPtr gFMX_ExternCallPtr;
 void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb);
 
 } // extern "C"
 
-/// The callbacks, through the call block at hand: on the host's thread, and not while its unsafeCalls is set.
+/// The call-backs of the current call block. They belong to the host's thread, and must not be called while
+/// unsafeCalls is set.
 #define FMX_StartScript(file, script, control, parameter)                                                    \
     gFMX_ExternCallPtr->cStartScript((file), (script), (control), (parameter))
 #define FMX_SetToCurrentEnv(env) gFMX_ExternCallPtr->cCurrentEnv((env))

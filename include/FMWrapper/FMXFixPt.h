@@ -2,8 +2,8 @@
 
 /// Decimal fixed-point numbers.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXClient.h"
 #include "FMWrapper/FMXExtern.h"
@@ -12,8 +12,8 @@
 
 namespace fmx {
 
-/// Precision counts the decimal digits behind the point; it is held within 16 to 400. A result too large to
-/// be represented raises error 2.
+/// Precision is the number of decimal digits after the point, limited to 16 to 400. A result that is too
+/// large raises error 2.
 class FixPt {
 public:
     void AssignInt(int32 value);
@@ -39,11 +39,11 @@ public:
     void Add(const FixPt& arg, FixPt& result) const;
     void Subtract(const FixPt& arg, FixPt& result) const;
     void Multiply(const FixPt& arg, FixPt& result) const;
-    /// Not 0 for a divisor of zero, and then `result` is as it was.
+    /// Not 0 for a divisor of zero; `result` then stays as it was.
     errcode Divide(const FixPt& arg, FixPt& result) const;
     /// True for anything but zero.
     bool AsBool() const;
-    /// Cut towards zero, and held at the limits of the type.
+    /// Rounded towards zero, and limited to the range of the type.
     int32 AsLong() const;
     int64 AsLong64() const;
     double AsFloat() const;

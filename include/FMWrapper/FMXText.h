@@ -1,9 +1,9 @@
 #pragma once
 
-/// UTF-16 text with a look for every character. Positions and sizes are in UTF-16 units.
+/// UTF-16 text with a style for every character. Positions and sizes are in UTF-16 units.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXTextStyle.h"
 #include "FMWrapper/FMXTypes.h"
@@ -12,7 +12,7 @@
 
 namespace fmx {
 
-/// A range that reaches past the end is cut at the end.
+/// A range that ends after the text's end is cut there.
 class Text {
 public:
     enum Encoding {
@@ -25,7 +25,7 @@ public:
         kEncoding_ShiftJIS_Mac,
         kEncoding_ShiftJIS_Win
     };
-    /// As a size, all that follows; as a position that is returned, not found.
+    /// A size that means all that follows, and a returned position that means not found.
     enum : uint32 { kSize_Invalid = 0xFFFFFFFF, kSize_End = 0xFFFFFFFF };
 
     uint32 GetSize() const;
@@ -37,17 +37,17 @@ public:
     void AssignWithLength(const char* s, uint32 length, Encoding encoding = kEncoding_Native);
     void AssignWideWithLength(const wchar_t* s, uint32 length);
     void AssignUnicodeWithLength(const uint16* s, uint32 length);
-    /// Writes the encoded bytes and a terminating zero, never past `buffersize` bytes in all; what does not
-    /// fit is cut.
+    /// Writes the encoded bytes and a terminating zero, at most `buffersize` bytes in all. Bytes that do not
+    /// fit are left out.
     void GetBytes(char* buffer, uint32 buffersize, uint32 position = 0, uint32 size = kSize_End,
                   Encoding encoding = kEncoding_Native) const;
-    /// Writes no terminating zero and gives the bytes written. Hosts of version 57 and later.
+    /// Writes no terminating zero and returns the number of bytes written. Hosts of version 57 and later.
     uint32 GetBytesEx(char* buffer, uint32 buffersize, uint32 position = 0, uint32 size = kSize_End,
                       Encoding encoding = kEncoding_UTF8) const;
     /// Writes no terminating zero; `s` has room for `size` units.
     void GetUnicode(uint16* s, uint32 position, uint32 size) const;
-    /// In these four, styles travel with the characters. `position` and `size` are of the text that is read
-    /// in SetText and AppendText, of this text in InsertText and DeleteText.
+    /// These four copy or remove characters with their styles. `position` and `size` refer to the source text
+    /// in SetText and AppendText, and to this text in InsertText and DeleteText.
     void SetText(const Text& other, uint32 position = 0, uint32 size = kSize_End);
     void AppendText(const Text& other, uint32 position = 0, uint32 size = kSize_End);
     void InsertText(const Text& other, uint32 position);
@@ -58,19 +58,19 @@ public:
     uint32 FindPrev(const Text& other, uint32 position) const;
     uint32 FindIgnoringCase(const Text& other, uint32 position) const;
     uint32 FindPrevIgnoringCase(const Text& other, uint32 position) const;
-    /// In place; a character that becomes several keeps its style on all of them.
+    /// These change this text. A character that becomes several gives all of them its style.
     void Uppercase();
     void Lowercase();
-    /// Reads into a style of the caller's; at or past the end, the default style.
+    /// Writes into the caller's style. The default style at or after the end.
     void GetStyle(CharacterStyle& style, uint32 position) const;
     void GetDefaultStyle(CharacterStyle& style) const;
-    /// Lays the enabled traits over a range; traits that are disabled stay as they are.
+    /// Sets the enabled traits in a range. The text keeps its own for disabled traits.
     void SetStyle(const CharacterStyle& style, uint32 position = 0, uint32 size = kSize_End);
-    /// Takes the enabled traits away from all of the text.
+    /// Removes the enabled traits from the whole text.
     void RemoveStyle(const CharacterStyle& style);
-    /// Takes every style away.
+    /// Removes every style.
     void ResetAllStyleBuffers();
-    /// Comparisons are of raw code units.
+    /// Comparisons use the code units.
     bool operator==(const Text& that) const;
     bool operator!=(const Text& that) const;
     bool operator<(const Text& that) const;

@@ -1,9 +1,9 @@
 #pragma once
 
-/// The look of characters.
+/// The style of characters.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXClient.h"
 #include "FMWrapper/FMXExtern.h"
@@ -12,8 +12,8 @@
 
 namespace fmx {
 
-/// Says something about each trait of characters (enabled) or leaves it to the field's default (disabled).
-/// A new style has everything disabled; a Set method also enables what it sets.
+/// A style sets each trait of characters (enabled) or leaves it to the field's default (disabled). A new
+/// style has all traits disabled. A Set method also enables its trait.
 class CharacterStyle {
 public:
     class Color;
@@ -69,11 +69,11 @@ public:
     void SetFace(Face face);
     void SetSize(FontSize size);
     void SetColor(const Color& color);
-    /// Font numbers are those of a file (see Data::GetFontID); kInvalidFont while the font is disabled.
+    /// Font numbers belong to a file (see Data::GetFontID); kInvalidFont while the font is disabled.
     FontID GetFont() const;
     Face GetFace() const;
     FontSize GetSize() const;
-    /// Valid until the style is changed or gone.
+    /// Valid until the style is changed or deleted.
     const Color& GetColor() const;
     const CharacterStyle& operator=(const CharacterStyle& that);
     bool operator==(const CharacterStyle& that) const;

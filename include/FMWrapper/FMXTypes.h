@@ -2,8 +2,8 @@
 
 /// Four-character codes and locales.
 /// Objects live in the host. Code of a plug-in may use them while it handles a message or a function call, on
-/// the host's thread. Whoever constructs an object owns it; its owner class gives it back. A failing call
-/// throws (see FMXClient.h).
+/// the host's thread. The code that constructs an object owns it; its owner class gives it back. A failing
+/// call throws (see FMXClient.h).
 
 #include "FMWrapper/FMXClient.h"
 #include "FMWrapper/FMXExtern.h"
@@ -15,10 +15,10 @@ namespace fmx {
 /// Four bytes that name a plug-in's creator or a stream's kind.
 class QuadChar {
 public:
-    /// The byte at 0 to 3; any other place raises error 2.
+    /// The byte at index 0 to 3. Any other index raises error 2.
     uchar operator[](int i);
     uchar operator[](int i) const;
-    /// Comparisons are of the bytes, the first one first.
+    /// Comparisons use the bytes, beginning with the first.
     bool operator==(const QuadChar& that) const;
     bool operator!=(const QuadChar& that) const;
     bool operator<(const QuadChar& that) const;
@@ -26,7 +26,7 @@ public:
     bool operator>(const QuadChar& that) const;
     bool operator>=(const QuadChar& that) const;
     const QuadChar& operator=(const QuadChar& that);
-    /// The four bytes as one number, the first in the highest place.
+    /// The four bytes as one number, the first byte in the highest place.
     uint32 GetMacType() const;
     void SetMacType(uint32 macType);
 
