@@ -49,19 +49,15 @@ DataRef countOf(Arguments arguments) {
     return numberResult(static_cast<std::int64_t>(split(arguments[0]->asText().units()).size()));
 }
 
-/// Only the wanted line is looked for, since solutions walk long lists with it.
+/// Solutions walk long lists with it, so the value remembers where its lines begin.
 DataRef getValue(Arguments arguments) {
     const Text& text = arguments[0]->asText();
-    const std::u16string_view units = text.units();
-    std::size_t start = 0;
-    for (std::int64_t wanted = whole(arguments[1]); wanted != 1; --wanted) {
-        const std::size_t end = wanted < 1 ? std::u16string_view::npos : units.find(u'\r', start);
-        if (end == std::u16string_view::npos) return textResult({});
-        start = end + 1;
-    }
-    const std::size_t end = std::min(units.find(u'\r', start), units.size());
-    return textResult(
-        text.substring(static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(end - start)));
+    const std::vector<std::uint32_t>& starts = arguments[0]->lineStarts();
+    const std::int64_t wanted = whole(arguments[1]);
+    if (wanted < 1 || wanted > std::ssize(starts)) return textResult({});
+    const auto line = static_cast<std::size_t>(wanted - 1);
+    const std::uint32_t end = line + 1 < starts.size() ? starts[line + 1] - 1 : text.size();
+    return textResult(text.substring(starts[line], end - starts[line]));
 }
 
 constexpr std::array rows{

@@ -86,6 +86,7 @@ struct Data::Readings {
     std::optional<Text> text;
     std::optional<Decimal> number;
     std::array<std::optional<DateTime>, 3> dateTimes; ///< date, time, timestamp
+    std::vector<std::uint32_t> lineStarts;            ///< empty: not asked for yet
 };
 
 Data Data::invalid() {
@@ -121,6 +122,18 @@ const Text& Data::asText() const {
         if (held_ == DataType::timestamp) reading = Text(std::get<DateTime>(value_).timestampText());
     }
     return *reading;
+}
+
+const std::vector<std::uint32_t>& Data::lineStarts() const {
+    std::vector<std::uint32_t>& starts = readings().lineStarts;
+    if (starts.empty()) {
+        const std::u16string_view units = asText().units();
+        starts.push_back(0);
+        for (std::size_t end = units.find(u'\r'); end != std::u16string_view::npos;
+             end = units.find(u'\r', end + 1))
+            starts.push_back(static_cast<std::uint32_t>(end + 1));
+    }
+    return starts;
 }
 
 std::optional<Decimal> Data::number() const {

@@ -45,6 +45,9 @@ public:
     [[nodiscard]] bool isEmpty() const;
 
     [[nodiscard]] const Text& asText() const;
+    /// The positions in the text at which its lines begin: 0, and each position behind a return. They are
+    /// found once and kept with the value.
+    [[nodiscard]] const std::vector<std::uint32_t>& lineStarts() const;
     /// A text's digits, first point and leading minus (anywhere before the first digit or point: "a-5" and
     /// "-a5" are -5, "5-" is 5), the rest ignored; no number (and asNumber 0) when it has no digit or would
     /// reach 10^400. A date is its day count, a time its seconds, a timestamp its seconds since the epoch.
