@@ -111,7 +111,11 @@ Database::Connection::Connection(std::chrono::milliseconds budget) : budget(budg
     sqlite3_set_authorizer(handle, authorize, this);
     sqlite3_progress_handler(
         handle, stepsBetweenLooks,
-        [](void* self) { return WorkClock::now() > static_cast<Connection*>(self)->deadline ? 1 : 0; }, this);
+        [](void* self) {
+            const bool isLate = WorkClock::now() > static_cast<Connection*>(self)->deadline;
+            return isLate || calc::areCalculationsStopped() ? 1 : 0;
+        },
+        this);
 }
 
 Statement Database::Connection::prepare(const char*& script, int& code) const {
@@ -151,6 +155,28 @@ Database::Database(const std::string& schema, std::chrono::milliseconds budget)
 }
 
 Database::~Database() = default;
+
+std::vector<TableNames> Database::tables() const {
+    constexpr const char* listing = "SELECT name FROM sqlite_schema WHERE type IN ('table', 'view') "
+                                    "AND name NOT LIKE 'sqlite%' ORDER BY rowid";
+    std::vector<TableNames> tables;
+    connection_->startWork();
+    int code = SQLITE_OK;
+    const char* script = listing;
+    const Statement names = connection_->prepare(script, code);
+    while (names && sqlite3_step(names.get()) == SQLITE_ROW) {
+        const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(names.get(), 0));
+        if (name == nullptr) continue;
+        TableNames& table = tables.emplace_back(TableNames{.table = fromUtf8(name), .fields = {}});
+        const std::unique_ptr<char, void (*)(void*)> select(sqlite3_mprintf("SELECT * FROM \"%w\"", name),
+                                                            sqlite3_free);
+        const char* rest = select.get();
+        const Statement columns = connection_->prepare(rest, code);
+        for (int i = 0; columns && i < sqlite3_column_count(columns.get()); ++i)
+            table.fields.push_back(fromUtf8(sqlite3_column_name(columns.get(), i)));
+    }
+    return tables;
+}
 
 calc::SqlAnswer Database::execute(std::u16string_view source, const DataVect& parameters) {
     const auto refused = [] { return calc::SqlAnswer{.error = sqlRefused, .rows = {}}; };

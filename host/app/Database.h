@@ -6,8 +6,15 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
+
+/// A table or view by name, with the names of its columns.
+struct TableNames {
+    std::u16string table;
+    std::vector<std::u16string> fields;
+};
 
 /// The tables of one file, in memory. Statements cannot reach the disk, load code or change the engine's
 /// settings, and they run for a bounded time.
@@ -27,6 +34,9 @@ public:
     /// empty number as NULL. A value of the answer has the declared type of its column where it can be
     /// converted, otherwise the type in which it is stored.
     calc::SqlAnswer execute(std::u16string_view statement, const DataVect& parameters);
+
+    /// The tables and views there are now, in the order in which they were made.
+    [[nodiscard]] std::vector<TableNames> tables() const;
 
 private:
     struct Connection;

@@ -74,6 +74,10 @@ const Script* File::script(std::u16string_view name) const {
     return nullptr;
 }
 
+std::vector<TableNames> File::tables() const {
+    return database_ ? database_->tables() : std::vector<TableNames>();
+}
+
 void File::markClosed() {
     open_ = false;
     session_ = nullptr;

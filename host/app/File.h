@@ -5,11 +5,13 @@
 
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace host {
 
 class Session;
 class Database;
+struct TableNames;
 
 /// An open file. Session opens and closes files.
 class File final : public calc::FileContext {
@@ -23,6 +25,8 @@ public:
     [[nodiscard]] const Solution& solution() const { return solution_; }
     /// The script of that name, in any case; null when there is none.
     [[nodiscard]] const Script* script(std::u16string_view name) const;
+    /// Names of tables and fields; none once it is closed.
+    [[nodiscard]] std::vector<TableNames> tables() const;
     /// Ends evaluation and SQL in the file; the session is no longer used.
     void markClosed();
 

@@ -37,7 +37,10 @@ Session::Session()
 }
 
 Session::~Session() {
-    onScriptCall = nullptr; // the listeners may no longer exist
+    // The listeners may no longer exist.
+    onScriptCall = onScriptStart = nullptr;
+    onScriptEnd = nullptr;
+    onScriptError = nullptr;
     onFileClosed = nullptr;
     end();
     setCurrent(nullptr);
@@ -144,11 +147,19 @@ int Session::startScript(std::u16string_view fileName, std::u16string_view scrip
 void Session::run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file) {
     calc::Environment scope = environment(file);
     scope.script = std::make_shared<const calc::ScriptFrame>(calc::ScriptFrame{script.name, call.parameter});
-    bool isFirst = true;
-    for (const std::u16string& calculation : script.calculations) {
-        if (!std::exchange(isFirst, false)) idle(kFMXT_ScriptRunning);
-        *lastError_ = calc::evaluate(calculation, scope, functions_).error;
+    if (onScriptStart) onScriptStart(call);
+    calc::Result result{.error = calc::error::none, .value = std::make_shared<const Data>(), .problem = {}};
+    for (std::size_t i = 0; i < script.calculations.size(); ++i) {
+        if (i > 0) idle(kFMXT_ScriptRunning);
+        result = calc::evaluate(script.calculations[i], scope, functions_);
+        *lastError_ = result.error;
+        if (result.error != calc::error::none && onScriptError)
+            onScriptError({.call = call,
+                           .calculation = i + 1,
+                           .source = script.calculations[i],
+                           .result = result});
     }
+    if (onScriptEnd) onScriptEnd(call, result);
 }
 
 std::size_t Session::runWaitingScripts() {

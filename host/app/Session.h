@@ -27,6 +27,14 @@ struct ScriptCall {
     std::size_t depth = 1; ///< 1 outside of scripts, otherwise one more than the calling script's
 };
 
+/// A calculation of a script that failed.
+struct ScriptError {
+    const ScriptCall& call;
+    std::size_t calculation; ///< its place in the script, from 1
+    std::u16string_view source;
+    const calc::Result& result;
+};
+
 /// A user's session: the open files, in the order in which they were opened, and the calculations in them. A
 /// process has one session at a time; FM_… functions find it through `Session::current`.
 class Session final : public Application {
@@ -82,6 +90,11 @@ public:
     static constexpr std::size_t kMostScriptsPerRun = 10'000, kMostScriptDepth = 1'000,
                                  kMostWaitingScripts = 100'000;
     std::function<void(const ScriptCall&)> onScriptCall;
+    /// Called when an accepted script starts, when it ends (with the result of its last calculation), and for
+    /// each of its calculations that fails.
+    std::function<void(const ScriptCall&)> onScriptStart;
+    std::function<void(const ScriptCall&, const calc::Result&)> onScriptEnd;
+    std::function<void(const ScriptError&)> onScriptError;
 
     /// One turn of the host's loop: the due work of the main queue, an idle message (kFMXT_UserIdle), the
     /// waiting scripts. The app makes a few turns a second while the user does nothing.

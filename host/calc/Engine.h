@@ -56,6 +56,9 @@ struct Function {
     mutable bool withdrawn = false;
 };
 
+/// Functions by folded name.
+using FunctionRows = std::map<std::u16string, std::shared_ptr<const Function>, std::less<>>;
+
 /// Functions by folded name: the built-in ones, and those that plug-ins register. A row that is withdrawn
 /// stays alive for expressions that were parsed with it; calling it then answers error 1208.
 class FunctionTable {
@@ -65,9 +68,10 @@ public:
     bool add(Function function);
     bool remove(std::u16string_view name);
     [[nodiscard]] std::shared_ptr<const Function> find(std::u16string_view name) const;
+    [[nodiscard]] const FunctionRows& rows() const { return rows_; }
 
 private:
-    std::map<std::u16string, std::shared_ptr<const Function>, std::less<>> rows_;
+    FunctionRows rows_;
 };
 
 /// A calculation, parsed. Immutable; outlives the table it was parsed with.
@@ -99,5 +103,11 @@ Result evaluate(const Expression& expression, const Environment& environment);
 /// Parses and evaluates. `functions` also serves what the calculation itself evaluates.
 Result evaluate(std::u16string_view source, const Environment& environment,
                 std::shared_ptr<const FunctionTable> functions);
+
+/// Ends the calculation that runs at its next step, with error 1200, and every further one until `resume`.
+/// Each of the three may be called from a signal handler and on any thread.
+void stopCalculations();
+void resumeCalculations();
+bool areCalculationsStopped();
 
 } // namespace host::calc

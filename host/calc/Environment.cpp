@@ -10,8 +10,9 @@ DataRef Variables::value(std::u16string_view name, int repetition) const {
     static const DataRef empty = std::make_shared<const Data>();
     const auto variable = values_.find(foldName(name));
     if (variable == values_.end()) return empty;
-    const auto value = variable->second.find(repetition);
-    return value == variable->second.end() ? empty : value->second;
+    const auto& repetitions = variable->second.repetitions;
+    const auto value = repetitions.find(repetition);
+    return value == repetitions.end() ? empty : value->second;
 }
 
 DataRef Variables::lastValue(std::u16string_view name) const {
@@ -24,7 +25,9 @@ DataRef Variables::lastValue(std::u16string_view name) const {
 
 bool Variables::set(std::u16string_view name, int repetition, DataRef value) {
     if (repetition < 1 || repetition > maximumRepetition) return false;
-    values_[foldName(name)][repetition] = std::move(value);
+    Variable& variable = values_[foldName(name)];
+    if (variable.name.empty()) variable.name = name;
+    variable.repetitions[repetition] = std::move(value);
     return true;
 }
 

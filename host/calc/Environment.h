@@ -26,8 +26,15 @@ public:
     bool set(std::u16string_view name, int repetition, DataRef value);
     void clear() { values_.clear(); }
 
+    struct Variable {
+        std::u16string name; ///< as it was first written
+        std::map<int, DataRef> repetitions;
+    };
+    /// All variables that were set, by folded name.
+    [[nodiscard]] const std::map<std::u16string, Variable, std::less<>>& all() const { return values_; }
+
 private:
-    std::map<std::u16string, std::map<int, DataRef>, std::less<>> values_;
+    std::map<std::u16string, Variable, std::less<>> values_;
 };
 
 struct SqlAnswer {

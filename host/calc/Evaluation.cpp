@@ -4,6 +4,7 @@
 #include "host/calc/Operators.h"
 #include "host/calc/Parser.h"
 
+#include <atomic>
 #include <stdexcept>
 #include <utility>
 
@@ -19,6 +20,9 @@ struct Occupied {
 };
 thread_local Occupied occupied;
 
+std::atomic<bool> gIsStopped = false; ///< by stopCalculations
+static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
+
 [[noreturn]] void exhaust() {
     occupied.isExhausted = true;
     throw Exhausted();
@@ -29,6 +33,10 @@ void chargeFor(const Data& value) {
 }
 
 } // namespace
+
+void stopCalculations() { gIsStopped.store(true, std::memory_order_relaxed); }
+void resumeCalculations() { gIsStopped.store(false, std::memory_order_relaxed); }
+bool areCalculationsStopped() { return gIsStopped.load(std::memory_order_relaxed); }
 
 Nesting::Nesting(int levels) : levels_(levels) {
     if (occupied.evaluations >= kMostEvaluations || occupied.levels + levels > kMostLevels) exhaust();
@@ -48,7 +56,7 @@ Work::~Work() { occupied.steps = outer_; }
 
 void Work::charge(std::size_t steps) {
     occupied.steps += steps;
-    if (occupied.isExhausted || occupied.steps > kMostSteps) exhaust();
+    if (occupied.isExhausted || occupied.steps > kMostSteps || areCalculationsStopped()) exhaust();
 }
 
 DataRef Evaluation::run(const Expression& expression) {
