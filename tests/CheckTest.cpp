@@ -10,13 +10,14 @@
 namespace {
 
 using host::check::Check;
-using host::check::Finding;
+using host::check::Outcome;
+using host::check::Verdict;
 
-Finding findingOf(std::string_view name, const std::filesystem::path& library) {
+Outcome outcomeOf(std::string_view name, const std::filesystem::path& library) {
     const auto all = host::check::checks();
     const auto check =
         std::find_if(all.begin(), all.end(), [&](const Check& row) { return row.name == name; });
-    if (check == all.end()) return "there is no such check";
+    if (check == all.end()) return {.verdict = Verdict::failed, .words = "there is no such check"};
     return host::check::runIsolated(*check, library);
 }
 
@@ -27,7 +28,7 @@ std::filesystem::path broken(const std::string& name) {
 TEST(Check, kestrelAndTheSoundPlugInPassEveryCheck) {
     for (const std::filesystem::path& library : {std::filesystem::path(KESTREL_PLUGIN_PATH), broken("Sound")})
         for (const Check& check : host::check::checks())
-            EXPECT_EQ(host::check::runIsolated(check, library), "") << library << ' ' << check.name;
+            EXPECT_EQ(host::check::runIsolated(check, library).words, "") << library << ' ' << check.name;
 }
 
 TEST(Check, eachBrokenPlugInFailsItsCheck) {
@@ -46,9 +47,16 @@ TEST(Check, eachBrokenPlugInFailsItsCheck) {
         {"NoOptions", "options-string", "never answered"},
     };
     for (const auto& [plugIn, check, says] : cases) {
-        const Finding finding = findingOf(check, broken(plugIn));
-        EXPECT_NE(finding.find(says), Finding::npos) << plugIn << " fails with: " << finding;
+        const Outcome outcome = outcomeOf(check, broken(plugIn));
+        EXPECT_EQ(outcome.verdict, Verdict::failed) << plugIn;
+        EXPECT_NE(outcome.words.find(says), std::string::npos) << plugIn << " fails with: " << outcome.words;
     }
+}
+
+TEST(Check, aCheckWithoutGroundIsSkipped) {
+    const Outcome outcome = outcomeOf("name-string", broken("RefusesVersion"));
+    EXPECT_EQ(outcome.verdict, Verdict::skipped);
+    EXPECT_EQ(outcome.words, "init was answered with -1");
 }
 
 TEST(Check, aCheckThatHangsIsEnded) {
@@ -56,7 +64,7 @@ TEST(Check, aCheckThatHangsIsEnded) {
                               for (;;)
                                   ::usleep(1000);
                           }};
-    EXPECT_EQ(host::check::runIsolated(hangs, "", 1), "did not end within 1 seconds");
+    EXPECT_EQ(host::check::runIsolated(hangs, "", 1).words, "did not end within 1 seconds");
 }
 
 } // namespace

@@ -1,8 +1,7 @@
 #include "host/check/Checks.h"
 
 #include "host/app/File.h"
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Bridge.h"
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
@@ -20,14 +19,12 @@ namespace {
 
 using std::filesystem::path;
 
-/// A session with an empty file, and the plug-in in it.
-struct Bench {
-    explicit Bench(const path& library) : plugIn((session.open(Solution{}), session), library) {}
-    Session session;
-    PlugIn plugIn;
+/// A session with an empty file, and the plug-in loaded into it, before init.
+struct Loaded : LoadedPlugIn {
+    explicit Loaded(const path& library) : LoadedPlugIn(library, {}, Start::later) {}
 
-    [[nodiscard]] Finding violation() const {
-        for (const PlugIn::Violation violation : plugIn.violations())
+    [[nodiscard]] Finding violation() {
+        for (const PlugIn::Violation violation : plugIn().violations())
             return violation == PlugIn::Violation::threwFromMessage
                        ? "an exception left the entry point"
                        : "an exception left a function's handler";
@@ -35,37 +32,42 @@ struct Bench {
     }
 };
 
-/// A bench whose plug-in has accepted init; throws what is wrong otherwise.
-struct Running : Bench {
-    explicit Running(const path& library) : Bench(library) {
-        const std::int64_t answer = plugIn.init();
-        if (!plugIn.isEnabled())
-            throw std::runtime_error("init was answered with " + std::to_string(answer) +
-                                     ", so nothing else can be checked");
+/// The same after init; without ground when the plug-in refuses it.
+struct Running : Loaded {
+    explicit Running(const path& library) : Loaded(library) {
+        if (const std::int64_t answer = plugIn().init(); !plugIn().isEnabled())
+            throw NoGround("init was answered with " + std::to_string(answer));
+    }
+};
+
+/// The same with a function at least.
+struct WithFunctions : Running {
+    explicit WithFunctions(const path& library) : Running(library) {
+        if (plugIn().functions().empty()) throw NoGround("no function is registered");
     }
 };
 
 Finding loads(const path& library) {
-    Bench bench(library);
+    Loaded loaded(library);
     return {};
 }
 
 Finding acceptsHost(const path& library) {
-    Bench bench(library);
-    const std::int64_t answer = bench.plugIn.init();
+    Loaded loaded(library);
+    const std::int64_t answer = loaded.plugIn().init();
     if (answer == kBadExtnVersion) return "init refuses the host's version (answer -1)";
     if (answer == kDoNotEnable) return "init asks not to be enabled (answer -2)";
     if (answer < kMinExtnVersion || answer > kMaxExtnVersion)
         return "init answers " + std::to_string(answer) + ", which is no version from " +
                std::to_string(int{kMinExtnVersion}) + " to " + std::to_string(int{kMaxExtnVersion});
-    return bench.violation();
+    return loaded.violation();
 }
 
 Finding bearsIdleBeforeInit(const path& library) {
-    Bench bench(library);
+    Loaded loaded(library);
     for (const unsigned char level : {0, 1, 2, 3, 4})
-        bench.plugIn.idle(level);
-    return bench.violation();
+        loaded.plugIn().idle(level);
+    return loaded.violation();
 }
 
 Finding ignoresUnknownMessages(const path& library) {
@@ -75,7 +77,7 @@ Finding ignoresUnknownMessages(const path& library) {
         block.extnVersion = PlugIn::currentHostVersion;
         block.whichCall = message;
         block.result = 12345;
-        running.plugIn.send(block);
+        running.plugIn().send(block);
         if (block.result != 12345)
             return "message " + std::to_string(int{message}) + " is unknown and got an answer";
     }
@@ -84,7 +86,7 @@ Finding ignoresUnknownMessages(const path& library) {
 
 Finding readsString(const path& library, int request, const std::string& what, PlugIn::StringAnswer& answer) {
     Running running(library);
-    answer = running.plugIn.readString(request);
+    answer = running.plugIn().readString(request);
     if (answer.overrun) return "the " + what + " string is written past the end of the host's buffer";
     if (!answer.answered) return "the " + what + " string is never answered";
     if (answer.text.empty()) return "the " + what + " string is empty";
@@ -114,17 +116,17 @@ Finding answersOptions(const path& library) {
 
 Finding registersCleanly(const path& library) {
     Running running(library);
-    if (!running.plugIn.refusedRegistrations().empty())
+    if (!running.plugIn().refusedRegistrations().empty())
         return "the registration of function " +
-               std::to_string(running.plugIn.refusedRegistrations().front()) +
+               std::to_string(running.plugIn().refusedRegistrations().front()) +
                " was refused (taken, or its name, prototype or counts make no sense)";
     return running.violation();
 }
 
 Finding registersItsCreator(const path& library) {
-    Running running(library);
-    const std::u16string options = running.plugIn.readString(kFMXT_OptionsStr).text;
-    for (const RegisteredFunction& function : running.plugIn.functions())
+    WithFunctions running(library);
+    const std::u16string options = running.plugIn().readString(kFMXT_OptionsStr).text;
+    for (const RegisteredFunction& function : running.plugIn().functions())
         for (std::size_t i = 0; i < function.creator.bytes.size(); ++i)
             if (i >= options.size() || options[i] != function.creator.bytes[i])
                 return "function " + std::to_string(function.id) +
@@ -136,10 +138,10 @@ Finding loadsAgain(const path& library) {
     Finding finding;
     for (int round = 0; round < 3 && finding.empty(); ++round) {
         Running running(library);
-        running.plugIn.idle(0);
-        running.plugIn.preferences();
-        running.plugIn.shutdown();
-        running.plugIn.idle(0);
+        running.plugIn().idle(0);
+        running.plugIn().preferences();
+        running.plugIn().shutdown();
+        running.plugIn().idle(0);
         finding = running.violation();
     }
     return finding;
@@ -154,15 +156,15 @@ std::vector<DataVect> argumentLists(const RegisteredFunction& function) {
 }
 
 void callOnce(Running& running, const RegisteredFunction& function, const DataVect& arguments) {
-    const calc::Environment environment = running.session.environment(running.session.front());
+    const calc::Environment environment = running.session().environment(running.session().front());
     Data result;
-    running.plugIn.call(function, bridge::out<fmx::ExprEnv>(environment),
-                        bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
+    running.plugIn().call(function, bridge::out<fmx::ExprEnv>(environment),
+                          bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
 }
 
 Finding bearsCalls(const path& library) {
-    Running running(library);
-    for (const RegisteredFunction& function : running.plugIn.functions())
+    WithFunctions running(library);
+    for (const RegisteredFunction& function : running.plugIn().functions())
         for (const DataVect& arguments : argumentLists(function)) {
             callOnce(running, function, arguments);
             if (const Finding finding = running.violation(); !finding.empty())
@@ -173,8 +175,8 @@ Finding bearsCalls(const path& library) {
 
 Finding givesBack(const path& library) {
     constexpr int rounds = 4;
-    Running running(library);
-    for (const RegisteredFunction& function : running.plugIn.functions())
+    WithFunctions running(library);
+    for (const RegisteredFunction& function : running.plugIn().functions())
         for (const DataVect& arguments : argumentLists(function)) {
             callOnce(running, function,
                      arguments); // what a plug-in keeps for good, it makes at its first call
@@ -210,8 +212,8 @@ Finding callsUnderFaults(Running& running, const RegisteredFunction& function, c
 }
 
 Finding bearsAFailingHost(const path& library) {
-    Running running(library);
-    for (const RegisteredFunction& function : running.plugIn.functions())
+    WithFunctions running(library);
+    for (const RegisteredFunction& function : running.plugIn().functions())
         for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
             for (const bool fromThenOn : {false, true})
                 if (Finding finding = callsUnderFaults(running, function, argumentLists(function).front(),

@@ -10,6 +10,7 @@
 #include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace host::check {
 
@@ -32,18 +33,24 @@ void leaveTheNetwork() {
 #endif
 }
 
+constexpr char kSkipped = '-', kJudged = '=';
+
 [[noreturn]] void runInChild(const Check& check, const std::filesystem::path& library, int answer) {
     Finding finding;
+    char kind = kJudged;
     leaveTheNetwork();
     try {
         finding = check.run(library);
+    } catch (const NoGround& reason) {
+        finding = reason.what();
+        kind = kSkipped;
     } catch (const std::exception& problem) {
         finding = problem.what();
     } catch (...) {
         finding = "something was thrown that is not a std::exception";
     }
     // The last byte tells a finding that is empty from a process that ended before it could answer.
-    writeAll(answer, finding + '\n');
+    writeAll(answer, kind + finding + '\n');
     ::_exit(0);
 }
 
@@ -68,9 +75,13 @@ bool readAnswer(int descriptor, int secondsAllowed, std::string& answer) {
 
 } // namespace
 
-Finding runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed) {
+Outcome runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed) {
+    const auto failed = [](std::string words) {
+        return Outcome{.verdict = Verdict::failed, .words = std::move(words)};
+    };
     std::array<int, 2> pipe{};
-    if (::pipe(pipe.data()) != 0) return std::string("no pipe could be made: ") + std::strerror(errno);
+    if (::pipe(pipe.data()) != 0)
+        return failed(std::string("no pipe could be made: ") + std::strerror(errno));
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(pipe[0]);
@@ -79,7 +90,7 @@ Finding runIsolated(const Check& check, const std::filesystem::path& library, in
     ::close(pipe[1]);
     if (child < 0) {
         ::close(pipe[0]);
-        return std::string("no process could be started: ") + std::strerror(errno);
+        return failed(std::string("no process could be started: ") + std::strerror(errno));
     }
     std::string answer;
     const bool inTime = readAnswer(pipe[0], secondsAllowed, answer);
@@ -88,12 +99,14 @@ Finding runIsolated(const Check& check, const std::filesystem::path& library, in
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    if (!inTime) return "did not end within " + std::to_string(secondsAllowed) + " seconds";
-    if (WIFSIGNALED(status)) return std::string("ended the process: ") + ::strsignal(WTERMSIG(status));
+    if (!inTime) return failed("did not end within " + std::to_string(secondsAllowed) + " seconds");
+    if (WIFSIGNALED(status))
+        return failed(std::string("ended the process: ") + ::strsignal(WTERMSIG(status)));
     if (answer.empty() || answer.back() != '\n')
-        return "ended the process with status " + std::to_string(WEXITSTATUS(status));
-    answer.pop_back();
-    return answer;
+        return failed("ended the process with status " + std::to_string(WEXITSTATUS(status)));
+    const std::string words = answer.substr(1, answer.size() - 2);
+    if (answer.front() == kSkipped) return {.verdict = Verdict::skipped, .words = words};
+    return words.empty() ? Outcome{} : failed(words);
 }
 
 } // namespace host::check
