@@ -9,8 +9,8 @@
 
 namespace host {
 
-/// A session with open files and a plug-in in it: where commands, checks, benchmarks, fuzzers and tests begin.
-/// A process has one at a time.
+/// A session with open files and a plug-in in it: where commands, checks, benchmarks, fuzzers and tests
+/// begin. A process has one at a time.
 class LoadedPlugIn {
 public:
     enum class Start : bool { now, later };

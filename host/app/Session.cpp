@@ -154,10 +154,8 @@ void Session::run(const Script& script, const ScriptCall& call, const std::share
         result = calc::evaluate(script.calculations[i], scope, functions_);
         *lastError_ = result.error;
         if (result.error != calc::error::none && onScriptError)
-            onScriptError({.call = call,
-                           .calculation = i + 1,
-                           .source = script.calculations[i],
-                           .result = result});
+            onScriptError(
+                {.call = call, .calculation = i + 1, .source = script.calculations[i], .result = result});
     }
     if (onScriptEnd) onScriptEnd(call, result);
 }

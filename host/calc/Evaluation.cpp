@@ -20,7 +20,7 @@ struct Occupied {
 };
 thread_local Occupied occupied;
 
-std::atomic<bool> gIsStopped = false; ///< by stopCalculations
+std::atomic<bool> gIsStopped = false;                  ///< by stopCalculations
 static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
 
 [[noreturn]] void exhaust() {

@@ -1,42 +1,34 @@
 #include "host/cli/Commands.h"
 
-#include "host/fmwrapper/Faults.h"
 #include "host/app/File.h"
-#include "host/fmwrapper/ObjectCounts.h"
+#include "host/cli/Input.h"
+#include "host/cli/Output.h"
+#include "host/cli/Progress.h"
+#include "host/cli/Runner.h"
 #include "host/html/Reader.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <fstream>
-#include <iostream>
-#include <iterator>
-#include <string>
+#include <memory>
 
 namespace host::cli {
 
 namespace {
 
-std::string contentOf(const std::filesystem::path& document) {
-    std::ifstream file;
-    if (document != "-") {
-        file.open(document, std::ios::binary);
-        if (!file || std::filesystem::is_directory(document))
-            throw std::runtime_error("cannot read " + document.string());
-    }
-    std::istream& input = document == "-" ? std::cin : file;
-    std::string content;
-    // One byte more than a document may have is enough to refuse it.
-    for (char buffer[65536]; input && content.size() <= HtmlLimits::bytes;) {
-        input.read(buffer, sizeof buffer);
-        content.append(buffer, static_cast<std::size_t>(input.gcount()));
-    }
-    if (input.bad()) throw std::runtime_error("cannot read " + document.string());
-    return content;
-}
+struct HtmlOptions {
+    SessionOptions session;
+    std::filesystem::path document; ///< "-" is standard input
+    std::string output;             ///< empty: standard output
+    /// As Kestrel_GetAsHTML takes them; each entry may hold several lines.
+    std::vector<std::string> tags{"all"}, classes{"all=kst"}, styles{"all"};
+    bool asPage = false;
+};
 
-Data listOf(std::string lines) {
-    std::replace(lines.begin(), lines.end(), '\n', '\r');
-    return Data(Text::fromUtf8(lines));
+Data listOf(const std::vector<std::string>& entries) {
+    std::string list;
+    for (const std::string& entry : entries)
+        list += (list.empty() ? "" : "\r") + entry;
+    std::replace(list.begin(), list.end(), '\n', '\r');
+    return Data(Text::fromUtf8(list));
 }
 
 bool isAligned(const Text& text) {
@@ -49,49 +41,90 @@ bool isAligned(const Text& text) {
 /// goes by variable only when it needs to: for its alignment, or because it would itself be taken for one.
 bool isBetterInVariable(const Text& text) { return isAligned(text) || text.units().starts_with(u'$'); }
 
-bool writeTo(const std::filesystem::path& output, const std::string& text) {
-    std::ofstream file(output, std::ios::binary);
-    file << text << '\n';
-    file.close();
-    if (!file) throw std::runtime_error("cannot write " + output.string());
-    return true;
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char letter : text) {
+        if (letter == '&')
+            result += "&amp;";
+        else if (letter == '<')
+            result += "&lt;";
+        else
+            result += letter;
+    }
+    return result;
 }
 
-bool convert(Desk& desk, const Options& options) {
-    const calc::Environment place = desk.session().topLevel();
-    const Text document = readHtml(contentOf(options.document),
-                                   [&](std::u16string_view name) { return place.file->fontId(name); });
+/// A document for a browser: the fragment's style block goes into the head, the rest into the body.
+std::string pageOf(const std::string& fragment, const std::string& title) {
+    constexpr std::string_view styleBegin = "<style", styleEnd = "</style>";
+    std::size_t split = 0;
+    if (fragment.starts_with(styleBegin)) {
+        const std::size_t end = fragment.find(styleEnd);
+        split = end == std::string::npos ? 0 : end + styleEnd.size();
+    }
+    const std::string styles = fragment.substr(0, split), body = fragment.substr(split);
+    return withLineFeeds("<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>" +
+                         escaped(title) + "</title>\n" + styles + (styles.empty() ? "" : "\n") +
+                         "</head>\n<body>\n" + body + "\n</body>\n</html>");
+}
+
+calc::Result convert(Runner& runner, const HtmlOptions& options, const std::string& calculation,
+                     const Text& document) {
+    const calc::Environment place = runner.session().topLevel();
     const auto let = [&](std::u16string_view name, Data value) {
         place.locals->set(name, 1, std::make_shared<const Data>(std::move(value)));
     };
-    const bool inVariable = isBetterInVariable(document);
     let(u"document", Data(document));
     let(u"tags", listOf(options.tags));
     let(u"classes", listOf(options.classes));
     let(u"styles", listOf(options.styles));
-    const std::u16string argument = inVariable ? u"\"$document\"" : u"$document";
-    const calc::Result result =
-        desk.session().evaluate(u"Kestrel_GetAsHTML ( " + argument + u" ; $tags ; $classes ; $styles )");
-    if (options.output.empty() || result.error != calc::error::none) return desk.print(result);
-    return writeTo(options.output, result.value->asText().utf8());
+    const Progress progress("converting");
+    return runner.session().evaluate(Text::fromUtf8(calculation).units());
+}
+
+int convertHtml(const HtmlOptions& options) {
+    Runner runner(options.session);
+    const calc::Environment place = runner.session().topLevel();
+    const Text document = readHtml(contentOf(options.document, HtmlLimits::bytes),
+                                   [&](std::u16string_view name) { return place.file->fontId(name); });
+    const std::string argument = isBetterInVariable(document) ? "\"$document\"" : "$document";
+    const std::string calculation = "Kestrel_GetAsHTML ( " + argument + " ; $tags ; $classes ; $styles )";
+    const calc::Result result = convert(runner, options, calculation, document);
+    if (result.error != calc::error::none) {
+        runner.print(result, {.text = calculation, .file = {}});
+        return kFailed;
+    }
+    const std::string fragment = result.value->asText().utf8();
+    const std::string title = options.document == "-" ? "Document" : options.document.stem().string();
+    const std::string text = options.asPage ? pageOf(fragment, title) : fragment;
+    if (options.output.empty())
+        writeLine(shown(text));
+    else
+        writeFile(options.output, text + '\n');
+    return kSucceeded;
 }
 
 } // namespace
 
-int convertHtml(const Options& options) {
-    bool isGood = false;
-    {
-        Desk desk(options);
-        if (options.failAt > 0)
-            faults().arm(options.failAt, static_cast<Faults::Kind>(options.failWith), options.failFromThenOn);
-        isGood = convert(desk, options);
-        faults().disarm();
-    }
-    if (options.reportObjects) {
-        const std::string left = objectCounts().describe();
-        std::fprintf(stderr, "kestrel: host objects left: %s\n", left.empty() ? "none" : left.c_str());
-    }
-    return isGood ? succeeded : evaluationFailed;
+Command addHtml(CLI::App& application) {
+    const auto options = std::make_shared<HtmlOptions>();
+    CLI::App& command = *application.add_subcommand(
+        "html", "Reads an HTML document into styled text and converts it with Kestrel_GetAsHTML.");
+    addSessionOptions(command, options->session);
+    command.add_option("file", options->document, "the document; - is standard input")
+        ->type_name("FILE")
+        ->required();
+    command.add_option("-o", options->output, "the file for the result")->type_name("FILE");
+    command.add_flag("--page", options->asPage, "write a whole document for a browser, not a fragment");
+    const auto addList = [&](const char* name, std::vector<std::string>& list, const char* entry) {
+        command.add_option(name, list, std::string(entry) + "; repeat it for each entry")
+            ->type_name("ENTRY")
+            ->allow_extra_args(false);
+    };
+    addList("--tags", options->tags, "formatting=element, or all");
+    addList("--classes", options->classes, "formatting=class, or all=prefix");
+    addList("--styles", options->styles, "a formatting, or all");
+    return {.options = &command, .run = [options] { return convertHtml(*options); }};
 }
 
 } // namespace host::cli

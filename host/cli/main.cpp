@@ -1,84 +1,52 @@
 #include "host/cli/Commands.h"
+#include "host/cli/Output.h"
 
-#include <CLI/CLI.hpp>
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <clocale>
 #include <exception>
 
 namespace {
 
-using host::cli::Options;
+using host::cli::Command;
 
-void addSessionOptions(CLI::App& command, Options& options) {
-    command.add_option("--solution", options.solutions, "a solution's folder; the first one calculates")
-        ->allow_extra_args(false);
-    command.add_flag("--json", options.json, "one JSON object a line");
-    command.add_option("--clock", options.clockSeconds, "hold the clock at seconds since 1970")
-        ->group("Testing");
-    command.add_option("--native", options.nativeEncoding, "the native encoding")->group("Testing");
-}
+int run(const std::vector<std::string>& given) {
+    CLI::App application("The development host of the Vex Kestrel Plug-In", "kestrel");
+    application.require_subcommand(1);
+    application.set_version_flag("--version", "kestrel " KESTREL_VERSION);
+    std::vector<Command> commands;
+    for (const auto add :
+         {host::cli::addEval, host::cli::addRepl, host::cli::addFunctions, host::cli::addHtml,
+          host::cli::addCheck, host::cli::addExpect, host::cli::addHelp, host::cli::addCompletion})
+        commands.push_back(add(application));
 
-void addEvaluationOptions(CLI::App& command, Options& options) {
-    const std::string testing = "Testing";
-    command.add_option("--for", options.serveSeconds, "serve delayed scripts for so many seconds")
-        ->check(CLI::Range(0.0, 1e9));
-    command
-        .add_option("--idle-after", options.idleAfterSeconds,
-                    "seconds for which the user stays busy after the last calculation")
-        ->check(CLI::Range(0.0, 86'400.0))
-        ->group(testing);
-    command.add_option("--fail-host-call", options.failAt, "make the n-th host call fail")->group(testing);
-    command.add_option("--fail-with", options.failWith, "its error: 1 or 2")
-        ->check(CLI::Range(1, 2))
-        ->group(testing);
-    command.add_flag("--fail-from-then-on", options.failFromThenOn, "and all that follow")->group(testing);
-    command.add_flag("--objects", options.reportObjects, "tell which host objects are left")->group(testing);
-    command.add_option("calculation", options.calculations, "a calculation")->required();
+    std::vector<std::string> arguments = given;
+    if (!given.empty())
+        for (const Command& command : commands)
+            if (command.takeArguments && command.options->get_name() == given.front())
+                command.takeArguments(arguments);
+    std::reverse(arguments.begin(), arguments.end()); // the order in which the library takes them
+    try {
+        application.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+        host::cli::write(application.help());
+        return host::cli::kSucceeded;
+    } catch (const CLI::CallForVersion& version) {
+        host::cli::writeLine(version.what());
+        return host::cli::kSucceeded;
+    }
+    const auto chosen = std::find_if(commands.begin(), commands.end(),
+                                     [](const Command& command) { return command.options->parsed(); });
+    return chosen->run();
 }
 
 } // namespace
 
 int main(int argc, char** argv) try {
-    Options options;
-    if (const char* plugIn = std::getenv("KESTREL_PLUGIN")) options.plugIn = plugIn;
-
-    CLI::App app("The development host of the Vex Kestrel Plug-In", "kestrel");
-    app.require_subcommand(1);
-    app.add_option("--plugin", options.plugIn, "the plug-in's library");
-
-    CLI::App* eval = app.add_subcommand("eval", "evaluate calculations in one session");
-    addSessionOptions(*eval, options);
-    addEvaluationOptions(*eval, options);
-
-    CLI::App* repl = app.add_subcommand("repl", "evaluate calculations from a prompt");
-    addSessionOptions(*repl, options);
-
-    CLI::App* functions = app.add_subcommand("functions", "list the registered functions");
-
-    CLI::App* html = app.add_subcommand("html", "convert an HTML document with Kestrel_GetAsHTML");
-    addSessionOptions(*html, options);
-    html->add_option("file", options.document, "the document; - for standard input")->required();
-    html->add_option("-o", options.output, "where the result goes");
-    html->add_option("--tags", options.tags, "formatting=element, one a line");
-    html->add_option("--classes", options.classes, "formatting=class, one a line");
-    html->add_option("--styles", options.styles, "formattings, one a line");
-
-    CLI::App* check = app.add_subcommand("check", "check a plug-in against the host's contract");
-    check->add_option("plugin", options.plugIn, "the plug-in's library");
-
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& problem) {
-        if (problem.get_exit_code() == 0) return app.exit(problem);
-        std::fprintf(stderr, "kestrel: %s\n", problem.what());
-        return host::cli::wrongUsage;
-    }
-    if (eval->parsed()) return host::cli::evaluate(options);
-    if (repl->parsed()) return host::cli::prompt(options);
-    if (html->parsed()) return host::cli::convertHtml(options);
-    if (functions->parsed()) return host::cli::listFunctions(options);
-    return host::cli::check(options);
+    // Characters are UTF-8 and as wide as Unicode says, whatever the machine's locale.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    host::cli::prepareStandardStreams();
+    return run({argv + 1, argv + argc});
 } catch (const std::exception& problem) {
-    std::fprintf(stderr, "kestrel: %s\n", problem.what());
-    return host::cli::wrongUsage;
+    host::cli::report(problem.what());
+    return host::cli::kWrongUsage;
 }

@@ -1,0 +1,152 @@
+#include "host/cli/Candidates.h"
+
+#include "host/app/Database.h"
+#include "host/app/File.h"
+#include "host/cli/OpenParts.h"
+#include "host/cli/PromptCommands.h"
+#include "host/cli/Runner.h"
+#include "host/values/Encoding.h"
+
+#include <algorithm>
+#include <array>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+namespace host::cli {
+
+namespace {
+
+constexpr std::array kGetNames{
+    u"AccountName",     u"ApplicationVersion", u"CurrentDate",        u"CurrentTime", u"CurrentTimestamp",
+    u"FileName",        u"FilePath",           u"InstalledFMPlugins", u"LastError",   u"ScriptName",
+    u"ScriptParameter", u"SystemPlatform",     u"UserName",           u"UUID"};
+
+/// Collects the names that begin with what was typed, regardless of case.
+class Matches {
+public:
+    explicit Matches(std::u16string_view typed)
+        : folded_(calc::foldName(typed)), size_(toUtf8(typed).size()) {}
+
+    void offer(std::u16string_view name, std::u16string_view ending = {}) {
+        if (calc::foldName(name).starts_with(folded_)) texts_.push_back(toUtf8(name) + toUtf8(ending));
+    }
+    Completions take() && {
+        std::sort(texts_.begin(), texts_.end());
+        texts_.erase(std::unique(texts_.begin(), texts_.end()), texts_.end());
+        return {.replaced = size_, .texts = std::move(texts_)};
+    }
+
+private:
+    std::u16string folded_;
+    std::size_t size_;
+    std::vector<std::string> texts_;
+};
+
+/// Where the name begins that the text ends with.
+std::size_t nameStart(std::u16string_view text) {
+    std::size_t start = text.size();
+    while (start > 0) {
+        UChar32 point = 0;
+        std::size_t before = start;
+        U16_PREV(text.data(), 0, before, point);
+        const bool isPart =
+            u_isalnum(point) != 0 || point == '_' || point == '$' || point == ':' || point == '.';
+        if (!isPart) break;
+        start = before;
+    }
+    return start;
+}
+
+bool followsGet(std::u16string_view before) {
+    const auto trimmed = [](std::u16string_view text) {
+        return text.substr(0, text.find_last_not_of(u' ') + 1);
+    };
+    before = trimmed(before);
+    if (!before.ends_with(u'(')) return false;
+    before = trimmed(before.substr(0, before.size() - 1));
+    return calc::foldName(before.substr(nameStart(before))) == u"get";
+}
+
+void offerTables(Matches& matches, Runner& runner, bool qualified) {
+    for (const auto& file : runner.session().files())
+        for (const TableNames& table : file->tables()) {
+            matches.offer(table.table, qualified ? u"::" : u"");
+            for (const std::u16string& field : table.fields)
+                matches.offer(qualified ? table.table + u"::" + field : field);
+        }
+}
+
+void offerScripts(Matches& matches, Runner& runner) {
+    for (const auto& file : runner.session().files())
+        for (const Script& script : file->solution().scripts)
+            matches.offer(script.name);
+}
+
+void offerFunctions(Matches& matches, Runner& runner) {
+    for (const auto& [folded, function] : runner.session().functions()->rows())
+        matches.offer(function->name, function->maximum == 0 ? u"" : u" ( ");
+}
+
+Completions variables(std::u16string_view typed, Runner& runner) {
+    Matches matches(typed);
+    const calc::Environment place = runner.session().topLevel();
+    for (const auto& [folded, variable] : place.locals->all())
+        matches.offer(u"$" + variable.name);
+    if (place.file)
+        for (const auto& [folded, variable] : place.file->fileVariables().all())
+            matches.offer(u"$$" + variable.name);
+    return std::move(matches).take();
+}
+
+/// Within quotation marks: names of scripts have blanks, so all that stands behind the mark counts; a name in
+/// an SQL statement is its last word.
+Completions quoted(std::u16string_view text, Runner& runner) {
+    Matches scripts(text);
+    offerScripts(scripts, runner);
+    if (Completions found = std::move(scripts).take(); !found.texts.empty()) return found;
+    Matches names(text.substr(nameStart(text)));
+    offerTables(names, runner, false);
+    return std::move(names).take();
+}
+
+Completions promptCommand(std::u16string_view line, Runner& runner) {
+    const std::size_t blank = line.find(u' ');
+    if (blank == std::u16string_view::npos) {
+        Matches matches(line);
+        for (const PromptCommand& command : promptCommands())
+            matches.offer(fromUtf8(command.name), command.parameters.empty() ? u"" : u" ");
+        return std::move(matches).take();
+    }
+    Matches matches(line.substr(blank + 1));
+    if (line.starts_with(u":run ")) {
+        offerScripts(matches, runner);
+    } else {
+        for (const auto& [folded, function] : runner.session().functions()->rows())
+            matches.offer(function->name);
+    }
+    return std::move(matches).take();
+}
+
+} // namespace
+
+Completions candidatesFor(const std::string& before, Runner& runner) {
+    const std::u16string line = fromUtf8(before);
+    if (line.starts_with(u':')) return promptCommand(line, runner);
+    const std::vector<OpenPart> open = openParts(line);
+    if (!open.empty() && open.back().mark == u'"')
+        return quoted(std::u16string_view(line).substr(open.back().position + 1), runner);
+    const std::size_t start = nameStart(line);
+    const std::u16string_view typed = std::u16string_view(line).substr(start);
+    if (typed.starts_with(u'$')) return variables(typed, runner);
+    Matches matches(typed);
+    if (followsGet(std::u16string_view(line).substr(0, start))) {
+        for (const char16_t* name : kGetNames)
+            matches.offer(name, u" )");
+    } else {
+        offerFunctions(matches, runner);
+        offerTables(matches, runner, true);
+    }
+    return std::move(matches).take();
+}
+
+} // namespace host::cli

@@ -1,0 +1,118 @@
+#include "host/cli/Commands.h"
+
+#include "host/cli/Examples.h"
+#include "host/cli/JUnit.h"
+#include "host/cli/Output.h"
+#include "host/cli/Runner.h"
+#include "host/values/Encoding.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+namespace host::cli {
+
+namespace {
+
+struct ExpectOptions {
+    SessionOptions session;
+    std::vector<std::string> files;
+    std::string junit; ///< the report's file; empty: none is written
+};
+
+/// One line, in which returns and tabs are written as in a table.
+std::string onOneLine(const std::string& text) {
+    std::string line;
+    for (const char letter : text) {
+        if (letter == '\r' || letter == '\n')
+            line += "\\r";
+        else if (letter == '\t')
+            line += "\\t";
+        else
+            line += letter;
+    }
+    return line;
+}
+
+/// Evaluates examples, each in the session it belongs to.
+class Evaluator {
+public:
+    explicit Evaluator(const SessionOptions& options)
+        : plugIn_(options.library()), solutions_(loadSolutions(options)) {
+        prepareMachine(options);
+    }
+
+    std::string resultOf(const Example& example) {
+        if (example.beginsSession || !loaded_) {
+            loaded_.reset(); // there is one session at a time
+            loaded_.emplace(plugIn_, solutions_);
+        }
+        const calc::Result result = loaded_->session().evaluate(fromUtf8(example.calculation));
+        return result.error == calc::error::none ? result.value->asText().utf8()
+                                                 : "ERROR " + std::to_string(result.error);
+    }
+
+private:
+    std::filesystem::path plugIn_;
+    std::vector<Solution> solutions_;
+    std::optional<LoadedPlugIn> loaded_;
+};
+
+/// The difference between an example's result and what it says; empty when there is none.
+std::string differenceOf(const Example& example, Evaluator& evaluator) {
+    if (!example.fault.empty()) return example.fault;
+    const std::string result = evaluator.resultOf(example);
+    const bool holds = example.tellsLineFeeds ? result == example.expected
+                                              : withLineFeeds(result) == withLineFeeds(example.expected);
+    if (holds) return {};
+    return "expected: " + onOneLine(example.expected) + "\n  result:   " + onOneLine(result);
+}
+
+std::vector<TestCase> runFile(const std::string& file, Evaluator& evaluator) {
+    std::vector<TestCase> tests;
+    for (const Example& example : readExamples(file)) {
+        const std::string difference = differenceOf(example, evaluator);
+        const std::string calculation = onOneLine(example.calculation);
+        const std::string line = std::to_string(example.line);
+        if (!difference.empty()) writeLine(file + ":" + line + ": " + calculation + "\n  " + difference);
+        tests.push_back({.suite = file, .name = "line " + line + ": " + calculation, .failure = difference});
+    }
+    if (tests.empty()) {
+        const std::string none = "no example";
+        writeLine(file + ": " + none);
+        tests.push_back({.suite = file, .name = file, .failure = none});
+    }
+    return tests;
+}
+
+int runExamples(const ExpectOptions& options) {
+    Evaluator evaluator(options.session);
+    std::vector<TestCase> tests;
+    for (const std::string& file : options.files) {
+        const std::vector<TestCase> ofFile = runFile(file, evaluator);
+        tests.insert(tests.end(), ofFile.begin(), ofFile.end());
+    }
+    if (!options.junit.empty()) writeFile(options.junit, junitReport(tests));
+    const auto failed =
+        std::count_if(tests.begin(), tests.end(), [](const TestCase& test) { return !test.failure.empty(); });
+    writeLine(std::to_string(std::ssize(tests) - failed) + " passed, " + std::to_string(failed) + " failed");
+    return failed == 0 ? kSucceeded : kFailed;
+}
+
+} // namespace
+
+Command addExpect(CLI::App& application) {
+    const auto options = std::make_shared<ExpectOptions>();
+    CLI::App& command = *application.add_subcommand(
+        "expect", "Runs the examples in Markdown and TSV files and prints those whose results differ.");
+    addSessionOptions(command, options->session);
+    command.add_option("--junit", options->junit, "the file for a report in JUnit's XML")->type_name("FILE");
+    command
+        .add_option("file", options->files,
+                    "a Markdown file with ```kestrel blocks, or a TSV file: context, calculation, result")
+        ->type_name("FILE...")
+        ->required();
+    return {.options = &command, .run = [options] { return runExamples(*options); }};
+}
+
+} // namespace host::cli
