@@ -17,9 +17,11 @@ DataRef Variables::value(std::u16string_view name, int repetition) const {
 
 DataRef Variables::lastValue(std::u16string_view name) const {
     const auto variable = values_.find(foldName(name));
-    if (variable != values_.end())
-        for (auto value = variable->second.rbegin(); value != variable->second.rend(); ++value)
+    if (variable != values_.end()) {
+        const auto& repetitions = variable->second.repetitions;
+        for (auto value = repetitions.rbegin(); value != repetitions.rend(); ++value)
             if (!value->second->isEmpty()) return value->second;
+    }
     return std::make_shared<const Data>();
 }
 
