@@ -3,15 +3,20 @@
 #include "host/app/Database.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
+#include "host/calc/CustomFunction.h"
+#include "host/calc/ReservedWords.h"
 #include "host/values/Clock.h"
+#include "host/values/Encoding.h"
 
 #include <array>
+#include <stdexcept>
 #include <utility>
 
 namespace host {
 
 namespace {
 
+constexpr std::string_view kUsualLocale = "en_US";
 constexpr std::size_t mostFonts = 65'000, longestFontName = 1'000;
 
 constexpr int iosPlatform = 3;
@@ -39,6 +44,19 @@ std::u16string installedPlugIns(const Session* session) {
     });
 }
 
+calc::FunctionRows rowsOf(const std::vector<FunctionDefinition>& definitions,
+                          const calc::FunctionTable& functions) {
+    calc::FunctionRows rows;
+    for (const FunctionDefinition& definition : definitions) {
+        const std::u16string name = calc::foldName(definition.name);
+        auto row = calc::rowOf({definition.name, definition.parameters, definition.calculation});
+        const bool isTaken = functions.find(name) != nullptr || calc::reservedWord(name);
+        if (isTaken || !rows.emplace(name, std::move(row)).second)
+            throw std::runtime_error("function " + toUtf8(definition.name) + ": the name is taken");
+    }
+    return rows;
+}
+
 struct Answer {
     std::u16string_view name;
     Data (*value)(const Solution& solution, const Session* session);
@@ -60,6 +78,8 @@ constexpr std::array answers{
 
 File::File(Session& session, std::uint64_t id, Solution solution)
     : session_(&session), id_(id), solution_(std::move(solution)),
+      functions_(rowsOf(solution_.functions, *session.functions())),
+      formats_(formatsOf(solution_.locale.empty() ? kUsualLocale : solution_.locale)),
       database_(std::make_unique<Database>(solution_.schema)) {
     for (const std::u16string& font : solution_.fonts)
         fontId(font);

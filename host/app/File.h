@@ -16,7 +16,8 @@ struct TableNames;
 /// An open file. Session opens and closes files.
 class File final : public calc::FileContext {
 public:
-    /// Throws std::runtime_error when the tables cannot be made.
+    /// Throws std::runtime_error when the tables cannot be made, or a custom function has a name that is
+    /// taken.
     File(Session& session, std::uint64_t id, Solution solution);
     ~File() override;
 
@@ -32,6 +33,8 @@ public:
 
     [[nodiscard]] bool isOpen() const override { return open_; }
     calc::Variables& fileVariables() override { return variables_; }
+    [[nodiscard]] const calc::FunctionRows& customFunctions() const override { return functions_; }
+    [[nodiscard]] const Formats& formats() const override { return *formats_; }
     std::optional<DataRef> get(std::u16string_view name) override;
     std::int64_t localMicros() override;
     std::optional<std::u16string> scriptNames(std::u16string_view fileName) override;
@@ -47,6 +50,8 @@ private:
     Solution solution_;
     bool open_ = true;
     calc::Variables variables_;
+    calc::FunctionRows functions_;
+    const Formats* formats_;
     std::vector<std::u16string> fonts_;
     std::map<std::u16string, std::uint16_t, std::less<>> fontIds_; ///< by folded name
     std::unique_ptr<Database> database_;

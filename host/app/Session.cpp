@@ -3,6 +3,7 @@
 #include "FMWrapper/FMXExtern.h"
 #include "host/app/File.h"
 #include "host/app/PlugIn.h"
+#include "host/calc/Stack.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Encoding.h"
 
@@ -31,6 +32,7 @@ constexpr std::u16string_view fileExtension = u".fmp12";
 Session::Session()
     : id_(nextId()), functions_(std::make_shared<calc::FunctionTable>()),
       topLevel_(std::make_shared<calc::Variables>()), lastError_(std::make_shared<int>(0)) {
+    calc::enlargeStack();
     if (currentSession != nullptr) throw std::logic_error("a process has one session at a time");
     currentSession = this;
     setCurrent(this);
@@ -76,6 +78,7 @@ std::int16_t Session::unregisterFunction(const QuadChar& creator, std::int16_t i
 std::uint64_t Session::open(Solution solution) {
     if (find(solution.name)) throw std::runtime_error("a file named " + toUtf8(solution.name) + " is open");
     files_.push_back(std::make_shared<File>(*this, nextId(), std::move(solution)));
+    useFrontFormats();
     return files_.back()->id();
 }
 
@@ -87,8 +90,17 @@ bool Session::close(std::uint64_t fileId) {
         plugIn->fileShutdown(fileId);
     (*found)->markClosed();
     files_.erase(found);
+    useFrontFormats();
     if (onFileClosed) onFileClosed(fileId);
     return true;
+}
+
+/// Values that are shown outside of a calculation are written as the front file writes them.
+void Session::useFrontFormats() const {
+    if (!files_.empty())
+        setFormats(files_.front()->formats());
+    else
+        resetFormats();
 }
 
 std::vector<std::shared_ptr<File>> Session::files() const { return files_; }

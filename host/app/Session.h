@@ -117,6 +117,7 @@ public:
 
 private:
     [[nodiscard]] std::vector<PlugIn*> enabledPlugIns() const;
+    void useFrontFormats() const;
     void run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file);
 
     std::uint64_t id_;

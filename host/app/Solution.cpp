@@ -1,7 +1,9 @@
 #include "host/app/Solution.h"
 
+#include "host/calc/CustomFunction.h"
 #include "host/calc/Environment.h"
 #include "host/values/Encoding.h"
+#include "host/values/Formats.h"
 
 #include <algorithm>
 #include <fstream>
@@ -88,8 +90,36 @@ public:
         return result;
     }
 
+    /// A name that stands in calculations.
+    std::u16string calculationName(const toml::node& node, const std::string& what) const {
+        std::u16string result = text(node, what);
+        const std::string problem = calc::problemWithName(result);
+        if (!problem.empty()) fail(node.source(), what + " \"" + toUtf8(result) + "\" " + problem);
+        return result;
+    }
+
+    FunctionDefinition function(const toml::node& node) const {
+        const auto* table = node.as_table();
+        if (table == nullptr) fail(node.source(), "function must be a table, [[function]]");
+        checkKeys(*table, {"name", "parameters", "calculation"});
+        const toml::node *functionName = table->get("name"), *calculation = table->get("calculation");
+        if (functionName == nullptr) fail(table->source(), "a function has no name");
+        if (calculation == nullptr) fail(table->source(), "a function has no calculation");
+        FunctionDefinition result{.name = calculationName(*functionName, "a function's name"),
+                                  .parameters = {},
+                                  .calculation = text(*calculation, "a function's calculation")};
+        std::set<std::u16string> seen;
+        if (const toml::node* list = table->get("parameters"))
+            each(*list, "parameters", [&](const toml::node& parameter) {
+                result.parameters.push_back(calculationName(parameter, "a parameter's name"));
+                if (!seen.insert(calc::foldName(result.parameters.back())).second)
+                    fail(parameter.source(), "a parameter of this name stands before");
+            });
+        return result;
+    }
+
     Solution solution(const toml::table& table) const {
-        checkKeys(table, {"name", "user", "account", "fonts", "script"});
+        checkKeys(table, {"name", "user", "account", "locale", "fonts", "function", "script"});
         Solution result;
         if (const toml::node* node = table.get("name")) {
             result.name = name(*node, "name");
@@ -98,9 +128,17 @@ public:
         }
         if (const toml::node* node = table.get("user")) result.user = text(*node, "user");
         if (const toml::node* node = table.get("account")) result.account = text(*node, "account");
+        if (const toml::node* node = table.get("locale")) {
+            result.locale = toUtf8(text(*node, "locale"));
+            if (formatsOf(result.locale) == nullptr)
+                fail(node->source(), "locale \"" + result.locale + "\" is not known");
+        }
         if (const toml::node* node = table.get("fonts"))
             each(*node, "fonts",
                  [&](const toml::node& font) { result.fonts.push_back(name(font, "a font's name")); });
+        if (const toml::node* node = table.get("function"))
+            each(*node, "function",
+                 [&](const toml::node& element) { result.functions.push_back(function(element)); });
         std::set<std::u16string> seen;
         if (const toml::node* node = table.get("script"))
             each(*node, "script", [&](const toml::node& element) {

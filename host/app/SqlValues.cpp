@@ -83,32 +83,38 @@ public:
         return value;
     }
 
+    /// [-]H:MM[:SS[.fraction]]
     std::optional<std::int64_t> micros() {
         constexpr std::size_t mostHourDigits = 9;
-        const bool negative = take(u'-');
+        constexpr std::int64_t sixty = 60;
+        const bool isNegative = take(u'-');
         const auto hour = digits(1, mostHourDigits);
-        if (!hour || !take(u':')) return std::nullopt;
-        const auto minute = digits(2, 2);
-        if (!minute || *minute > 59) return std::nullopt;
-        std::int64_t second = 0, fraction = 0;
-        if (take(u':')) {
-            const auto read = digits(2, 2);
-            if (!read || *read > 59) return std::nullopt;
-            second = *read;
-            if (take(u'.')) {
-                const std::size_t before = rest_.size();
-                const auto parts = digits(1, fractionDigits);
-                if (!parts) return std::nullopt;
-                fraction = *parts;
-                for (std::size_t place = before - rest_.size(); place < fractionDigits; ++place)
-                    fraction *= 10;
-                while (digits(1, 1)) {
-                }
-            }
-        }
-        const std::int64_t total =
-            ((*hour * 60 + *minute) * 60 + second) * DateTime::microsPerSecond + fraction;
-        return negative ? -total : total;
+        const auto minute = hour && take(u':') ? digits(2, 2) : std::nullopt;
+        if (!minute || *minute >= sixty) return std::nullopt;
+        const auto seconds = take(u':') ? secondMicros() : 0;
+        if (!seconds) return std::nullopt;
+        const std::int64_t total = (*hour * sixty + *minute) * sixty * DateTime::microsPerSecond + *seconds;
+        return isNegative ? -total : total;
+    }
+
+    /// SS[.fraction]
+    std::optional<std::int64_t> secondMicros() {
+        const auto second = digits(2, 2);
+        if (!second || *second >= 60) return std::nullopt;
+        const auto micros = take(u'.') ? fractionMicros() : 0;
+        if (!micros) return std::nullopt;
+        return *second * DateTime::microsPerSecond + *micros;
+    }
+
+    /// Digits after the sixth do not count.
+    std::optional<std::int64_t> fractionMicros() {
+        const std::size_t before = rest_.size();
+        auto fraction = digits(1, fractionDigits);
+        if (!fraction) return std::nullopt;
+        for (std::size_t place = before - rest_.size(); place < fractionDigits; ++place)
+            *fraction *= 10;
+        rest_.remove_prefix(std::min(rest_.find_first_not_of(u"0123456789"), rest_.size()));
+        return fraction;
     }
 
 private:

@@ -59,13 +59,14 @@ struct EvaluationRow {
     std::u16string_view name;
     int minimum, maximum;
     DataRef (*implementation)(Evaluation&, std::span<const DataRef>);
+    Form form = Form::values;
 };
 /// A function that evaluates its own arguments.
 struct LazyRow {
     std::u16string_view name;
     int minimum, maximum;
     DataRef (*implementation)(Evaluation&, std::span<const Node* const>);
-    int wordArgument = -1; ///< as in Function
+    Form form = Form::values;
 };
 
 void addRow(FunctionTable& table, const EagerRow& row);

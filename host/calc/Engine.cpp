@@ -3,6 +3,7 @@
 #include "host/calc/BuiltIns.h"
 #include "host/calc/Evaluation.h"
 #include "host/calc/Parser.h"
+#include "host/calc/Problems.h"
 
 #include <array>
 #include <new>
@@ -17,9 +18,10 @@ struct Message {
 };
 constexpr std::array messages{
     Message{error::none, "no error"},
-    Message{error::outOfRange, "value out of range"},
     Message{error::unavailable, "command is unavailable"},
+    Message{error::outOfRange, "value out of range"},
     Message{error::missingFile, "file is missing"},
+    Message{error::missingRecord, "record is missing"},
     Message{error::missingField, "field is missing"},
     Message{error::missingScript, "script is missing"},
     Message{error::unspecific, "unspecific calculation error"},
@@ -33,27 +35,16 @@ constexpr std::array messages{
     Message{error::functionNotFound, "operator missing or function not found"},
     Message{error::nameMissing, "name is missing"},
     Message{error::alreadyRegistered, "plug-in function is already registered"},
-    Message{error::listNotAllowed, "list usage is not allowed here"},
+    Message{error::listNotAllowed, "list usage is not allowed in this function"},
     Message{error::operatorExpected, "an operator is expected here"},
-    Message{error::alreadyDefined, "variable is already defined in Let"},
-    Message{error::fieldExpected, "function parameter holds an expression where a field is required"},
-    Message{error::unknownKeyword, "keyword is unknown"},
+    Message{error::fieldExpected, "a parameter must be a field, not an expression"},
+    Message{error::invalidGetParameter, "the parameter of Get is invalid"},
+    Message{error::unreadableNumber, "the number cannot be evaluated"},
+    Message{error::notImplemented, "the function is not implemented"},
+    Message{error::notSupported, "the function is not supported in this context"},
     Message{8309, "SQL statement was refused"},
     Message{8310, "syntax error in SQL statement"},
 };
-
-/// Does `action` and gives its error code; memory that runs out is 1200, like all that is not an `Error`.
-template<typename Work>
-int guarded(const Work& work) {
-    try {
-        work();
-        return error::none;
-    } catch (const Error& error) {
-        return error.code;
-    } catch (...) {
-        return error::unspecific;
-    }
-}
 
 template<typename Row>
 Function function(const Row& row) {
@@ -103,13 +94,14 @@ void addRow(FunctionTable& table, const EagerRow& row) {
 void addRow(FunctionTable& table, const EvaluationRow& row) {
     Function added = function(row);
     added.eager = row.implementation;
+    added.form = row.form;
     table.add(std::move(added));
 }
 
 void addRow(FunctionTable& table, const LazyRow& row) {
     Function added = function(row);
     added.lazy = row.implementation;
-    added.wordArgument = row.wordArgument;
+    added.form = row.form;
     table.add(std::move(added));
 }
 
@@ -141,38 +133,50 @@ std::shared_ptr<const Function> FunctionTable::find(std::u16string_view name) co
     return row == rows_.end() ? nullptr : row->second;
 }
 
-Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions) {
+Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file) {
     Parsed parsed;
-    parsed.error = guarded([&] {
-        Parser parser(source, std::move(functions));
+    try {
+        Parser parser(source, functions, file);
         try {
             parsed.expression = parser.parse();
-        } catch (const Error&) {
-            parsed.problem.position = parser.position();
-            throw;
+        } catch (const Error& error) {
+            parsed.error = error.code;
+            parsed.problem = problemOf(error, parser, source, *functions, file);
         }
-    });
+    } catch (...) {
+        parsed.error = error::unspecific;
+    }
     return parsed;
 }
 
 Result evaluate(const Expression& expression, const Environment& environment) {
     Result result{.error = error::missingFile, .value = emptyResult(), .problem = {}};
     if (!environment.file || !environment.file->isOpen()) return result;
-    result.error = guarded([&] {
+    try {
         const Work work;
+        const FormatsScope formats(environment.file->formats());
         Environment scope = environment;
         if (!scope.locals) scope.locals = std::make_shared<Variables>();
-        result.value = Evaluation(scope, expression.functions).run(expression);
-    });
+        Evaluation evaluation(scope, expression.functions);
+        try {
+            result.value = evaluation.run(expression);
+            if (evaluation.isUnending()) result.value = questionMark();
+            result.error = error::none;
+        } catch (const Error& error) {
+            result.error = error.code;
+            result.problem = problemOf(error, evaluation.failedCall(), expression.source);
+        }
+    } catch (...) {
+        result.error = error::unspecific;
+    }
     return result;
 }
 
 Result evaluate(std::u16string_view source, const Environment& environment,
                 std::shared_ptr<const FunctionTable> functions) {
-    const Parsed parsed = parse(source, std::move(functions));
-    if (parsed.error != error::none)
-        return {.error = parsed.error, .value = emptyResult(), .problem = parsed.problem};
-    return evaluate(*parsed.expression, environment);
+    Parsed parsed = parse(source, std::move(functions), environment.file.get());
+    if (parsed.error == error::none) return evaluate(*parsed.expression, environment);
+    return {.error = parsed.error, .value = emptyResult(), .problem = std::move(parsed.problem)};
 }
 
 } // namespace host::calc

@@ -15,25 +15,38 @@
 
 namespace host::calc {
 
-/// Codes an evaluation answers. Calculation code throws `Error`; nothing else leaves `parse` and `evaluate`.
+/// Codes of failures. Calculation code throws `Error`; no exception leaves `parse` and `evaluate`.
 namespace error {
-inline constexpr int none = 0, unavailable = 3, missingFile = 100, missingField = 102, missingScript = 104,
-                     outOfRange = 14, unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
-                     unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
-                     unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
-                     nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
-                     operatorExpected = 1212, alreadyDefined = 1213, fieldExpected = 1214,
-                     unknownKeyword = 1218;
+inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 100, missingRecord = 101,
+                     missingField = 102, missingScript = 104, unspecific = 1200, tooFewParameters = 1201,
+                     tooManyParameters = 1202, unexpectedEnd = 1203, operandExpected = 1204,
+                     unterminatedComment = 1205, unterminatedText = 1206, unbalancedParenthesis = 1207,
+                     functionNotFound = 1208, nameMissing = 1209, alreadyRegistered = 1210,
+                     listNotAllowed = 1211, operatorExpected = 1212, fieldExpected = 1214,
+                     invalidGetParameter = 1215, unreadableNumber = 1218, notImplemented = 1223,
+                     notSupported = 1225;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
 std::string_view errorMessage(int code);
 
 struct Error {
     int code;
+    std::string message{}; ///< UTF-8, for people; empty: `errorMessage` of the code says it all
 };
 
 struct Node;      // the parsed tree
 class Evaluation; // one run of it
+
+/// How the parameters of a function are written.
+enum class Form : std::uint8_t {
+    values,     ///< calculations
+    word,       ///< one bare word, the name that Get asks for
+    triggers,   ///< a list in brackets is read and dropped
+    assignment, ///< Let ( [ name = value ; … ] ; calculation )
+    loop        ///< While ( [ name = value ; … ] ; condition ; [ name = value ; … ] ; calculation )
+};
+
+class CustomFunction;
 
 /// A row of the function table.
 struct Function {
@@ -44,14 +57,16 @@ struct Function {
 
     std::u16string name; ///< as it is displayed
     int minimum = 0;
-    int maximum = 0; ///< -1: no upper limit
-    Eager eager;     ///< one of the two is set
-    Lazy lazy;
-    /// The argument (from 0) that holds bare words joined by "+" instead of a value; -1: none has.
-    int wordArgument = -1;
+    int maximum = 0;  ///< -1: no upper limit
+    Eager eager = {}; ///< one of the three is set
+    Lazy lazy = {};
+    std::shared_ptr<const CustomFunction> custom = {};
+    Form form = Form::values;
     /// The number of arguments that may stand together in brackets, `[ a ; b ]`; they count and come one by
     /// one. 0: none may.
     int listSize = 0;
+    /// Of a function of the form `word`: whether it has a value for a folded word.
+    bool (*knowsWord)(FileContext& file, std::u16string_view word) = nullptr;
     /// Set by the table that has withdrawn the row.
     mutable bool withdrawn = false;
 };
@@ -91,8 +106,9 @@ struct Parsed {
     ExpressionRef expression; ///< null on an error
 };
 /// Nesting deeper than 400 levels answers 1200. An empty or blank source is a calculation with an empty
-/// result.
-Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions);
+/// result. Custom functions are those of `file`, which may be null.
+Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions,
+             FileContext* file = nullptr);
 
 struct Result {
     int error = 0;

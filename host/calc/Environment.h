@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/values/Data.h"
+#include "host/values/Formats.h"
 
 #include <cstdint>
 #include <functional>
@@ -42,12 +43,20 @@ struct SqlAnswer {
     RowVect rows;
 };
 
+struct Function;
+/// Functions by folded name.
+using FunctionRows = std::map<std::u16string, std::shared_ptr<const Function>, std::less<>>;
+
 /// The file a calculation runs in, as the engine sees it.
 class FileContext {
 public:
     virtual ~FileContext() = default;
     [[nodiscard]] virtual bool isOpen() const = 0;
     virtual Variables& fileVariables() = 0;
+    /// How the file writes numbers, dates and times.
+    [[nodiscard]] virtual const Formats& formats() const = 0;
+    /// The functions that the file's solution defines.
+    [[nodiscard]] virtual const FunctionRows& customFunctions() const = 0;
     /// The value of Get ( name ), whose name comes folded; nothing when there is no such name. The engine
     /// itself answers ScriptName, ScriptParameter, LastError and the clock's names.
     virtual std::optional<DataRef> get(std::u16string_view name) = 0;
@@ -69,8 +78,8 @@ struct ScriptFrame {
     DataRef parameter;
 };
 
-/// Where a calculation is evaluated: session, file, variables, script. This is what stands behind
-/// fmx::ExprEnv, so that what a plug-in evaluates sees the caller's variables. Copies share the variables.
+/// Where a calculation is evaluated: session, file, variables, script. Plug-ins get it as fmx::ExprEnv, so
+/// that the calculations that they evaluate see the caller's variables. Copies share the variables.
 struct Environment {
     std::uint64_t sessionId = 0;
     std::uint64_t fileId = 0;

@@ -1,10 +1,13 @@
 #include "host/calc/Evaluation.h"
 
 #include "host/calc/BuiltIns.h"
+#include "host/calc/CustomFunction.h"
 #include "host/calc/Operators.h"
 #include "host/calc/Parser.h"
+#include "host/calc/Stack.h"
 
 #include <atomic>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -12,7 +15,7 @@ namespace host::calc {
 
 namespace {
 
-/// What the evaluations of this thread occupy together.
+/// The evaluations of this thread together.
 struct Occupied {
     int evaluations = 0, levels = 0;
     std::size_t steps = 0; ///< of the innermost calculation
@@ -27,6 +30,19 @@ static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
     occupied.isExhausted = true;
     throw Exhausted();
 }
+
+/// Another value while it lives.
+class Restored {
+public:
+    Restored(bool& place, bool value) : place_(place), outer_(std::exchange(place, value)) {}
+    ~Restored() { place_ = outer_; }
+    Restored(const Restored&) = delete;
+    Restored& operator=(const Restored&) = delete;
+
+private:
+    bool& place_;
+    bool outer_;
+};
 
 void chargeFor(const Data& value) {
     if (value.nativeType() == DataType::text) Work::chargeText(value.asText().size());
@@ -59,42 +75,69 @@ void Work::charge(std::size_t steps) {
     if (occupied.isExhausted || occupied.steps > kMostSteps || areCalculationsStopped()) exhaust();
 }
 
+/// The names of a custom function while it runs: those of its caller are out of sight.
+class Evaluation::Frame {
+public:
+    explicit Frame(Evaluation& evaluation)
+        : evaluation_(evaluation), names_(evaluation),
+          outerFirst_(std::exchange(evaluation.firstOfFrame_, evaluation.bindings_.size())),
+          outerRecursion_(evaluation.settings_.recursion) {}
+    ~Frame() {
+        evaluation_.firstOfFrame_ = outerFirst_;
+        evaluation_.settings_.recursion = outerRecursion_;
+    }
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+private:
+    Evaluation& evaluation_;
+    Scope names_;
+    std::size_t outerFirst_;
+    std::int64_t outerRecursion_;
+};
+
 DataRef Evaluation::run(const Expression& expression) {
     const Nesting nesting(expression.levels);
     return expression.root == nullptr ? emptyResult() : evaluate(*expression.root);
 }
 
 ExpressionRef Evaluation::parseHere(std::u16string_view source) const {
-    Work::charge(source.size() + bindings_.size());
     std::vector<std::u16string_view> names;
-    names.reserve(bindings_.size());
-    for (const Binding& binding : bindings_)
-        names.push_back(binding.name);
-    return Parser(source, functions_, names).parse();
+    names.reserve(bindings_.size() - firstOfFrame_);
+    for (std::size_t i = firstOfFrame_; i < bindings_.size(); ++i)
+        names.push_back(bindings_[i].name);
+    Work::charge(source.size() + names.size());
+    return Parser(source, functions_, environment_.file.get(), names).parse();
 }
 
-DataRef Evaluation::evaluate(const Node& node) {
+DataRef Evaluation::failed(int code) {
+    setInnerError(code);
+    return questionMark();
+}
+
+DataRef Evaluation::evaluate(const Node& node, bool isTail) {
     Work::charge();
+    if (isUnending_) return questionMark();
     switch (node.kind) {
     case Node::Kind::literal: return precise(node.value);
-    case Node::Kind::binding: return precise(bindings_.at(node.slot).value);
+    case Node::Kind::binding: return precise(bindingOf(node).value);
     case Node::Kind::variable: return precise(variable(node));
     case Node::Kind::chain: return chain(node);
-    case Node::Kind::negate: return negated(*evaluate(*node.children[0]), precision_);
+    case Node::Kind::negate: return negated(*evaluate(*node.children[0]), precision());
     case Node::Kind::logicalNot: return booleanResult(!evaluate(*node.children[0])->asBoolean());
-    case Node::Kind::call: return call(node);
+    case Node::Kind::call: return call(node, isTail);
     case Node::Kind::assignment:
-    case Node::Kind::words: break;
+    case Node::Kind::word: break;
     }
     throw Error{error::unspecific};
 }
 
 /// Numbers join a calculation with the precision that it asks for.
 DataRef Evaluation::precise(DataRef value) const {
-    if (precision_ == Decimal::minimumPrecision || value->nativeType() != DataType::number) return value;
+    if (precision() == Decimal::minimumPrecision || value->nativeType() != DataType::number) return value;
     auto number = value->number();
-    if (!number || number->precision() >= precision_) return value;
-    number->setPrecision(precision_);
+    if (!number || number->precision() >= precision()) return value;
+    number->setPrecision(precision());
     return numberResult(std::move(*number));
 }
 
@@ -110,14 +153,19 @@ DataRef Evaluation::variable(const Node& node) {
 void Evaluation::assign(const Node& assignment) {
     if (assignment.kind != Node::Kind::assignment) throw Error{error::unspecific};
     DataRef value = evaluate(*assignment.children[0]);
+    if (assignment.rebinds) {
+        bindingOf(assignment).value = std::move(value);
+        return;
+    }
     if (!assignment.isVariable) {
         bindings_.push_back({.name = assignment.name, .value = std::move(value)});
         return;
     }
     const int repetition =
         assignment.children.size() < 2 ? 1 : evaluate(*assignment.children[1])->asNumber().toInt32();
+    if (isUnending_) return;
     if (!variables(assignment).set(assignment.name, repetition, std::move(value)))
-        throw Error{error::outOfRange};
+        throw Error{error::outOfRange, "a variable has no such repetition"};
 }
 
 DataRef Evaluation::chain(const Node& node) {
@@ -126,11 +174,11 @@ DataRef Evaluation::chain(const Node& node) {
     for (std::size_t i = 0; i < node.operators.size(); ++i) {
         const Operator op = node.operators[i];
         const Node& next = *node.children[i + 1];
-        // The second side of `and` and `or` is not looked at when the first decides.
+        // The right side of `and` and `or` is not evaluated when the left side decides.
         const bool isDecided = (op == Operator::logicalAnd && !result->asBoolean()) ||
                                (op == Operator::logicalOr && result->asBoolean());
         result = isDecided ? booleanResult(op == Operator::logicalOr)
-                           : applyOperator(op, *result, *evaluate(next), precision_);
+                           : applyOperator(op, *result, *evaluate(next), precision());
     }
     return result;
 }
@@ -146,31 +194,77 @@ DataRef Evaluation::joined(const Node& node) {
     return textResult(std::move(text));
 }
 
-DataRef Evaluation::call(const Node& node) {
+DataVect Evaluation::evaluated(const Node& call) {
+    DataVect arguments;
+    arguments.reserve(call.children.size());
+    for (const Node* child : call.children) {
+        arguments.push_back(evaluate(*child));
+        chargeFor(*arguments.back());
+    }
+    return arguments;
+}
+
+DataRef Evaluation::call(const Node& node, bool isTail) {
+    try {
+        if (!node.function->custom) return callBuiltIn(node, isTail);
+        if (!isTail) return callCustom(node);
+        waitingArguments_ = evaluated(node);
+        waiting_ = node.function.get();
+        return nullptr;
+    } catch (const std::overflow_error&) {
+        return questionMark();
+    } catch (const Error&) {
+        if (failedCall_ == nullptr) failedCall_ = &node;
+        throw;
+    }
+}
+
+DataRef Evaluation::callBuiltIn(const Node& node, bool isTail) {
     const Function& function = *node.function;
     if (function.withdrawn) throw Error{error::functionNotFound};
     DataRef result;
-    try {
-        if (function.lazy) {
-            result = function.lazy(*this, node.children);
-        } else {
-            DataVect arguments;
-            arguments.reserve(node.children.size());
-            for (const Node* child : node.children) {
-                arguments.push_back(evaluate(*child));
-                chargeFor(*arguments.back());
-            }
-            // An argument may have withdrawn the function it is meant for.
-            if (function.withdrawn) throw Error{error::functionNotFound};
-            result = function.eager(*this, arguments);
-        }
-    } catch (const std::overflow_error&) {
-        return questionMark();
+    if (function.lazy) {
+        const Restored tail(isTail_, isTail);
+        result = function.lazy(*this, node.children);
+        if (waiting_ != nullptr) return nullptr;
+    } else {
+        const DataVect arguments = evaluated(node);
+        if (isUnending_) return questionMark();
+        // An argument may have withdrawn the function it is meant for.
+        if (function.withdrawn) throw Error{error::functionNotFound};
+        result = function.eager(*this, arguments);
     }
     if (!result) return emptyResult();
     if (result->nativeType() == DataType::text) checkTextSize(result->asText().size());
     chargeFor(*result);
     return result;
+}
+
+/// The place of a failure within is the call: the function's own calculation is not what people look at.
+DataRef Evaluation::callCustom(const Node& node) {
+    try {
+        return runCustom(*node.function, evaluated(node));
+    } catch (const Error&) {
+        failedCall_ = &node;
+        throw;
+    }
+}
+
+/// Runs a custom function, and those that it hands its result over to.
+DataRef Evaluation::runCustom(const Function& function, DataVect arguments) {
+    const Frame frame(*this);
+    for (const Function* running = &function;;) {
+        if (++settings_.recursion > settings_.recursionLimit || !hasStack()) isUnending_ = true;
+        if (isUnending_) return questionMark();
+        const ExpressionRef body = running->custom->expression(functions_, *environment_.file);
+        bindings_.resize(firstOfFrame_);
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            bindings_.push_back({running->custom->parameters()[i], std::move(arguments[i])});
+        DataRef result = body->root == nullptr ? emptyResult() : evaluate(*body->root, true);
+        running = std::exchange(waiting_, nullptr);
+        if (running == nullptr) return result;
+        arguments = std::move(waitingArguments_);
+    }
 }
 
 } // namespace host::calc

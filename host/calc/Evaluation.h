@@ -4,21 +4,22 @@
 #include "host/calc/Node.h"
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
-/// One run of a calculation: what its functions see of the place they run in, and what bounds them.
+/// One run of a calculation: its surroundings, as functions see them, and its limits.
 
 namespace host::calc {
 
 /// Thrown where a calculation may not go on at all: too many evaluations on top of each other, or too much
-/// work. No function that looks at errors swallows it, and whatever a plug-in makes of it, the evaluations
-/// around go no further either, so that one calculation cannot try again and again.
+/// work. No function that looks at errors swallows it. The evaluations around it end as well, also where a
+/// plug-in stands between them, so that one calculation cannot try again and again.
 struct Exhausted : Error {
-    Exhausted() : Error{error::unspecific} {}
+    Exhausted() : Error{error::unspecific, "the calculation does too much work"} {}
 };
 
-/// What an evaluation occupies of the thread's stack while it lives, evaluations that plug-ins start in
-/// between included. Throws `Exhausted` when there is no room for another.
+/// The part of the thread's stack that an evaluation occupies while it lives, evaluations that plug-ins start
+/// in between included. Throws `Exhausted` when there is no room for another.
 class Nesting {
 public:
     static constexpr int kMostEvaluations = 100, kMostLevels = 500;
@@ -31,8 +32,8 @@ private:
     int levels_;
 };
 
-/// The work that a calculation may do: each that is evaluated from outside has its own, and what it evaluates
-/// itself takes part in it.
+/// The work that a calculation may do. Each calculation that is evaluated from outside has its own; those
+/// that it evaluates itself share it.
 class Work {
 public:
     static constexpr std::size_t kMostSteps = 4'000'000;
@@ -52,6 +53,9 @@ private:
 
 class Evaluation {
 public:
+    /// Turns of a While and calls of a recursion, unless SetRecursion says otherwise.
+    static constexpr std::int64_t kUsualRecursion = 50'000;
+
     Evaluation(const Environment& environment, std::shared_ptr<const FunctionTable> functions)
         : environment_(environment), functions_(std::move(functions)) {}
 
@@ -60,20 +64,24 @@ public:
     [[nodiscard]] const std::shared_ptr<const FunctionTable>& functions() const { return functions_; }
 
     /// The value of a part of the calculation; never null. Throws `Error`.
-    DataRef evaluate(const Node& node);
+    DataRef evaluate(const Node& node) { return evaluate(node, false); }
+    /// The same for the part whose value is the whole result of the function that runs. A custom function
+    /// that is called there takes the place of the one that calls, so that it needs no stack. The value may
+    /// then be null; it is to be given on as it is.
+    DataRef result(const Node& node) { return evaluate(node, isTail_); }
     /// Evaluates a whole calculation, which sees the names bound so far.
     DataRef run(const Expression& expression);
     /// Parses a calculation that is to see the names bound so far; throws `Error`.
     [[nodiscard]] ExpressionRef parseHere(std::u16string_view source) const;
 
-    /// Names that a Let has bound, innermost last.
+    /// Names that Let, While and calls of custom functions have bound, innermost last.
     struct Binding {
         std::u16string_view name;
         DataRef value;
     };
     /// Binds the name of an assignment, or sets its variable, for the rest of the enclosing `Scope`.
     void assign(const Node& assignment);
-    /// Takes back what was bound since it was made.
+    /// Takes back the names that were bound since it was made.
     class Scope {
     public:
         explicit Scope(Evaluation& evaluation)
@@ -87,27 +95,73 @@ public:
         std::size_t size_;
     };
 
-    /// Digits behind the point that operations keep at least.
-    [[nodiscard]] int precision() const { return precision_; }
-    void setPrecision(int precision) { precision_ = precision; }
+    /// Settings that a function may change for the part that it evaluates.
+    struct Settings {
+        int precision = Decimal::minimumPrecision; ///< digits after the point that operations keep at least
+        std::int64_t recursionLimit = kUsualRecursion;
+        std::int64_t recursion = 0; ///< calls of custom functions on top of each other
+    };
+    [[nodiscard]] const Settings& settings() const { return settings_; }
+    [[nodiscard]] int precision() const { return settings_.precision; }
+    /// Other settings while it lives.
+    class Change {
+    public:
+        Change(Evaluation& evaluation, const Settings& wanted)
+            : evaluation_(evaluation), outer_(std::exchange(evaluation.settings_, wanted)) {}
+        ~Change() { evaluation_.settings_ = outer_; }
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
 
-    /// The code of an Evaluate that failed since this was last cleared; such a failure is a "?", no error.
+    private:
+        Evaluation& evaluation_;
+        Settings outer_;
+    };
+
+    /// Whether custom functions called each other more often than the recursion limit allows, or than the
+    /// stack has room for. All that is evaluated from then on is "?", until a function takes the flag back.
+    [[nodiscard]] bool isUnending() const { return isUnending_; }
+    bool takeUnending() { return std::exchange(isUnending_, false); }
+
+    /// The code of a part that failed since this was last cleared, without ending the calculation.
     [[nodiscard]] int innerError() const { return innerError_; }
     void setInnerError(int code) { innerError_ = code; }
+    /// The "?" of a part that failed, whose code EvaluationError then gives.
+    DataRef failed(int code);
+
+    /// The innermost call that an `Error` passed through; null when there was none.
+    [[nodiscard]] const Node* failedCall() const { return failedCall_; }
+    /// To be called by a function that catches an `Error`.
+    void forgetFailedCall() { failedCall_ = nullptr; }
 
 private:
+    class Frame;
+
+    DataRef evaluate(const Node& node, bool isTail);
     DataRef variable(const Node& node);
     DataRef chain(const Node& node);
     DataRef joined(const Node& node);
-    DataRef call(const Node& node);
+    DataRef call(const Node& node, bool isTail);
+    DataRef callBuiltIn(const Node& node, bool isTail);
+    DataRef callCustom(const Node& node);
+    DataRef runCustom(const Function& function, DataVect arguments);
+    DataVect evaluated(const Node& call);
+    Binding& bindingOf(const Node& node) { return bindings_.at(firstOfFrame_ + node.slot); }
     [[nodiscard]] Variables& variables(const Node& node) const;
     [[nodiscard]] DataRef precise(DataRef value) const;
 
     const Environment& environment_;
     std::shared_ptr<const FunctionTable> functions_;
     std::vector<Binding> bindings_;
-    int precision_ = Decimal::minimumPrecision;
+    std::size_t firstOfFrame_ = 0; ///< where the names of the custom function that runs begin
+    Settings settings_;
+    bool isUnending_ = false;
     int innerError_ = error::none;
+    const Node* failedCall_ = nullptr;
+    /// Whether the value of the lazy function that runs is the result of the custom function around it.
+    bool isTail_ = false;
+    /// A call that takes the place of the custom function that runs; null when none waits.
+    const Function* waiting_ = nullptr;
+    DataVect waitingArguments_;
 };
 
 } // namespace host::calc

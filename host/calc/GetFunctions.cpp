@@ -1,5 +1,6 @@
 #include "host/calc/BuiltIns.h"
 
+#include <algorithm>
 #include <array>
 #include <random>
 
@@ -65,13 +66,21 @@ constexpr std::array answers{
     Answer{u"uuid", uuid},
 };
 
+const Answer* answerNamed(std::u16string_view name) {
+    const auto* answer =
+        std::find_if(answers.begin(), answers.end(), [name](const Answer& row) { return row.name == name; });
+    return answer == answers.end() ? nullptr : answer;
+}
+
+bool knowsGet(FileContext& file, std::u16string_view name) {
+    return answerNamed(name) != nullptr || file.get(name).has_value();
+}
+
 DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
-    const std::vector<std::u16string>& words = arguments[0]->words;
-    if (words.size() != 1) throw Error{error::unknownKeyword};
-    for (const Answer& answer : answers)
-        if (answer.name == words[0]) return answer.value(evaluation);
-    const std::optional<DataRef> value = evaluation.file().get(words[0]);
-    if (!value) throw Error{error::unknownKeyword};
+    const std::u16string& name = arguments[0]->name;
+    if (const Answer* answer = answerNamed(name)) return answer->value(evaluation);
+    const std::optional<DataRef> value = evaluation.file().get(name);
+    if (!value) throw Error{error::invalidGetParameter};
     return *value;
 }
 
@@ -106,9 +115,6 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     return textResult(std::move(result));
 }
 
-constexpr std::array lazyRows{
-    LazyRow{.name = u"Get", .minimum = 1, .maximum = 1, .implementation = get, .wordArgument = 0},
-};
 constexpr std::array evaluationRows{
     EvaluationRow{u"ScriptNames", 1, 1, scriptNames},
     EvaluationRow{u"DatabaseNames", 0, 0, databaseNames},
@@ -118,7 +124,8 @@ constexpr std::array evaluationRows{
 } // namespace
 
 void addGetFunctions(FunctionTable& table) {
-    addRows(table, lazyRows);
+    table.add(
+        {.name = u"Get", .minimum = 1, .maximum = 1, .lazy = get, .form = Form::word, .knowsWord = knowsGet});
     addRows(table, evaluationRows);
 }
 

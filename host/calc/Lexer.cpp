@@ -41,26 +41,55 @@ constexpr std::array symbols{
     Symbol{u";", Token::Kind::semicolon},
 };
 
-constexpr std::array keywords{
-    Symbol{u"not", Token::Kind::logicalNot},
-    Symbol{u"and", Token::Kind::op, Operator::logicalAnd},
-    Symbol{u"or", Token::Kind::op, Operator::logicalOr},
-    Symbol{u"xor", Token::Kind::op, Operator::logicalXor},
+struct Keyword {
+    std::u16string_view text; ///< folded
+    Token::Kind kind;
+    Operator op = {};
+    std::u16string_view digits = {};
 };
+constexpr std::array keywords{
+    Keyword{u"not", Token::Kind::logicalNot},
+    Keyword{u"and", Token::Kind::op, Operator::logicalAnd},
+    Keyword{u"or", Token::Kind::op, Operator::logicalOr},
+    Keyword{u"xor", Token::Kind::op, Operator::logicalXor},
+    Keyword{u"true", Token::Kind::number, {}, u"1"},
+    Keyword{u"false", Token::Kind::number, {}, u"0"},
+};
+constexpr std::size_t longestKeyword = 5;
+
+/// Null for a word that is no keyword.
+const Keyword* keywordIn(std::u16string_view word) {
+    if (word.size() > longestKeyword) return nullptr;
+    const std::u16string folded = foldName(word);
+    const auto* row = std::find_if(keywords.begin(), keywords.end(),
+                                   [&](const Keyword& keyword) { return keyword.text == folded; });
+    return row == keywords.end() ? nullptr : row;
+}
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-/// Letters of any script with their marks, the underscore, and what joins the parts of a name.
-bool isNameStart(UChar32 point) { return u_isalpha(point) != 0 || point == '_' || point == '~'; }
-bool isNamePart(UChar32 point) {
-    return isNameStart(point) || u_isdigit(point) != 0 || (U_GET_GC_MASK(point) & U_GC_M_MASK) != 0 ||
-           point == '.';
-}
+/// The signs of the language, and the quotation marks that word processors put in place of its own.
+constexpr std::u16string_view reserved = u"\x7F,+-*/\\^&=≠><≤≥()[]{}\";:$¶“”„‟";
 
-Token made(Token::Kind kind, std::u16string text = {}, Operator op = {}) {
+constexpr std::array<bool, 128> asciiNameParts = [] {
+    std::array<bool, 128> parts{};
+    for (char16_t unit = u'!'; unit < parts.size(); ++unit)
+        parts[unit] = reserved.find(unit) == std::u16string_view::npos;
+    return parts;
+}();
+
+/// Any sign that is not reserved may stand in a name.
+bool isNamePart(UChar32 point) {
+    if (point < 0x80) return asciiNameParts[static_cast<std::size_t>(point)];
+    return u_isgraph(point) != 0 &&
+           (point > 0xFFFF || reserved.find(static_cast<char16_t>(point)) == std::u16string_view::npos);
+}
+bool isNameStart(UChar32 point) { return point != '.' && u_isdigit(point) == 0 && isNamePart(point); }
+
+Token made(Token::Kind kind, std::u16string_view text = {}, Operator op = {}) {
     Token token;
     token.kind = kind;
-    token.text = std::move(text);
+    token.text = text;
     token.op = op;
     return token;
 }
@@ -87,27 +116,24 @@ void Lexer::skipBlanks() {
 Token Lexer::next() {
     skipBlanks();
     start_ = at_;
-    Token token;
-    if (at_ < source_.size()) {
-        UChar32 point = 0;
-        std::size_t ahead = at_;
-        U16_NEXT(source_.data(), ahead, source_.size(), point);
-        if (unit() == u'"')
-            token = quoted();
-        else if (isDigit(unit()) || (unit() == u'.' && isDigit(unit(1))))
-            token = number();
-        else if (unit() == u'$')
-            token = variable();
-        else if (isNameStart(point))
-            token = word();
-        else
-            token = symbol();
-    }
+    Token token = at_ < source_.size() ? read() : Token();
     token.position = position();
+    token.length = static_cast<std::uint32_t>(at_ - start_);
     return token;
 }
 
-Token Lexer::quoted() {
+Token Lexer::read() {
+    if (unit() == u'"') return quotedText();
+    if (isDigit(unit()) || (unit() == u'.' && isDigit(unit(1)))) return number();
+    if (sees(u"${")) return name();
+    if (unit() == u'$') return variable();
+    UChar32 point = 0;
+    std::size_t ahead = at_;
+    U16_NEXT(source_.data(), ahead, source_.size(), point);
+    return isNameStart(point) ? name() : symbol();
+}
+
+Token Lexer::quotedText() {
     Token token = made(Token::Kind::text);
     for (++at_; at_ < source_.size(); ++at_) {
         char16_t character = unit();
@@ -115,10 +141,15 @@ Token Lexer::quoted() {
             ++at_;
             return token;
         }
-        if (character == u'\\' && (unit(1) == u'"' || unit(1) == u'\\'))
-            character = source_[++at_];
-        else if (character == u'¶')
+        const char16_t after = unit(1);
+        if (character == u'\\' && (after == u'"' || after == u'\\' || after == u'¶')) {
+            character = after;
+            ++at_;
+        } else if (character == u'¶' || character == u'\n') {
             character = u'\r';
+        } else if (character == u'\r' && after == u'\n') {
+            ++at_; // A line that ends with two characters is one return.
+        }
         token.text += character;
     }
     throw Error{error::unterminatedText};
@@ -139,23 +170,42 @@ Token Lexer::number() {
         at_ += isSigned ? 2 : 1;
         digits();
     }
-    return made(Token::Kind::number, std::u16string(source_.substr(start_, at_ - start_)));
+    return made(Token::Kind::number, source_.substr(start_, at_ - start_));
 }
 
-std::u16string Lexer::nameHere() {
-    const std::size_t first = at_;
-    while (at_ < source_.size()) {
+/// The end of the characters of a name from a position on, which is that position where none stand.
+std::size_t Lexer::wordEnd(std::size_t from) const {
+    while (from < source_.size()) {
         UChar32 point = 0;
-        std::size_t ahead = at_;
+        std::size_t ahead = from;
         U16_NEXT(source_.data(), ahead, source_.size(), point);
-        // A field is named by its table's name, two colons and its own.
-        if (sees(u"::"))
-            ahead = at_ + 2;
-        else if (!isNamePart(point))
-            break;
-        at_ = ahead;
+        if (!isNamePart(point)) break;
+        from = ahead;
+    }
+    return from;
+}
+
+/// Words with blanks between them; a keyword ends the name before it. Empty where no word stands.
+std::u16string Lexer::plainName() {
+    const std::size_t first = at_;
+    at_ = wordEnd(first);
+    for (std::size_t end = at_; end < source_.size();) {
+        const std::size_t next = std::min(source_.find_first_not_of(u' ', end), source_.size());
+        end = wordEnd(next);
+        if (next == at_ || end == next || keywordIn(source_.substr(next, end - next)) != nullptr) break;
+        at_ = end;
     }
     return std::u16string(source_.substr(first, at_ - first));
+}
+
+/// `${name}`: any characters but a closing brace.
+std::u16string Lexer::quotedName() {
+    const std::size_t first = at_ + 2;
+    const std::size_t close = source_.find(u'}', first);
+    if (close == std::u16string_view::npos) throw Error{error::unexpectedEnd};
+    at_ = close + 1;
+    if (close == first) throw Error{error::nameMissing};
+    return std::u16string(source_.substr(first, close - first));
 }
 
 Token Lexer::variable() {
@@ -165,17 +215,27 @@ Token Lexer::variable() {
         token.ofFile = true;
         ++at_;
     }
-    token.text = nameHere();
+    token.text = plainName();
     if (token.text.empty()) throw Error{error::nameMissing};
     return token;
 }
 
-Token Lexer::word() {
-    Token token = made(Token::Kind::name, nameHere());
-    if (token.text.size() > 3) return token;
-    const std::u16string folded = foldName(token.text);
-    for (const Symbol& keyword : keywords)
-        if (keyword.text == folded) return made(keyword.kind, {}, keyword.op);
+Token Lexer::name() {
+    const std::size_t firstEnd = wordEnd(at_);
+    if (const Keyword* keyword = keywordIn(source_.substr(at_, firstEnd - at_))) {
+        at_ = firstEnd;
+        return made(keyword->kind, keyword->digits, keyword->op);
+    }
+    Token token = made(Token::Kind::name);
+    token.isQuoted = sees(u"${");
+    token.text = token.isQuoted ? quotedName() : plainName();
+    if (!sees(u"::")) return token;
+    at_ += 2;
+    token.isQualified = true;
+    token.table = std::move(token.text);
+    token.isQuoted = sees(u"${");
+    token.text = token.isQuoted ? quotedName() : plainName();
+    if (token.text.empty()) throw Error{error::nameMissing};
     return token;
 }
 
@@ -190,7 +250,7 @@ Token Lexer::symbol() {
             at_ += symbol.text.size();
             return made(symbol.kind, {}, symbol.op);
         }
-    ++at_;
+    U16_FWD_1(source_.data(), at_, source_.size());
     return made(Token::Kind::unknown);
 }
 

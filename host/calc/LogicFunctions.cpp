@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 namespace host::calc {
 
@@ -15,106 +16,118 @@ bool isTrue(Evaluation& evaluation, const Node& node) { return evaluation.evalua
 DataRef firstTrue(Evaluation& evaluation, Nodes arguments) {
     std::size_t i = 0;
     for (; i + 1 < arguments.size(); i += 2)
-        if (isTrue(evaluation, *arguments[i])) return evaluation.evaluate(*arguments[i + 1]);
-    return i < arguments.size() ? evaluation.evaluate(*arguments[i]) : emptyResult();
+        if (isTrue(evaluation, *arguments[i])) return evaluation.result(*arguments[i + 1]);
+    return i < arguments.size() ? evaluation.result(*arguments[i]) : emptyResult();
 }
 
 /// Choose ( number ; result0 ; result1 … )
 DataRef choose(Evaluation& evaluation, Nodes arguments) {
     const std::int64_t index = evaluation.evaluate(*arguments[0])->asNumber().toInt64();
     if (index < 0 || std::cmp_greater_equal(index, arguments.size() - 1)) return emptyResult();
-    return evaluation.evaluate(*arguments[static_cast<std::size_t>(index) + 1]);
+    return evaluation.result(*arguments[static_cast<std::size_t>(index) + 1]);
 }
 
 DataRef let(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::Scope scope(evaluation);
     for (const Node* assignment : arguments.first(arguments.size() - 1))
         evaluation.assign(*assignment);
+    return evaluation.result(*arguments.back());
+}
+
+/// While ( init ; condition ; logic ; result ): assignments, a calculation, assignments, a calculation. A
+/// name that only the logic sets ends with each turn.
+DataRef whileLoop(Evaluation& evaluation, Nodes arguments) {
+    const auto isAssignment = [](const Node* node) { return node->kind == Node::Kind::assignment; };
+    const auto condition = std::find_if_not(arguments.begin(), arguments.end(), isAssignment);
+    const Evaluation::Scope scope(evaluation);
+    for (auto init = arguments.begin(); init != condition; ++init)
+        evaluation.assign(**init);
+    for (std::int64_t turn = 0; isTrue(evaluation, **condition); ++turn) {
+        if (turn >= evaluation.settings().recursionLimit) return questionMark();
+        const Evaluation::Scope ofTurn(evaluation);
+        for (auto logic = condition + 1; logic != arguments.end() - 1; ++logic)
+            evaluation.assign(**logic);
+    }
     return evaluation.evaluate(*arguments.back());
 }
 
 DataRef isEmpty(std::span<const DataRef> arguments) { return booleanResult(arguments[0]->isEmpty()); }
 
-DataRef getAsBoolean(std::span<const DataRef> arguments) {
-    const Data& value = *arguments[0];
-    return booleanResult(value.nativeType() == DataType::binary ? !value.isEmpty() : value.asBoolean());
+DataRef getAsBoolean(std::span<const DataRef> arguments) { return booleanResult(arguments[0]->asBoolean()); }
+
+/// Evaluates, and gives the code of the failure; 0 when there was none. A recursion without end gives "?".
+template<typename Work>
+int tried(Evaluation& evaluation, DataRef& value, const Work& work) {
+    try {
+        value = work();
+        if (evaluation.takeUnending()) value = questionMark();
+        return error::none;
+    } catch (const Exhausted&) {
+        throw;
+    } catch (const Error& error) {
+        evaluation.forgetFailedCall();
+        value = questionMark();
+        return error.code;
+    }
 }
 
 /// Whether evaluating gives a value that is one, without an error.
 DataRef isValid(Evaluation& evaluation, Nodes arguments) {
-    try {
-        return booleanResult(evaluation.evaluate(*arguments[0])->isValid());
-    } catch (const Exhausted&) {
-        throw;
-    } catch (const Error&) {
-        return booleanResult(false);
-    }
+    DataRef value;
+    tried(evaluation, value, [&] { return evaluation.evaluate(*arguments[0]); });
+    return booleanResult(value->isValid());
 }
 
 DataRef isValidExpression(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    try {
-        return booleanResult(evaluation.parseHere(arguments[0]->asText().units()) != nullptr);
-    } catch (const Exhausted&) {
-        throw;
-    } catch (const Error&) {
-        return booleanResult(false);
-    }
+    DataRef value;
+    const int code = tried(evaluation, value, [&] {
+        std::ignore = evaluation.parseHere(arguments[0]->asText().units());
+        return emptyResult();
+    });
+    return booleanResult(code == error::none);
 }
 
-/// A calculation that is wrong is a "?"; what was wrong is for EvaluationError. A second argument names what
-/// the result depends on, which matters to fields alone.
+/// A calculation that is wrong is a "?"; EvaluationError gives its code. A second argument names the fields
+/// that the result depends on, which matters to stored calculations alone.
 DataRef evaluateText(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    try {
+    DataRef value;
+    const int code = tried(evaluation, value, [&] {
         const ExpressionRef expression = evaluation.parseHere(arguments[0]->asText().units());
         return evaluation.run(*expression);
-    } catch (const Exhausted&) {
-        throw;
-    } catch (const Error& error) {
-        evaluation.setInnerError(error.code);
-        return questionMark();
-    }
+    });
+    return code == error::none ? value : evaluation.failed(code);
 }
 
 DataRef evaluationError(Evaluation& evaluation, Nodes arguments) {
     const int outer = evaluation.innerError();
     evaluation.setInnerError(error::none);
-    int code = error::none;
-    try {
-        evaluation.evaluate(*arguments[0]);
-        code = evaluation.innerError();
-    } catch (const Exhausted&) {
-        throw;
-    } catch (const Error& error) {
-        code = error.code;
-    }
+    DataRef value;
+    const int code = tried(evaluation, value, [&] { return evaluation.evaluate(*arguments[0]); });
+    const int inner = evaluation.innerError();
     evaluation.setInnerError(outer);
-    return numberResult(code);
+    return numberResult(code == error::none ? inner : code);
 }
 
-/// Gives the precision back when it goes.
-class Precision {
-public:
-    Precision(Evaluation& evaluation, int wanted) : evaluation_(evaluation), outer_(evaluation.precision()) {
-        evaluation.setPrecision(wanted);
-    }
-    ~Precision() { evaluation_.setPrecision(outer_); }
-    Precision(const Precision&) = delete;
-    Precision& operator=(const Precision&) = delete;
-
-private:
-    Evaluation& evaluation_;
-    int outer_;
-};
+/// SetRecursion ( calculation ; limit )
+DataRef setRecursion(Evaluation& evaluation, Nodes arguments) {
+    Evaluation::Settings settings = evaluation.settings();
+    settings.recursionLimit = evaluation.evaluate(*arguments[1])->asNumber().toInt64();
+    settings.recursion = 0;
+    const Evaluation::Change change(evaluation, settings);
+    DataRef value = evaluation.evaluate(*arguments[0]);
+    return evaluation.takeUnending() ? questionMark() : value;
+}
 
 DataRef setPrecision(Evaluation& evaluation, Nodes arguments) {
-    const int digits = std::clamp(evaluation.evaluate(*arguments[1])->asNumber().toInt32(),
-                                  Decimal::minimumPrecision, Decimal::maximumPrecision);
-    const Precision precision(evaluation, digits);
+    Evaluation::Settings settings = evaluation.settings();
+    settings.precision = std::clamp(evaluation.evaluate(*arguments[1])->asNumber().toInt32(),
+                                    Decimal::minimumPrecision, Decimal::maximumPrecision);
+    const Evaluation::Change change(evaluation, settings);
     DataRef value = evaluation.evaluate(*arguments[0]);
     if (!value->isValid()) return value;
     auto number = value->number();
     if (!number) return value;
-    number->setPrecision(digits);
+    number->setPrecision(settings.precision);
     return numberResult(std::move(*number));
 }
 
@@ -122,14 +135,16 @@ constexpr std::array lazyRows{
     LazyRow{u"If", 2, 3, firstTrue},
     LazyRow{u"Case", 2, -1, firstTrue},
     LazyRow{u"Choose", 2, -1, choose},
-    LazyRow{u"Let", 2, 2, let},
+    LazyRow{u"Let", 2, 2, let, Form::assignment},
+    LazyRow{u"While", 4, 4, whileLoop, Form::loop},
     LazyRow{u"IsValid", 1, 1, isValid},
     LazyRow{u"EvaluationError", 1, 1, evaluationError},
     LazyRow{u"SetPrecision", 2, 2, setPrecision},
+    LazyRow{u"SetRecursion", 2, 2, setRecursion},
 };
 constexpr std::array evaluationRows{
     EvaluationRow{u"IsValidExpression", 1, 1, isValidExpression},
-    EvaluationRow{u"Evaluate", 1, 2, evaluateText},
+    EvaluationRow{u"Evaluate", 1, 2, evaluateText, Form::triggers},
 };
 constexpr std::array eagerRows{
     EagerRow{u"IsEmpty", 1, 1, isEmpty},

@@ -34,36 +34,40 @@ enum class Operator : std::uint8_t {
 struct Node {
     enum class Kind : std::uint8_t {
         literal,    ///< value
-        binding,    ///< a name bound by a Let: slot
+        binding,    ///< a name bound by a Let, a While or as a custom function's parameter: slot
         variable,   ///< name, ofFile; a child gives the repetition
         chain,      ///< children, left to right, and the operators between them
         negate,     ///< one child
         logicalNot, ///< one child
         call,       ///< function; children are its arguments
-        assignment, ///< of a Let: name; the first child is the value, a second the variable's repetition
-        words       ///< bare names that stand for themselves
+        assignment, ///< name; the first child is the value, a second the variable's repetition
+        word        ///< a bare name that stands for itself
     };
 
     Kind kind = Kind::literal;
     bool ofFile = false;     ///< a `$$` variable
     bool isVariable = false; ///< an assignment's name is a variable
-    std::uint32_t slot = 0;
+    bool rebinds = false;    ///< an assignment gives a new value to the name at slot
+    std::uint32_t slot = 0;  ///< counted from the first name of the calculation or custom function
+    std::uint32_t position = 0, length = 0; ///< in units of the source
     DataRef value;
     std::u16string name; ///< folded
     std::vector<const Node*> children;
     std::vector<Operator> operators;
     std::shared_ptr<const Function> function;
-    std::vector<std::u16string> words; ///< folded
 };
 
 /// Owns the nodes of a calculation side by side, so that they go without recursion.
 class Expression {
 public:
+    explicit Expression(std::u16string_view text) : source(text) {}
     Node& add(Node::Kind kind) {
         Node& node = nodes_.emplace_back();
         node.kind = kind;
         return node;
     }
+
+    const std::u16string source;
 
     const Node* root = nullptr; ///< null: nothing but blanks
     int levels = 0;             ///< how deeply it is nested

@@ -1,6 +1,7 @@
 #include "host/calc/Operators.h"
 
 #include "host/calc/BuiltIns.h"
+#include "host/values/Formats.h"
 
 #include <array>
 #include <optional>
@@ -36,11 +37,12 @@ DataRef dateTimeResult(std::int64_t micros, DataType type) {
     return value.hasValidDate() ? std::make_shared<const Data>(value, type) : questionMark();
 }
 
-/// The type of a sum or difference in which dates and times take part; `number` where it is a plain number.
+/// The type of a sum or difference in which dates and times take part. All others, such as the difference of
+/// two dates, are plain numbers.
 struct DateRule {
     DataType left;
     Operator op;
-    DataType right; ///< number: whatever is no date or time
+    DataType right; ///< number: every value that is no date or time
     DataType result;
 };
 constexpr std::array dateRules{
@@ -59,7 +61,6 @@ constexpr std::array dateRules{
     DateRule{DataType::timestamp, Operator::subtract, DataType::number, DataType::timestamp},
     DateRule{DataType::timestamp, Operator::add, DataType::time, DataType::timestamp},
     DateRule{DataType::timestamp, Operator::subtract, DataType::time, DataType::timestamp},
-    DateRule{DataType::timestamp, Operator::subtract, DataType::timestamp, DataType::time},
     DateRule{DataType::timestamp, Operator::subtract, DataType::date, DataType::time},
     DateRule{DataType::number, Operator::add, DataType::date, DataType::date},
     DateRule{DataType::number, Operator::add, DataType::time, DataType::time},
@@ -114,27 +115,38 @@ int order(const Value& left, const Value& right) {
     return left < right ? -1 : static_cast<int>(right < left);
 }
 
-/// Negative, zero or positive. Dates and times compare by value, numbers with whatever has a number in it,
-/// all else as text without regard to case.
+/// The type that two values are compared as. A date beside a timestamp is its midnight, a date or time beside
+/// a number is its number, and a text beside either of them is read as the same type. Numbers beside texts
+/// are compared as texts.
+DataType comparedAs(DataType left, DataType right) {
+    if (isDateTime(left) && isDateTime(right)) {
+        if (left == right) return left;
+        const bool isTimeAlone = left == DataType::time || right == DataType::time;
+        return isTimeAlone ? DataType::number : DataType::timestamp;
+    }
+    const DataType dated = isDateTime(left) ? left : right, other = isDateTime(left) ? right : left;
+    if (isDateTime(dated)) return isNumeric(other) ? DataType::number : dated;
+    if (isNumeric(left) && isNumeric(right)) return DataType::number;
+    return left == right ? left : DataType::text;
+}
+
+/// Negative, zero or positive. Values that cannot be read as the common type are compared as texts.
 int compare(const Data& left, const Data& right) {
-    const DataType a = left.nativeType(), b = right.nativeType();
-    if (isDateTime(a) || isDateTime(b)) {
-        // A date beside a timestamp is its midnight; a text is read as what the other side is.
-        const bool isMixed = isDateTime(a) && isDateTime(b) && a != b;
-        const DataType wanted = isMixed ? DataType::timestamp : isDateTime(a) ? a : b;
-        const bool isTimeAlone = isMixed && (a == DataType::time || b == DataType::time);
-        if (!isNumeric(a) && !isNumeric(b) && !isTimeAlone) {
-            const auto x = left.dateTime(wanted), y = right.dateTime(wanted);
-            if (x && y) return order(x->microsSinceEpoch(), y->microsSinceEpoch());
-        }
+    switch (const DataType type = comparedAs(left.nativeType(), right.nativeType())) {
+    case DataType::number:
+        if (!left.isEmpty() && !right.isEmpty()) return order(left.asNumber(), right.asNumber());
+        break;
+    case DataType::date:
+    case DataType::time:
+    case DataType::timestamp: {
+        const auto a = left.dateTime(type), b = right.dateTime(type);
+        if (a && b) return order(a->microsSinceEpoch(), b->microsSinceEpoch());
+        break;
     }
-    const bool isNumber = isNumeric(a) || isNumeric(b) || (isDateTime(a) && isDateTime(b));
-    if (isNumber && left.isValid() && right.isValid()) {
-        const auto x = left.number(), y = right.number();
-        if (x && y) return order(*x, *y);
+    case DataType::binary: return left.asBinary() == right.asBinary() ? 0 : 1;
+    default: break;
     }
-    if (a == DataType::binary && b == DataType::binary && left.asBinary() == right.asBinary()) return 0;
-    return compareIgnoringCase(left.asText().units(), right.asText().units());
+    return formats().compare(left.asText().units(), right.asText().units());
 }
 
 bool comparison(Operator op, int order) {

@@ -4,8 +4,8 @@
 
 namespace host::calc {
 
-/// What an operator makes of two values; logical ones included, which then have no use for laziness. Numbers
-/// keep at least `precision` digits behind the point. What is impossible is a "?".
+/// The result of an operator. The logical ones take values that are evaluated already. Numbers keep at least
+/// `precision` digits after the point. An impossible operation gives "?".
 DataRef applyOperator(Operator op, const Data& left, const Data& right, int precision);
 
 /// The value with its sign turned.

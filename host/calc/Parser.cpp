@@ -1,6 +1,8 @@
 #include "host/calc/Parser.h"
 
 #include "host/calc/BuiltIns.h"
+#include "host/calc/Catalogue.h"
+#include "host/calc/ReservedWords.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +12,7 @@ namespace host::calc {
 
 namespace {
 
-/// The operators of each binding, from the weakest. Those of the last bind tighter than a minus before them.
+/// The operators of each binding, from the weakest. The last binding is stronger than a minus before it.
 constexpr std::array loosest{Operator::logicalOr, Operator::logicalXor};
 constexpr std::array conjunction{Operator::logicalAnd};
 constexpr std::array comparisons{Operator::equal,       Operator::notEqual, Operator::less,
@@ -27,8 +29,6 @@ bool holds(std::span<const Operator> operators, const Token& token) {
     return token.kind == Token::Kind::op &&
            std::find(operators.begin(), operators.end(), token.op) != operators.end();
 }
-
-constexpr std::u16string_view letName = u"let";
 
 } // namespace
 
@@ -48,9 +48,9 @@ private:
     Parser& parser_;
 };
 
-Parser::Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions,
+Parser::Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file,
                const std::vector<std::u16string_view>& bound)
-    : lexer_(source), expression_(std::make_shared<Expression>()) {
+    : file_(file), expression_(std::make_shared<Expression>(source)), lexer_(expression_->source) {
     expression_->functions = std::move(functions);
     for (const std::u16string_view name : bound)
         bind(std::u16string(name));
@@ -69,10 +69,12 @@ void Parser::advance() {
     try {
         token_ = lexer_.next();
     } catch (const Error&) {
-        position_ = lexer_.position();
+        stop_.position = lexer_.position();
+        stop_.length = 1;
         throw;
     }
-    position_ = token_.position;
+    stop_.position = token_.position;
+    stop_.length = token_.length;
 }
 
 bool Parser::take(Token::Kind kind) {
@@ -81,11 +83,27 @@ bool Parser::take(Token::Kind kind) {
     return true;
 }
 
+/// Takes the bracket that closes what was opened at a position.
+void Parser::close(Token::Kind kind, std::uint32_t opening) {
+    if (take(kind)) return;
+    if (!at(Token::Kind::end)) fail(error::operatorExpected);
+    stop_.opening = opening;
+    fail(kind == Token::Kind::rightParenthesis ? error::unbalancedParenthesis : error::unexpectedEnd);
+}
+
 void Parser::fail(int code) const { throw Error{code}; }
 
-void Parser::fail(int code, std::uint32_t position) {
-    position_ = position;
+void Parser::fail(int code, const Token& token) {
+    stop_.position = token.position;
+    stop_.length = token.length;
     fail(code);
+}
+
+Node& Parser::add(Node::Kind kind, const Token& token) {
+    Node& node = expression_->add(kind);
+    node.position = token.position;
+    node.length = token.length;
+    return node;
 }
 
 const Node* Parser::expression() {
@@ -96,7 +114,7 @@ const Node* Parser::expression() {
 const Node* Parser::chain(std::size_t binding) {
     const Node* first = operand(binding);
     if (!holds(bindings[binding], token_)) return first;
-    Node& node = expression_->add(Node::Kind::chain);
+    Node& node = add(Node::Kind::chain, token_);
     node.children.push_back(first);
     while (holds(bindings[binding], token_)) {
         node.operators.push_back(token_.op);
@@ -108,26 +126,30 @@ const Node* Parser::chain(std::size_t binding) {
 
 const Node* Parser::operand(std::size_t binding) {
     if (binding == powerBinding) return prefixed();
-    return binding + 1 == powerBinding ? minus() : chain(binding + 1);
+    return binding + 1 == powerBinding ? sign() : chain(binding + 1);
 }
 
-const Node* Parser::minus() {
-    if (!at(Token::Kind::op) || token_.op != Operator::subtract) return chain(powerBinding);
+/// A plus before an operand changes nothing.
+const Node* Parser::sign() {
+    const bool isMinus = atOperator(Operator::subtract);
+    if (!isMinus && !atOperator(Operator::add)) return chain(powerBinding);
     const Level level(*this);
+    const Token token = token_;
     advance();
-    Node& node = expression_->add(Node::Kind::negate);
-    node.children.push_back(minus());
+    if (!isMinus) return sign();
+    Node& node = add(Node::Kind::negate, token);
+    node.children.push_back(sign());
     return &node;
 }
 
-/// An operand of the tightest operators. A minus inside of such ("2 ^ -1") reaches no further than that
+/// An operand of the strongest operators. A minus inside of such ("2 ^ -1") reaches no further than that
 /// operand.
 const Node* Parser::prefixed() {
-    const bool isMinus = at(Token::Kind::op) && token_.op == Operator::subtract;
+    const bool isMinus = atOperator(Operator::subtract);
     if (!isMinus && !at(Token::Kind::logicalNot)) return primary();
     const Level level(*this);
+    Node& node = add(isMinus ? Node::Kind::negate : Node::Kind::logicalNot, token_);
     advance();
-    Node& node = expression_->add(isMinus ? Node::Kind::negate : Node::Kind::logicalNot);
     node.children.push_back(prefixed());
     return &node;
 }
@@ -138,7 +160,7 @@ const Node* Parser::primary() {
     case Token::Kind::text: return literal();
     case Token::Kind::variable: return variable();
     case Token::Kind::leftParenthesis: return parenthesis();
-    case Token::Kind::name: return nameOrCall();
+    case Token::Kind::name: return name();
     case Token::Kind::leftBracket: fail(error::listNotAllowed);
     case Token::Kind::rightParenthesis:
         if (level_ == 1) fail(error::unbalancedParenthesis);
@@ -148,158 +170,94 @@ const Node* Parser::primary() {
 }
 
 const Node* Parser::literal() {
-    Node& node = expression_->add(Node::Kind::literal);
+    Node& node = add(Node::Kind::literal, token_);
     if (at(Token::Kind::text)) {
         node.value = textResult(std::move(token_.text));
     } else {
-        const auto number = [this]() -> std::optional<Decimal> {
-            try {
-                return Decimal::parse(token_.text);
-            } catch (const std::overflow_error&) {
-                return std::nullopt;
-            }
-        }();
-        node.value = number ? numberResult(*number) : questionMark();
+        const auto number = Decimal::parse(token_.text);
+        if (!number) fail(error::unreadableNumber);
+        node.value = numberResult(*number);
     }
     advance();
     return &node;
 }
 
 const Node* Parser::variable() {
-    Node& node = expression_->add(Node::Kind::variable);
+    Node& node = add(Node::Kind::variable, token_);
     node.name = foldName(token_.text);
     node.ofFile = token_.ofFile;
     advance();
+    const std::uint32_t opening = token_.position;
     if (!take(Token::Kind::leftBracket)) return &node;
     node.children.push_back(expression());
-    if (!take(Token::Kind::rightBracket)) fail(error::unbalancedParenthesis);
+    close(Token::Kind::rightBracket, opening);
     return &node;
 }
 
 const Node* Parser::parenthesis() {
+    const std::uint32_t opening = token_.position;
     advance();
     const Node* inner = expression();
-    if (!take(Token::Kind::rightParenthesis))
-        fail(at(Token::Kind::end) ? error::unbalancedParenthesis : error::operatorExpected);
+    close(Token::Kind::rightParenthesis, opening);
     return inner;
 }
 
-const Node* Parser::nameOrCall() {
-    const std::uint32_t start = position_;
-    const std::u16string name = foldName(token_.text);
+const Node* Parser::name() {
+    const Token name = token_;
     advance();
     const bool isCall = at(Token::Kind::leftParenthesis);
-    if (const auto slots = slots_.find(name); !isCall && slots != slots_.end()) {
-        Node& node = expression_->add(Node::Kind::binding);
-        node.slot = slots->second.back();
+    if (name.isQualified) failOnName(name, isCall);
+    const std::u16string folded = foldName(name.text);
+    if (!isCall && slotOf(folded) != kNoSlot) return binding(name);
+    if (name.isQuoted) failOnName(name, isCall);
+    const auto function = functionNamed(folded);
+    if (isCall && function) return call(function, name);
+    if (isCall) failOnName(name, isCall);
+    if (function && function->minimum == 0) {
+        Node& node = add(Node::Kind::call, name);
+        node.function = function;
         return &node;
     }
-    const auto function = expression_->functions->find(name);
-    if (!function) fail(isCall ? error::functionNotFound : error::missingField, start);
-    if (isCall) {
-        advance();
-        return name == letName ? let(function, start) : call(function, start);
+    if (const auto value = reservedWord(folded)) {
+        Node& node = add(Node::Kind::literal, name);
+        node.value = numberResult(*value);
+        return &node;
     }
-    if (function->minimum > 0) fail(error::tooFewParameters, start);
-    Node& node = expression_->add(Node::Kind::call);
-    node.function = function;
+    if (function) checkCount(function, 0, name);
+    failOnName(name, isCall);
+}
+
+const Node* Parser::binding(const Token& name) {
+    Node& node = add(Node::Kind::binding, name);
+    node.slot = slotOf(foldName(name.text));
     return &node;
 }
 
-const Node* Parser::call(const std::shared_ptr<const Function>& function, std::uint32_t start) {
-    Node& node = expression_->add(Node::Kind::call);
-    node.function = function;
-    if (!at(Token::Kind::rightParenthesis)) {
-        do {
-            if (function->listSize > 0 && take(Token::Kind::leftBracket)) {
-                bracketList(node);
-                continue;
-            }
-            const bool wantsWords = std::cmp_equal(node.children.size(), function->wordArgument);
-            node.children.push_back(wantsWords ? words() : expression());
-        } while (take(Token::Kind::semicolon));
-    }
-    closeCall(node, node.children.size(), start);
-    return &node;
+std::shared_ptr<const Function> Parser::functionNamed(std::u16string_view folded) const {
+    if (auto function = expression_->functions->find(folded)) return function;
+    if (file_ == nullptr) return nullptr;
+    const auto row = file_->customFunctions().find(folded);
+    return row == file_->customFunctions().end() ? nullptr : row->second;
 }
 
-/// The rest of arguments that stand together in brackets, [ a ; b ].
-void Parser::bracketList(Node& call) {
-    call.children.push_back(expression());
-    for (int given = 1; given < call.function->listSize; ++given) {
-        if (!take(Token::Kind::semicolon)) fail(error::tooFewParameters);
-        call.children.push_back(expression());
+/// Nothing has the name. Where its first words are a name that is known, an operator is missing between the
+/// two.
+void Parser::failOnName(const Token& name, bool isCall) {
+    const int code = isCall ? error::functionNotFound : error::missingField;
+    if (name.isQuoted || name.isQualified) fail(code, name);
+    if (const CatalogueRow* row = findInCatalogue(name.text); row != nullptr && (isCall || row->minimum == 0))
+        fail(error::notSupported, name);
+    for (std::size_t blank = name.text.find(u' '); blank != std::u16string::npos;
+         blank = name.text.find(u' ', blank + 1)) {
+        const std::u16string first = foldName(std::u16string_view(name.text).substr(0, blank));
+        if (slotOf(first) == kNoSlot && !functionNamed(first) && !reservedWord(first)) continue;
+        const auto skipped = static_cast<std::uint32_t>(name.text.find_first_not_of(u' ', blank));
+        Token rest = name;
+        rest.position += skipped;
+        rest.length -= skipped;
+        fail(error::operatorExpected, rest);
     }
-    if (!take(Token::Kind::rightBracket)) fail(error::operatorExpected);
-}
-
-/// The end of a call, and whether it has the arguments it should.
-void Parser::closeCall(Node& node, std::size_t given, std::uint32_t start) {
-    if (at(Token::Kind::end)) fail(error::unbalancedParenthesis);
-    if (!at(Token::Kind::rightParenthesis)) fail(error::operatorExpected);
-    const bool isTooFew = std::cmp_less(given, node.function->minimum);
-    const bool isTooMany = node.function->maximum >= 0 && std::cmp_greater(given, node.function->maximum);
-    if (isTooFew || isTooMany) fail(isTooFew ? error::tooFewParameters : error::tooManyParameters, start);
-    advance();
-}
-
-/// Let ( name = value ; body ) and Let ( [ name = value ; … ] ; body ). A name that is bound again hides its
-/// earlier value from then on.
-const Node* Parser::let(const std::shared_ptr<const Function>& function, std::uint32_t start) {
-    const std::size_t outer = bound_.size();
-    Node& node = expression_->add(Node::Kind::call);
-    node.function = function;
-    std::size_t given = 0;
-    if (take(Token::Kind::leftBracket)) {
-        while (!take(Token::Kind::rightBracket)) {
-            node.children.push_back(assignment());
-            if (take(Token::Kind::semicolon) || at(Token::Kind::rightBracket)) continue;
-            fail(at(Token::Kind::end) ? error::unexpectedEnd : error::operatorExpected);
-        }
-        ++given;
-    } else if (!at(Token::Kind::rightParenthesis)) {
-        node.children.push_back(assignment());
-        ++given;
-    }
-    for (; take(Token::Kind::semicolon); ++given)
-        node.children.push_back(expression());
-    closeCall(node, given, start);
-    unbindTo(outer);
-    return &node;
-}
-
-const Node* Parser::assignment() {
-    const bool isVariable = at(Token::Kind::variable);
-    if (!isVariable && !at(Token::Kind::name))
-        fail(at(Token::Kind::end) ? error::unexpectedEnd : error::nameMissing);
-    Node& node = expression_->add(Node::Kind::assignment);
-    node.isVariable = isVariable;
-    node.ofFile = token_.ofFile;
-    node.name = foldName(token_.text);
-    advance();
-    const Node* repetition = nullptr;
-    if (isVariable && take(Token::Kind::leftBracket)) {
-        repetition = expression();
-        if (!take(Token::Kind::rightBracket)) fail(error::unbalancedParenthesis);
-    }
-    if (!at(Token::Kind::op) || token_.op != Operator::equal)
-        fail(at(Token::Kind::end) ? error::unexpectedEnd : error::operatorExpected);
-    advance();
-    node.children.push_back(expression());
-    if (repetition != nullptr) node.children.push_back(repetition);
-    if (!isVariable) bind(node.name);
-    return &node;
-}
-
-const Node* Parser::words() {
-    Node& node = expression_->add(Node::Kind::words);
-    for (;;) {
-        if (!at(Token::Kind::name)) fail(error::operandExpected);
-        node.words.push_back(foldName(token_.text));
-        advance();
-        if (!at(Token::Kind::op) || token_.op != Operator::add) return &node;
-        advance();
-    }
+    fail(code, name);
 }
 
 void Parser::bind(const std::u16string& name) {
@@ -314,6 +272,12 @@ void Parser::unbindTo(std::size_t size) {
         if (slots->second.empty()) slots_.erase(slots);
         bound_.pop_back();
     }
+}
+
+/// The innermost binding of a folded name.
+std::uint32_t Parser::slotOf(const std::u16string& name) const {
+    const auto slots = slots_.find(name);
+    return slots == slots_.end() ? kNoSlot : slots->second.back();
 }
 
 } // namespace host::calc

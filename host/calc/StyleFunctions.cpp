@@ -9,41 +9,9 @@ namespace {
 
 using Arguments = std::span<const DataRef>;
 
-struct StyleWord {
-    std::u16string_view name; ///< folded
-    std::uint16_t faces;
-};
-constexpr std::array styleWords{
-    StyleWord{u"plain", face::plain},
-    StyleWord{u"bold", face::bold},
-    StyleWord{u"italic", face::italic},
-    StyleWord{u"underline", face::underline},
-    StyleWord{u"highlightyellow", face::highlight},
-    StyleWord{u"condense", face::condense},
-    StyleWord{u"extend", face::extend},
-    StyleWord{u"strikethrough", face::strikethrough},
-    StyleWord{u"smallcaps", face::smallCaps},
-    StyleWord{u"superscript", face::superscript},
-    StyleWord{u"subscript", face::subscript},
-    StyleWord{u"uppercase", face::uppercase},
-    StyleWord{u"lowercase", face::lowercase},
-    StyleWord{u"titlecase", face::titlecase},
-    StyleWord{u"wordunderline", face::wordUnderline},
-    StyleWord{u"doubleunderline", face::doubleUnderline},
-    StyleWord{u"allstyles", face::all},
-};
-
-/// The faces that words stand for together; plain when there is nothing but Plain. A word that is no style
-/// is taken for a field, as bare names are.
-std::uint16_t facesOf(const Node& words) {
-    std::uint16_t faces = face::plain;
-    for (const std::u16string& word : words.words) {
-        const auto row = std::find_if(styleWords.begin(), styleWords.end(),
-                                      [&](const StyleWord& candidate) { return candidate.name == word; });
-        if (row == styleWords.end()) throw Error{error::missingField};
-        faces |= row->faces;
-    }
-    return faces;
+/// Styles are numbers, the sums of the faces' bits.
+std::uint16_t facesOf(const Data& value) {
+    return static_cast<std::uint16_t>(std::clamp<std::int64_t>(value.asNumber().toInt64(), 0, face::all));
 }
 
 CharacterStyle everyFace() {
@@ -52,9 +20,10 @@ CharacterStyle everyFace() {
     return style;
 }
 
-DataRef textStyleAdd(Evaluation& evaluation, std::span<const Node* const> arguments) {
+/// Plain takes every face away.
+DataRef textStyleAdd(Arguments arguments) {
     const std::uint16_t faces = facesOf(*arguments[1]);
-    Text text = evaluation.evaluate(*arguments[0])->asText();
+    Text text = arguments[0]->asText();
     if (faces == face::plain) {
         text.removeStyle(everyFace());
     } else {
@@ -65,9 +34,9 @@ DataRef textStyleAdd(Evaluation& evaluation, std::span<const Node* const> argume
     return textResult(std::move(text));
 }
 
-DataRef textStyleRemove(Evaluation& evaluation, std::span<const Node* const> arguments) {
+DataRef textStyleRemove(Arguments arguments) {
     const std::uint16_t faces = facesOf(*arguments[1]);
-    Text text = evaluation.evaluate(*arguments[0])->asText();
+    Text text = arguments[0]->asText();
     CharacterStyle style;
     style.enableFace(faces == face::plain ? face::all : faces);
     text.removeStyle(style);
@@ -156,10 +125,6 @@ DataRef textFormatRemove(Arguments arguments) {
     return textResult(std::move(text));
 }
 
-constexpr std::array lazyRows{
-    LazyRow{u"TextStyleAdd", 2, 2, textStyleAdd, 1},
-    LazyRow{u"TextStyleRemove", 2, 2, textStyleRemove, 1},
-};
 /// The script that may follow a font changes nothing.
 constexpr std::array evaluationRows{
     EvaluationRow{u"TextColor", 2, 2, addTrait<colorTrait>},
@@ -172,12 +137,13 @@ constexpr std::array evaluationRows{
 constexpr std::array eagerRows{
     EagerRow{u"RGB", 3, 3, rgb},
     EagerRow{u"TextFormatRemove", 1, 1, textFormatRemove},
+    EagerRow{u"TextStyleAdd", 2, 2, textStyleAdd},
+    EagerRow{u"TextStyleRemove", 2, 2, textStyleRemove},
 };
 
 } // namespace
 
 void addStyleFunctions(FunctionTable& table) {
-    addRows(table, lazyRows);
     addRows(table, evaluationRows);
     addRows(table, eagerRows);
 }

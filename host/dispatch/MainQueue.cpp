@@ -13,13 +13,12 @@ namespace host {
 
 namespace {
 
-constexpr Clock::Micros yearOneToUnixEpoch = std::chrono::seconds{62'135'596'800};
 constexpr MainQueue::Moment earliest = 1; // 0 means now
 
 } // namespace
 
 MainQueue::Moment MainQueue::now() {
-    const std::int64_t sinceYearOne = (clock().now() + yearOneToUnixEpoch).count();
+    const std::int64_t sinceYearOne = (clock().now() + kYearOneToUnixEpoch).count();
     return sinceYearOne < 1 ? earliest : static_cast<Moment>(sinceYearOne);
 }
 

@@ -9,9 +9,8 @@ namespace {
 
 using std::chrono::seconds;
 
-constexpr seconds yearOneToUnixEpoch{62'135'596'800};
-/// The years 1 to 9999: what any date of the host lies in, and far from where the counts would overflow.
-constexpr Clock::Micros earliest = -yearOneToUnixEpoch, latest = seconds{253'402'300'799};
+/// The years 1 to 9999: every date of the host is one of theirs, and no count overflows there.
+constexpr Clock::Micros earliest = -kYearOneToUnixEpoch, latest = seconds{253'402'300'799};
 
 Clock::Micros machineTime() {
     return std::chrono::duration_cast<Clock::Micros>(std::chrono::system_clock::now().time_since_epoch());
@@ -34,7 +33,7 @@ Clock::Micros Clock::now() const {
 
 Clock::Micros Clock::localSinceYearOne() const {
     const Micros moment = now();
-    return moment + offsetFromUtc(moment) + yearOneToUnixEpoch;
+    return moment + offsetFromUtc(moment) + kYearOneToUnixEpoch;
 }
 
 void Clock::advance(Micros by) {

@@ -7,8 +7,11 @@
 
 namespace host {
 
-/// The time as the host tells it: the machine's, moved forwards or backwards, or held still. It may be read
-/// on any thread while one moves it.
+/// From 0001-01-01 00:00:00 to 1970-01-01 00:00:00.
+inline constexpr std::chrono::seconds kYearOneToUnixEpoch{62'135'596'800};
+
+/// The host's time: the machine's, moved forwards or backwards, or held still. It may be read on any thread
+/// while one moves it.
 class Clock {
 public:
     using Micros = std::chrono::microseconds;

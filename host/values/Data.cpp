@@ -1,7 +1,10 @@
 #include "host/values/Data.h"
 
+#include "host/values/Formats.h"
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace host {
 
@@ -10,25 +13,69 @@ namespace {
 constexpr std::array<std::string_view, 8> typeWords{"",     "Text",      "Number",    "Date",
                                                     "Time", "Timestamp", "Container", "Boolean"};
 
-/// The digits, the first point and a minus anywhere before both; anything else is passed over. A number has
-/// at most 800 digits; further ones are passed over too.
+bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+/// The exponent that stands directly after a digit, "e-5", empty where none stands. One of more than three
+/// digits is none: no number is so large or small.
+std::u16string_view exponentAt(std::u16string_view rest) {
+    constexpr std::size_t mostDigits = 3;
+    if (!rest.starts_with(u'e') && !rest.starts_with(u'E')) return {};
+    const std::size_t sign = rest.size() > 1 && (rest[1] == u'-' || rest[1] == u'+') ? 1 : 0;
+    std::size_t end = 1 + sign;
+    while (end < rest.size() && isDigit(rest[end]))
+        ++end;
+    const std::size_t digits = end - 1 - sign;
+    return digits == 0 || digits > mostDigits ? std::u16string_view() : rest.substr(0, end);
+}
+
+/// Whether the first digit of a text has a minus before it or stands in parentheses, with no point before
+/// either.
+bool isNegative(std::u16string_view text, char16_t point) {
+    bool isOpen = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char16_t unit = text[at];
+        if (unit == u'-') return true;
+        if (unit == point) return false;
+        if (isDigit(unit)) return isOpen && text.find(u')', at) != std::u16string_view::npos;
+        if (unit == u'(' || unit == u')') isOpen = unit == u'(';
+    }
+    return false;
+}
+
+/// The digits and the first decimal point; the rest is passed over, and so are digits after the 800th.
 std::optional<Decimal> numberIn(std::u16string_view text) {
     constexpr std::size_t mostDigits = 800;
+    const char16_t point = formats().decimalPoint;
     std::u16string digits;
-    bool point = false, any = false;
-    for (const char16_t unit : text) {
-        if (unit >= u'0' && unit <= u'9') {
-            digits += unit;
-            any = true;
-        } else if (unit == u'.' && !point) {
-            digits += unit;
-            point = true;
-        } else if (unit == u'-' && digits.empty()) {
-            digits += unit;
+    bool hasPoint = false, hasDigit = false;
+    for (std::size_t at = 0; at < text.size() && digits.size() <= mostDigits; ++at) {
+        if (isDigit(text[at])) {
+            digits += text[at];
+            hasDigit = true;
+            const std::u16string_view exponent = exponentAt(text.substr(at + 1));
+            if (exponent.empty()) continue;
+            digits += exponent;
+            break;
         }
-        if (digits.size() > mostDigits) break;
+        if (text[at] != point || std::exchange(hasPoint, true)) continue;
+        digits += u'.';
     }
-    return any ? Decimal::parse(digits) : std::nullopt;
+    if (!hasDigit) return std::nullopt;
+    if (isNegative(text, point)) digits.insert(0, 1, u'-');
+    return Decimal::parse(digits);
+}
+
+/// As the file writes numbers.
+std::u16string textOf(const Decimal& number) {
+    std::u16string text = number.text();
+    if (formats().decimalPoint != u'.') std::replace(text.begin(), text.end(), u'.', formats().decimalPoint);
+    return text;
+}
+
+/// A reference to a file is its name. Data itself has no text.
+const Text& textOf(const Binary& container) {
+    static const Text none(u"?");
+    return container.streams().empty() ? container.fileName() : none;
 }
 
 Decimal secondsOf(std::int64_t micros) {
@@ -44,7 +91,7 @@ std::optional<std::int64_t> microsOf(const Decimal& seconds) {
 
 std::optional<DateTime> dateTimeOf(const Decimal& number, DataType wanted) {
     if (wanted == DataType::date) {
-        const DateTime day{.days = number.toInt64(), .micros = 0};
+        const DateTime day = DateTime::fromDayNumber(number.toInt64());
         return day.hasValidDate() ? std::optional(day) : std::nullopt;
     }
     const auto micros = microsOf(number);
@@ -113,10 +160,10 @@ bool Data::isEmpty() const {
 
 const Text& Data::asText() const {
     if (held_ == DataType::text) return std::get<Text>(value_);
-    if (held_ == DataType::binary) return std::get<Binary>(value_).fileName();
+    if (held_ == DataType::binary) return textOf(std::get<Binary>(value_));
     auto& reading = readings().text;
     if (!reading) {
-        if (held_ == DataType::number) reading = Text(std::get<Decimal>(value_).text());
+        if (held_ == DataType::number) reading = Text(textOf(std::get<Decimal>(value_)));
         if (held_ == DataType::date) reading = Text(std::get<DateTime>(value_).dateText());
         if (held_ == DataType::time) reading = Text(std::get<DateTime>(value_).timeText());
         if (held_ == DataType::timestamp) reading = Text(std::get<DateTime>(value_).timestampText());
@@ -140,7 +187,7 @@ std::optional<Decimal> Data::number() const {
     switch (held_) {
     case DataType::text: return numberIn(std::get<Text>(value_).units());
     case DataType::number: return std::get<Decimal>(value_);
-    case DataType::date: return Decimal(std::get<DateTime>(value_).days);
+    case DataType::date: return Decimal(std::get<DateTime>(value_).dayNumber());
     case DataType::time: return secondsOf(std::get<DateTime>(value_).micros);
     case DataType::timestamp: return secondsOf(std::get<DateTime>(value_).microsSinceEpoch());
     default: return std::nullopt;
@@ -186,6 +233,7 @@ const Binary& Data::asBinary() const {
 }
 
 bool Data::asBoolean() const {
+    if (held_ == DataType::binary) return !isEmpty();
     const auto value = number();
     return value && !value->isZero();
 }

@@ -44,13 +44,16 @@ public:
     /// No characters, no number, no date, no streams.
     [[nodiscard]] bool isEmpty() const;
 
+    /// Of a container with data: "?".
     [[nodiscard]] const Text& asText() const;
     /// The positions in the text at which its lines begin: 0, and each position behind a return. They are
     /// found once and kept with the value.
     [[nodiscard]] const std::vector<std::uint32_t>& lineStarts() const;
-    /// A text's digits, first point and leading minus (anywhere before the first digit or point: "a-5" and
-    /// "-a5" are -5, "5-" is 5), the rest ignored; no number (and asNumber 0) when it has no digit or would
-    /// reach 10^400. A date is its day count, a time its seconds, a timestamp its seconds since the epoch.
+    /// A text's digits and its first decimal point; all else is passed over. It is negative when a minus
+    /// stands before the first digit, or parentheses around it, and no point before them ("a-5", "(5)"; "5-"
+    /// is 5). An exponent after a digit counts ("2e3"). A text without a digit, or one that would reach
+    /// 10^400, has no number and asNumber gives 0. A date is its day number, where 0001-01-01 is 1, a time
+    /// its seconds, a timestamp its seconds since 0001-01-01 00:00:00.
     [[nodiscard]] const Decimal& asNumber() const;
     [[nodiscard]] std::optional<Decimal> number() const; ///< the same, nothing when there is no number
     [[nodiscard]] const DateTime& asDate() const;
@@ -58,7 +61,7 @@ public:
     [[nodiscard]] const DateTime& asTimestamp() const;
     [[nodiscard]] std::optional<DateTime> dateTime(DataType wanted) const; ///< date, time or timestamp
     [[nodiscard]] const Binary& asBinary() const;
-    [[nodiscard]] bool asBoolean() const; ///< a number other than zero
+    [[nodiscard]] bool asBoolean() const; ///< a number other than zero, or a container with data
 
     [[nodiscard]] const Locale& locale() const { return locale_; }
     void setLocale(Locale locale) { locale_ = locale; }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace host {
 
@@ -31,10 +32,48 @@ Integer divided(const Integer& number, const Integer& divisor, bool cut) {
     return quotient;
 }
 
+Integer timesPowerOfTen(const Integer& number, int exponent) {
+    return exponent == 0 ? number : Integer(number * powerOfTen(exponent));
+}
+
+/// So few bits that no comparison with 10^400 is needed.
+bool isFarBelowLimit(const Integer& number) {
+    constexpr std::size_t few = 1'280;
+    return number.backend().size() * Integer::backend_type::limb_bits <= few;
+}
+
 /// 10^400, which no magnitude reaches.
 const Integer& magnitudeLimit() {
     static const Integer limit = powerOfTen(Decimal::maximumIntegerDigits);
     return limit;
+}
+
+constexpr std::size_t longestText = 2'000;
+
+/// Takes one of some signs off the beginning; 0 where none stands.
+char16_t take(std::u16string_view& text, std::u16string_view signs) {
+    if (text.empty() || signs.find(text.front()) == std::u16string_view::npos) return 0;
+    const char16_t sign = text.front();
+    text.remove_prefix(1);
+    return sign;
+}
+
+std::string takeDigits(std::u16string_view& text) {
+    const std::size_t size = std::min(text.find_first_not_of(u"0123456789"), text.size());
+    const std::u16string_view digits = text.substr(0, size);
+    text.remove_prefix(size);
+    return {digits.begin(), digits.end()};
+}
+
+/// Takes an exponent, which is 0 where there is none; nothing where it is not well formed.
+std::optional<int> takeExponent(std::u16string_view& text) {
+    constexpr std::size_t mostDigits = 5;
+    if (take(text, u"eE") == 0) return 0;
+    const bool isNegative = take(text, u"+-") == u'-';
+    const std::string digits = takeDigits(text);
+    if (digits.empty() || digits.size() > mostDigits) return std::nullopt;
+    const int exponent = std::stoi(digits);
+    return isNegative ? -exponent : exponent;
 }
 
 } // namespace
@@ -48,7 +87,8 @@ Decimal Decimal::of(Integer mantissa, int scale, int precision) {
         result.mantissa_ = divided(result.mantissa_, powerOfTen(scale - maximumPrecision), false);
         result.scale_ = maximumPrecision;
     }
-    if (abs(result.mantissa_) >= magnitudeLimit() * powerOfTen(result.scale_))
+    if (!isFarBelowLimit(result.mantissa_) &&
+        abs(result.mantissa_) >= magnitudeLimit() * powerOfTen(result.scale_))
         throw std::overflow_error("a number would reach 10^400");
     return result;
 }
@@ -67,57 +107,30 @@ Decimal Decimal::fromDouble(double value, int precision) {
 }
 
 std::optional<Decimal> Decimal::parse(std::u16string_view text) {
-    constexpr std::size_t longest = 2'000;
-    if (text.empty() || text.size() > longest) return std::nullopt;
-    const bool negative = text.front() == u'-';
-    if (negative) text.remove_prefix(1);
-    std::string digits;
+    if (text.size() > longestText) return std::nullopt;
+    const bool isNegative = take(text, u"-") != 0;
+    std::string digits = takeDigits(text);
     int places = 0;
-    bool point = false;
-    std::size_t at = 0;
-    for (; at < text.size(); ++at) {
-        if (text[at] == u'.' && !point) {
-            point = true;
-        } else if (text[at] >= u'0' && text[at] <= u'9') {
-            digits += static_cast<char>(text[at]);
-            places += point ? 1 : 0;
-        } else {
-            break;
-        }
+    if (take(text, u".") != 0) {
+        const std::string fraction = takeDigits(text);
+        places = static_cast<int>(fraction.size());
+        digits += fraction;
     }
-    if (digits.empty()) return std::nullopt;
-    int exponent = 0;
-    if (at < text.size()) {
-        if (text[at] != u'e' && text[at] != u'E') return std::nullopt;
-        bool down = false;
-        ++at;
-        const char16_t sign = at < text.size() ? text[at] : u'0';
-        down = sign == u'-';
-        if (down || sign == u'+') ++at;
-        if (at == text.size() || text.size() - at > 5) return std::nullopt;
-        for (; at < text.size(); ++at) {
-            if (text[at] < u'0' || text[at] > u'9') return std::nullopt;
-            exponent = exponent * 10 + (text[at] - u'0');
-        }
-        if (down) exponent = -exponent;
-    }
-    digits.erase(0,
-                 std::min(digits.find_first_not_of('0'), digits.size() - 1)); // a leading 0 would mean octal
+    const auto exponent = takeExponent(text);
+    if (digits.empty() || !exponent || !text.empty()) return std::nullopt;
+    // A leading 0 would mean octal.
+    digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 1));
     Integer mantissa(digits);
-    if (negative) mantissa = -mantissa;
-    int scale = places - exponent;
-    if (mantissa == 0) return Decimal();
-    if (scale < -maximumIntegerDigits || scale > static_cast<int>(longest) + maximumPrecision) {
-        if (scale > 0) return Decimal();
-        return std::nullopt;
-    }
-    if (scale < 0) {
-        mantissa *= powerOfTen(-scale);
-        scale = 0;
-    }
+    return scaled(isNegative ? Integer(-mantissa) : std::move(mantissa), places - *exponent);
+}
+
+/// A mantissa divided by a power of ten of any size.
+std::optional<Decimal> Decimal::scaled(Integer mantissa, int scale) {
+    if (mantissa == 0 || scale > static_cast<int>(longestText) + maximumPrecision) return Decimal();
+    if (scale < -maximumIntegerDigits) return std::nullopt;
+    if (scale < 0) mantissa *= powerOfTen(-std::exchange(scale, 0));
     try {
-        const int kept = std::clamp(scale, minimumPrecision, maximumPrecision);
-        return of(std::move(mantissa), scale, kept);
+        return of(std::move(mantissa), scale, std::clamp(scale, minimumPrecision, maximumPrecision));
     } catch (const std::overflow_error&) {
         return std::nullopt;
     }
@@ -132,7 +145,8 @@ void Decimal::setPrecision(int precision) {
 
 Decimal Decimal::plus(const Decimal& other) const {
     const int scale = std::max(scale_, other.scale_);
-    return of(mantissa_ * powerOfTen(scale - scale_) + other.mantissa_ * powerOfTen(scale - other.scale_),
+    return of(timesPowerOfTen(mantissa_, scale - scale_) +
+                  timesPowerOfTen(other.mantissa_, scale - other.scale_),
               scale, std::max(precision_, other.precision_));
 }
 
@@ -242,13 +256,12 @@ Decimal Decimal::ceiling() const {
 
 std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
     const int scale = std::max(scale_, other.scale_);
-    const Integer left = mantissa_ * powerOfTen(scale - scale_);
-    const Integer right = other.mantissa_ * powerOfTen(scale - other.scale_);
-    return left.compare(right) <=> 0;
+    const Integer left = timesPowerOfTen(mantissa_, scale - scale_);
+    return left.compare(timesPowerOfTen(other.mantissa_, scale - other.scale_)) <=> 0;
 }
 
 std::int64_t Decimal::toInt64() const {
-    const Integer whole = divided(mantissa_, powerOfTen(scale_), true);
+    const Integer whole = scale_ == 0 ? mantissa_ : divided(mantissa_, powerOfTen(scale_), true);
     using Limits = std::numeric_limits<std::int64_t>;
     if (whole > Limits::max()) return Limits::max();
     if (whole < Limits::min()) return Limits::min();

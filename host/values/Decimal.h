@@ -67,6 +67,7 @@ public:
 
 private:
     static Decimal of(Integer mantissa, int scale, int precision);
+    static std::optional<Decimal> scaled(Integer mantissa, int scale);
     [[nodiscard]] Decimal withPrecision(int precision) const;
     [[nodiscard]] Decimal toPlaces(int places, bool cut) const;
     [[nodiscard]] Decimal wholePower(const Decimal& exponent) const;
