@@ -225,7 +225,8 @@ TEST_F(CalcTest, RecursiveCalculationsEnd) {
 TEST_F(CalcTest, AnyTextGivesAValueOrAnErrorCode) {
     std::istringstream words(
         "Let ( ) [ ] ; = a $a $$b 1 .5e3 \"x \" and or + - * / ^ & ¶ ≠ < not /* */ // Abs If "
-        "Evaluate Get Plain é \xF0\x9F\x98\x80 \x01 TextStyleAdd");
+        "Evaluate Get Plain é \xF0\x9F\x98\x80 \x01 TextStyleAdd While SetRecursion ${a } :: True , “ [ ; = "
+        "\\");
     std::vector<std::string> pieces{" ", "\n"};
     for (std::string word; words >> word;)
         pieces.push_back(word);

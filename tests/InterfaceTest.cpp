@@ -385,6 +385,7 @@ TEST_F(Interface, EveryValueReadsAsEveryType) {
         std::function<void(Data&, Type)> set;
         std::string text;
         fmx::int64 number;
+        bool isTrue = true;
     } rows[] = {
         {[&](Data& data, Type type) { data.SetAsText(*text, *english, type); }, "1/2/2024", 122024},
         {[&](Data& data, Type type) { data.SetAsNumber(*number, type); }, "5", 5},
@@ -394,7 +395,7 @@ TEST_F(Interface, EveryValueReadsAsEveryType) {
          63839761445},
         {[&](Data& data, Type type) { data.SetDateTime(*moment, Data::kDTTime, type); }, "3:04:05", 11045},
         {[&](Data& data, Type) { data.SetBinaryData(*binary, false); }, "1/2/2024", 0},
-        {[&](Data& data, Type type) { data.Clear(type); }, "", 0}};
+        {[&](Data& data, Type type) { data.Clear(type); }, "", 0, false}};
     for (const auto& row : rows)
         for (int type = 0; type <= Data::kDTBoolean; ++type) {
             SCOPED_TRACE(row.text + " as " + std::to_string(type));
@@ -402,7 +403,7 @@ TEST_F(Interface, EveryValueReadsAsEveryType) {
             row.set(*data, static_cast<Type>(type));
             EXPECT_EQ(utf8(data->GetAsText()), row.text);
             EXPECT_EQ(data->GetAsNumber().AsLong64(), row.number);
-            EXPECT_EQ(data->GetAsBoolean(), row.number != 0);
+            EXPECT_EQ(data->GetAsBoolean(), row.isTrue);
             EXPECT_EQ(data->GetBinaryData().GetCount(), 0);
             EXPECT_EQ(data->GetAsTime().GetDaysSinceEpoch(), 0);
             EXPECT_EQ(data->GetAsTimeStamp().GetHour() == 3, row.text.ends_with("3:04:05 AM"));

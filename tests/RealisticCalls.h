@@ -27,7 +27,7 @@ inline constexpr std::array realisticCalls = std::to_array<RealisticCall>({
     {R"calc(Kestrel_DoFileMakerScript ( "No such script" ; "" ; 1 ))calc", "-50"},
     {R"calc(Kestrel_DoFileMakerScript ( "Greet" ; "" ; Get ( CurrentTimestamp ) + 90000 ))calc",
      "error -1001"},
-    {R"calc(Kestrel_GetTimestamp - Kestrel_GetTimestamp)calc", "0:00:00"},
+    {R"calc(Kestrel_GetTimestamp - Kestrel_GetTimestamp)calc", "0"},
     {R"calc(Kestrel_ValueType ( Date ( 2 ; 29 ; 2024 ) ) & Kestrel_ValueType ( "" ))calc", "DateText"},
     {R"calc(Let ( [ a = Kestrel_SetGlobal ( "k" ; TextColor ( "v" ; 255 ) ) ; b = Kestrel_SetGlobal ( "k" ; 12.5 ) ] ;
         Kestrel_GetGlobal ( "k" ) & Kestrel_GetGlobal ( "other" ) ))calc",

@@ -190,6 +190,7 @@ DataRef Evaluation::joined(const Node& node) {
         text.append(evaluate(*node.children[i])->asText());
         checkTextSize(text.size());
     }
+    if (isUnending_) return questionMark();
     Work::chargeText(text.size());
     return textResult(std::move(text));
 }
@@ -240,7 +241,7 @@ DataRef Evaluation::callBuiltIn(const Node& node, bool isTail) {
     return result;
 }
 
-/// The place of a failure within is the call: the function's own calculation is not what people look at.
+/// A failure inside a custom function has the place of its call, since the reader sees the caller's text.
 DataRef Evaluation::callCustom(const Node& node) {
     try {
         return runCustom(*node.function, evaluated(node));

@@ -12,7 +12,7 @@
 namespace host::calc {
 
 /// Thrown where a calculation may not go on at all: too many evaluations on top of each other, or too much
-/// work. No function that looks at errors swallows it. The evaluations around it end as well, also where a
+/// work. Functions that catch errors let it pass. The evaluations around it end as well, also where a
 /// plug-in stands between them, so that one calculation cannot try again and again.
 struct Exhausted : Error {
     Exhausted() : Error{error::unspecific, "the calculation does too much work"} {}

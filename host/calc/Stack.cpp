@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kWantedStack = std::size_t{64} << 20U;
 /// Sanitizers make frames larger.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 constexpr std::size_t kKeptFree = std::size_t{7} << 20U;
 #else
 constexpr std::size_t kKeptFree = std::size_t{3} << 20U;

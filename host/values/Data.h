@@ -77,7 +77,7 @@ public:
     /// becomes an empty number: one that is held as empty text.
     bool convert(DataType type);
 
-    /// Type, content, looks and locale alike.
+    /// Type, content, styles and locale are the same.
     [[nodiscard]] bool isIdenticalTo(const Data& other) const;
 
 private:

@@ -11,7 +11,7 @@
 namespace host {
 
 /// An exact decimal number: an integer of any size divided by a power of ten. Precision is the number of
-/// digits kept behind the point by operations that cannot be exact, from 16 to 400. Magnitudes stay below
+/// digits kept after the point by operations that cannot be exact, from 16 to 400. Magnitudes stay below
 /// 10^400: an operation that would pass it throws std::overflow_error.
 class Decimal {
 public:
@@ -26,7 +26,7 @@ public:
     /// Seventeen significant digits of a finite value; not-a-number and infinities throw std::range_error.
     static Decimal fromDouble(double value, int precision = minimumPrecision);
     /// An optional minus, digits, at most one point, an optional exponent ("1e5", "-.5"), nothing else;
-    /// digits behind the 400th place are rounded. Nothing for any other text, one longer than 2,000 units or
+    /// digits after the 400th place are rounded. Nothing for any other text, one longer than 2,000 units or
     /// a magnitude out of range. The precision grows to the places read.
     static std::optional<Decimal> parse(std::u16string_view text);
 
@@ -46,7 +46,7 @@ public:
     /// significant digits (fewer for a base closer to 1 than 10^-10).
     [[nodiscard]] std::optional<Decimal> power(const Decimal& exponent) const;
     [[nodiscard]] std::optional<Decimal> squareRoot() const;
-    /// Rounded half away from zero, or cut, to `places` behind the point (negative: before it).
+    /// Rounded half away from zero, or cut, to `places` after the point (negative: before it).
     [[nodiscard]] Decimal rounded(int places) const;
     [[nodiscard]] Decimal truncated(int places) const;
     [[nodiscard]] Decimal floor() const;
