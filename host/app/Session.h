@@ -18,11 +18,7 @@ namespace host {
 class File;
 class PlugIn;
 
-<<<<<<< ours
 /// A start-script call and its result.
-=======
-/// A start-script call.
->>>>>>> theirs
 struct ScriptCall {
     std::uint64_t fileId;
     std::u16string fileName, scriptName;
@@ -81,15 +77,9 @@ public:
     /// Evaluates at the top level of the front file; the error is 100 when no file is open.
     calc::Result evaluate(std::u16string_view source);
 
-<<<<<<< ours
     /// The start-script call. Gives 0, 100 (no such file is open), 104 (no such script), or 3 when scripts
     /// started one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
     /// `runWaitingScripts`. Every call, accepted or not, is reported to `onScriptCall`.
-=======
-    /// The start-script call: 0, 100 (no such file open), 104 (no such script), or 3 where scripts started
-    /// one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
-    /// `runWaitingScripts`. `onScriptCall` is called for every call, accepted or not.
->>>>>>> theirs
     int startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
     /// Runs the waiting scripts in order, and then the scripts that these start. Gives the number run, at
     /// most kMostScriptsPerRun; the rest waits for the next call. The calculations of a script share one

@@ -26,7 +26,7 @@ private:
     struct Close {
         void operator()(UCollator* collator) const;
     };
-    std::unique_ptr<UCollator, Close> collator_; ///< none: texts compare code by code
+    std::unique_ptr<UCollator, Close> collator_; ///< null: texts compare code by code
 };
 
 } // namespace host::calc

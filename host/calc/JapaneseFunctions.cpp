@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <unicode/unorm2.h>
-#include <vector>
+#include <utility>
 
 /// Kana, the widths of characters, and numbers in Japanese. Other characters pass unchanged.
 
@@ -21,7 +21,7 @@ constexpr std::array kToKatakana{Range{u'ぁ', u'ゖ', u'ァ'}, Range{u'ゝ', u'
 constexpr std::array kToNarrowRoman{Range{u'\uFF01', u'\uFF5E', u'!'}};
 constexpr std::array kToWideRoman{Range{u'!', u'~', u'\uFF01'}};
 
-Text replaced(Text text, std::span<const Range> ranges) {
+Text replaced(const Text& text, std::span<const Range> ranges) {
     Text result;
     text.forEachRun([&](std::u16string_view units, const RunStyle& look) {
         std::u16string changed(units);
@@ -121,7 +121,7 @@ DataRef hiragana(Arguments arguments) {
     return textResult(replaced(byRun(arguments[0]->asText(), widened), kToHiragana));
 }
 
-/// The digits of numbers by their kind: of one byte, of full width, kanji, old kanji.
+/// The digits by the third parameter of NumToJText: half-width, full-width, kanji, old kanji.
 constexpr std::array<std::u16string_view, 4> kDigits{u"0123456789", u"０１２３４５６７８９",
                                                      u"〇一二三四五六七八九", u"零壱弐参四伍六七八九"};
 constexpr std::size_t kKanji = 2, kOldKanji = 3;

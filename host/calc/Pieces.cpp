@@ -15,11 +15,15 @@ namespace {
 constexpr auto kWordUnits =
     static_cast<std::uint32_t>(U_GC_L_MASK | U_GC_N_MASK | U_GC_M_MASK | U_GC_PC_MASK | U_GC_CF_MASK);
 
+/// The work of setting up the search for words.
+constexpr std::size_t kBreaksSteps = 20;
+
 struct CloseBreaks {
     void operator()(UBreakIterator* breaks) const { ubrk_close(breaks); }
 };
 
 std::unique_ptr<UBreakIterator, CloseBreaks> wordBreaks(std::u16string_view units) {
+    Work::charge(kBreaksSteps);
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<UBreakIterator, CloseBreaks> breaks(
         ubrk_open(UBRK_WORD, "en", units.data(), static_cast<std::int32_t>(units.size()), &status));

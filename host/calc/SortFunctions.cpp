@@ -19,7 +19,7 @@ namespace {
 constexpr std::array kTypes{DataType::text, DataType::number, DataType::date, DataType::time,
                             DataType::timestamp};
 
-/// What setting up a language's order costs beside handling texts.
+/// The work of setting up the order of a language.
 constexpr std::size_t kCollatorSteps = 100;
 
 /// How the values of a list compare: ( list { ; datatype ; locale } ).

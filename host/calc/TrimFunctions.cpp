@@ -23,7 +23,7 @@ DataRef trim(Arguments arguments) {
 /// Scripts that write without blanks begin here; characters below it are called roman.
 constexpr char16_t kFirstOther = u'\u2F00';
 
-/// What stands between two characters afterwards.
+/// The blanks that stay between two characters.
 enum class Gap : std::uint8_t {
     none,  ///< nothing
     one,   ///< one blank where there were some

@@ -15,7 +15,7 @@ constexpr char16_t foldAscii(char16_t unit) {
 /// A text without regard to case: ICU's full case folding, the same in every language.
 std::u16string foldCase(std::u16string_view units);
 
-/// What one character folds to.
+/// The folded form of one character.
 struct FoldedCharacter {
     std::array<char16_t, 3> units;
     std::size_t size;

@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// What is said of a run of characters.
+/// The look of a run of characters.
 struct RunStyle {
     CharacterStyle style;
     Alignment alignment = Alignment::left;
