@@ -4,8 +4,9 @@
 
 /// The processor time that an input has used so far.
 ///
-/// Patterns end at a number of comparisons, which takes half a minute under the sanitizers. A few such inputs
-/// and their variants would take all of the fuzzer's time, so the fuzzer runs them but does not vary them.
+/// Patterns end at a bound that is counted in steps. Under the sanitizers that may take half a minute, so a
+/// few such inputs, and what the fuzzer makes of them, would take all of its time. They are tried like any
+/// other, but the fuzzer does not go on from them.
 class InputTime {
 public:
     /// Whether an input of many steps should end.
