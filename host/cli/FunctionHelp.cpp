@@ -1,6 +1,7 @@
 #include "host/cli/FunctionHelp.h"
 
 #include "host/app/LoadedPlugIn.h"
+#include "host/calc/Catalogue.h"
 #include "host/cli/Input.h"
 #include "host/values/Encoding.h"
 
@@ -31,18 +32,27 @@ std::string countsOf(int minimum, int maximum) {
     return std::to_string(minimum) + " to " + std::to_string(maximum) + " parameters";
 }
 
+/// Help for a function of the app. `function` is the host's; null where the host lacks it.
+std::string builtInHelp(std::u16string_view name, const calc::Function* function) {
+    const calc::CatalogueRow* row = calc::findInCatalogue(name);
+    if (row == nullptr && function == nullptr) return {};
+    if (row == nullptr)
+        return toUtf8(function->name) + ": " + countsOf(function->minimum, function->maximum) + "\n";
+    const std::string needs = row->needs.empty() ? "" : " (" + std::string(row->needs) + ")";
+    return std::string(row->signature) + "\n" + std::string(row->sentence) + "\n" +
+           countsOf(row->minimum, row->maximum) + "\n" +
+           (function != nullptr ? "" : "The host does not have this function of the app" + needs + ".\n");
+}
+
 } // namespace
 
 std::string helpFor(std::u16string_view name, LoadedPlugIn& loaded) {
     const auto function = loaded.session().functions()->find(name);
-    if (!function) return {};
-    const RegisteredFunction* row = registered(function->name, loaded.plugIn());
-    const std::string counts = countsOf(function->minimum, function->maximum) + "\n";
-    if (row == nullptr) return toUtf8(function->name) + ": a function of the host, " + counts;
-    // Another plug-in may have a function of the same name, and no page.
+    const RegisteredFunction* row = function ? registered(function->name, loaded.plugIn()) : nullptr;
+    if (row == nullptr) return builtInHelp(name, function.get());
     const std::filesystem::path page = documents() / "functions" / (toUtf8(row->name) + ".md");
     if (std::filesystem::exists(page)) return contentOf(page);
-    return toUtf8(row->prototype) + "\n" + counts;
+    return toUtf8(row->prototype) + "\n" + countsOf(row->minimum, row->maximum) + "\n";
 }
 
 std::string functionList(std::u16string_view word, LoadedPlugIn& loaded) {

@@ -9,8 +9,9 @@ class LoadedPlugIn;
 
 namespace host::cli {
 
-/// Help for a function, built-in or a plug-in's: its page where the documents have one, else its prototype
-/// and parameter counts. Empty when there is no such function. Ends in a line feed.
+/// Help for a function. A plug-in's has its page where the documents have one, else its prototype and
+/// parameter counts; a function of the app has its signature and a sentence, also where the host lacks it.
+/// Empty for any other name. Ends in a line feed.
 std::string helpFor(std::u16string_view name, LoadedPlugIn& loaded);
 
 /// The names of the functions that contain a word, in alphabetical order, one a line; all of them for an

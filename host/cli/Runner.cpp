@@ -155,6 +155,7 @@ bool Runner::print(const calc::Result& result, const Calculation& calculation) {
         addTo(object, explanation);
         writeJson(object);
     }
+    if (calc::areCalculationsStopped()) reportRaw("\n"); // behind the terminal's ^C
     std::string where = calculation.file;
     if (!where.empty() && explanation.place) where += ", line " + std::to_string(explanation.place->line);
     reportRaw("kestrel: " + textOf(explanation, where.empty() ? where : where + ": "));

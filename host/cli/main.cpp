@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <clocale>
 #include <exception>
+#include <stdexcept>
 
 namespace {
 
@@ -20,10 +21,13 @@ int run(const std::vector<std::string>& given) {
         commands.push_back(add(application));
 
     std::vector<std::string> arguments = given;
-    if (!given.empty())
-        for (const Command& command : commands)
-            if (command.takeArguments && command.options->get_name() == given.front())
-                command.takeArguments(arguments);
+    const bool namesCommand = !given.empty() && !given.front().starts_with('-');
+    const auto named = std::find_if(commands.begin(), commands.end(), [&](const Command& command) {
+        return namesCommand && command.options->get_name() == given.front();
+    });
+    if (namesCommand && named == commands.end())
+        throw std::runtime_error("there is no command " + given.front() + "; help lists them");
+    if (named != commands.end() && named->takeArguments) named->takeArguments(arguments);
     std::reverse(arguments.begin(), arguments.end()); // the order in which the library takes them
     try {
         application.parse(std::move(arguments));
@@ -34,9 +38,8 @@ int run(const std::vector<std::string>& given) {
         host::cli::writeLine(version.what());
         return host::cli::kSucceeded;
     }
-    const auto chosen = std::find_if(commands.begin(), commands.end(),
-                                     [](const Command& command) { return command.options->parsed(); });
-    return chosen->run();
+    if (named == commands.end()) throw std::runtime_error("a command comes first; help lists them");
+    return named->run();
 }
 
 } // namespace
