@@ -154,7 +154,7 @@ TEST_F(CalcTest, ResultsHaveTypes) {
         {"DayOfYear ( Date ( 12 ; 31 ; 2024 ) )", "366", number},
         {"JSONGetElement ( \"[\\\"a\\\", 1, true]\" ; 0 )", "a"},
         {"JSONGetElement ( \"[\\\"a\\\", 1, true]\" ; 2 )", "1", number},
-        {"TextEncode ( \"a\" ; \"utf-8\" ; 1 )", "text.txt", binary},
+        {"TextEncode ( \"a\" ; \"utf-8\" ; 1 )", "?", binary},
         {"Base64Decode ( \"YQ==\" )", "a"},
         {"CryptDigest ( \"a\" ; \"none\" )", "?", invalid},
     });

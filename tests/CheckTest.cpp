@@ -60,7 +60,7 @@ TEST(Check, aCheckWithoutGroundIsSkipped) {
 }
 
 TEST(Check, aCheckThatHangsIsEnded) {
-    constexpr Check hangs{1, "hangs", "never", [](const std::filesystem::path&) -> Finding {
+    constexpr Check hangs{1, "hangs", "never", [](const std::filesystem::path&) -> host::check::Finding {
                               for (;;)
                                   ::usleep(1000);
                           }};

@@ -73,7 +73,6 @@ TEST(DateTimeSpans, convertToTextAndBack) {
     }
 }
 
-
 TEST(DateTimeReading, refusesOtherTexts) {
     for (const char16_t* text : {u"16:05", u"1/1/2026 25:00", u"1/1/2026 -1:00", u"1/1/2026 1:00 x",
                                  u"1/1/2026x", u"-1/1/2026", u"2026-1.1", u"9999999999999/1/1"})

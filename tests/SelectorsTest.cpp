@@ -1,8 +1,8 @@
 #include "FunctionCalls.h"
 #include "Handlers.h"
-#include "selectors/InlineDocumentation.h"
 #include "globals/Dictionary.h"
 #include "host/values/Clock.h"
+#include "selectors/InlineDocumentation.h"
 
 #include <cstdlib>
 #include <locale>

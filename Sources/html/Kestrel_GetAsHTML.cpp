@@ -136,7 +136,7 @@ void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text&
         paramVectorEraseKey(conversion.tagParams, "all");
         addDefaultFormattingsForTag(conversion.tagParams);
     }
-    if (standsForAValue(text, env))
+    if (hasValue(text, env))
         conversion.convertValue(text);
     else
         conversion.convertText(text);

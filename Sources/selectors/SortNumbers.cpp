@@ -39,7 +39,8 @@ std::vector<double> numbersIn(std::string bytes) {
             '\0'; // a return is white space, which would be skipped: the number would come from the next line
         char* endOfNumber = nullptr;
         const double read = ::strtod_l(&*line, &endOfNumber, locale.get());
-        if (endOfNumber != &*line) number = std::isnan(read) ? std::numeric_limits<double>::quiet_NaN() : read;
+        if (endOfNumber != &*line)
+            number = std::isnan(read) ? std::numeric_limits<double>::quiet_NaN() : read;
         numbers.push_back(number);
         line = end + 1;
     }

@@ -19,7 +19,9 @@ DataRef sizeResult(std::size_t size) { return numberResult(static_cast<std::int6
 
 DataRef none(const Data&) { return emptyResult(); }
 DataRef zero(const Data&) { return numberResult(0); }
-DataRef fileName(const Data& value) { return textResult(isContainer(value) ? value.asText() : Text()); }
+DataRef fileName(const Data& value) {
+    return textResult(isContainer(value) ? value.asBinary().fileName() : Text());
+}
 DataRef fileSize(const Data& value) { return sizeResult(bytesOf(value).size()); }
 DataRef storageType(const Data& value) {
     if (value.isEmpty()) return emptyResult();

@@ -82,7 +82,7 @@ std::optional<std::string> ciphered(const Cipher& cipher, const std::string& byt
 /// file's bytes.
 std::string packed(const Data& value) {
     if (value.nativeType() != DataType::binary) return 'T' + bytesOf(value);
-    const std::string name = toUtf8(value.asText().units());
+    const std::string name = toUtf8(value.asBinary().fileName().units());
     std::string size;
     for (const unsigned shift : {24U, 16U, 8U, 0U})
         size += static_cast<char>(name.size() >> shift & 0xFFU);

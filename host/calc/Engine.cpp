@@ -107,11 +107,12 @@ void addRow(FunctionTable& table, const LazyRow& row) {
 
 FunctionTable::FunctionTable() {
     for (const auto addFamily :
-         {addTextFunctions, addTrimFunctions, addConversionFunctions, addListFunctions, addSortFunctions,
-          addAggregateFunctions, addRepeatingFunctions, addJapaneseFunctions, addNumberFunctions,
-          addRealFunctions, addFinancialFunctions, addDateFunctions, addLogicFunctions, addGetFunctions,
-          addStyleFunctions, addMarkupFunctions, addJsonFunctions, addEncodingFunctions, addCryptFunctions,
-          addSignatureFunctions, addContainerFunctions})
+         {addTextFunctions,     addTrimFunctions,      addConversionFunctions, addListFunctions,
+          addSortFunctions,     addAggregateFunctions, addRepeatingFunctions,  addJapaneseFunctions,
+          addNumberFunctions,   addRealFunctions,      addFinancialFunctions,  addDateFunctions,
+          addLogicFunctions,    addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
+          addJsonFunctions,     addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
+          addContainerFunctions})
         addFamily(*this);
 }
 

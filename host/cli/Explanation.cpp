@@ -7,7 +7,6 @@
 #include <array>
 #include <cwchar>
 #include <nlohmann/json.hpp>
-#include <numeric>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
@@ -15,9 +14,6 @@
 namespace host::cli {
 
 namespace {
-
-using calc::error::functionNotFound;
-using calc::error::missingField;
 
 constexpr std::u16string_view kLineEnds = u"\r\n";
 
@@ -42,46 +38,13 @@ std::u16string_view wordAt(std::u16string_view source, std::size_t position) {
     return source.substr(std::min(position, source.size()), end - position);
 }
 
-/// How many single changes make one name of the other, regardless of case.
-std::size_t distance(std::u16string_view from, std::u16string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
-
-/// The function whose name is nearest to a word; empty when none is near.
-std::u16string nearestFunction(std::u16string_view word, const calc::FunctionTable& functions) {
-    constexpr std::size_t longestName = 100; // names of functions are far shorter
-    if (word.size() > longestName) return {};
-    const std::u16string wanted = calc::foldName(word);
-    // A third of the letters may be wrong, three at most.
-    std::size_t best = std::min<std::size_t>(wanted.size() / 3, 3) + 1;
-    std::u16string nearest;
-    for (const auto& [folded, function] : functions.rows())
-        if (const std::size_t found = distance(wanted, folded); found < best) {
-            best = found;
-            nearest = function->name;
-        }
-    return nearest;
-}
-
 /// A habit from other languages or word processors.
 struct Habit {
     std::u16string_view characters; ///< one of them begins the offending part
     std::string_view hint;
 };
 constexpr std::array kHabits{
-    Habit{u"“”„‟«»", "text stands between straight quotation marks, \"…\""},
-    Habit{u"‘’‚'", "text stands between straight quotation marks, \"…\", not between apostrophes"},
-    Habit{u",", "parameters are separated by semicolons, decimals by a point"},
+    Habit{u"«»‘’‚'", "text stands between straight quotation marks, \"…\""},
     Habit{u"!", "\"not equal\" is written ≠ or <>, the negation of a value is not"},
     Habit{u"&|", "texts are joined by one &; the logical operators are and, or, xor, not"},
     Habit{u"=", "equality is written with one ="},
@@ -91,7 +54,7 @@ std::string placeInWords(std::u16string_view source, std::size_t position);
 
 std::string hintFor(std::u16string_view source, std::size_t position, std::u16string_view near) {
     const std::vector<OpenPart> open = openParts(source);
-    if (!open.empty() && (near.empty() || open.back().mark == u'"' || open.back().mark == u'*')) {
+    if (!open.empty() && (open.back().mark == u'"' || open.back().mark == u'*')) {
         const OpenPart& part = open.back();
         const std::string mark = part.mark == u'*' ? "/*" : toUtf8(std::u16string_view(&part.mark, 1));
         return "the " + mark + " in " + placeInWords(source, part.position) + " is not closed";
@@ -181,22 +144,10 @@ std::string excerptOf(const Line& line, std::size_t position, std::size_t wordSi
            blanksFor(left, ' ') + carets + "\n";
 }
 
-std::string messageFor(const calc::Result& result, std::u16string_view near,
-                       const calc::FunctionTable& functions) {
-    const bool isName = !near.empty() && u_isalpha(near.front()) != 0;
+std::string messageFor(const calc::Result& result) {
     if (calc::areCalculationsStopped()) return "the calculation was stopped";
-    std::string message = result.problem.message;
-    const std::string word = "`" + toUtf8(near) + "`";
-    if (message.empty() && isName && result.error == functionNotFound)
-        message = "function " + word + " is not known";
-    else if (message.empty() && isName && result.error == missingField)
-        message = word + ": no such field";
-    else if (message.empty())
-        return std::string(calc::errorMessage(result.error));
-    const bool isUnknown = result.error == functionNotFound || result.error == missingField;
-    if (!isName || !isUnknown || message.find("did you mean") != std::string::npos) return message;
-    const std::u16string nearest = nearestFunction(near, functions);
-    return nearest.empty() ? message : message + "; did you mean `" + toUtf8(nearest) + "`?";
+    return result.problem.message.empty() ? std::string(calc::errorMessage(result.error))
+                                          : result.problem.message;
 }
 
 } // namespace
@@ -210,7 +161,7 @@ Explanation explain(const calc::Result& result, std::u16string_view source,
     // An error of evaluation may have no place; one of parsing always has.
     const bool hasPlace = problem.length > 0 || position > 0 || calc::parse(source, functions).error != 0;
     Explanation explanation{.code = result.error, .message = {}, .hint = {}, .place = {}};
-    explanation.message = messageFor(result, hasPlace ? near : std::u16string_view(), *functions);
+    explanation.message = messageFor(result);
     if (!hasPlace) return explanation;
     explanation.hint = hintFor(source, position, near);
     const Line line = lineOf(source, position);
