@@ -80,7 +80,7 @@ Command addCheck(CLI::App& application) {
         ->type_name("N")
         ->check(CLI::Range(1, check::kHighestLevel, ""));
     command.add_flag("--json", options->json, "one JSON object a line");
-    return {.options = &command, .run = [options] { return runChecks(*options); }};
+    return {.options = &command, .run = [options] { return runChecks(*options); }, .takeArguments = {}};
 }
 
 } // namespace host::cli

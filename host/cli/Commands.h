@@ -19,7 +19,7 @@ struct Command {
     /// usage and for what cannot be read, loaded or written (status 2).
     std::function<int()> run;
     /// Takes the arguments that the option library would misread; empty: there are none.
-    std::function<void(std::vector<std::string>&)> takeArguments = {};
+    std::function<void(std::vector<std::string>&)> takeArguments;
 };
 
 Command addEval(CLI::App& application);

@@ -75,7 +75,8 @@ Command addCompletion(CLI::App& application) {
     command.add_option("command", options->commands, "a further command, several allowed")
         ->type_name("WORD...");
     return {.options = &command,
-            .run = [options, &application] { return writeCompletion(application, *options); }};
+            .run = [options, &application] { return writeCompletion(application, *options); },
+            .takeArguments = {}};
 }
 
 } // namespace host::cli

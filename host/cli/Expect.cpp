@@ -112,7 +112,7 @@ Command addExpect(CLI::App& application) {
                     "a Markdown file with ```kestrel blocks, or a TSV file: context, calculation, result")
         ->type_name("FILE...")
         ->required();
-    return {.options = &command, .run = [options] { return runExamples(*options); }};
+    return {.options = &command, .run = [options] { return runExamples(*options); }, .takeArguments = {}};
 }
 
 } // namespace host::cli

@@ -28,12 +28,15 @@ Command addFunctions(CLI::App& application) {
         "functions", "Lists the plug-in's functions as the host has them registered: identifier, name, "
                      "parameter counts, flags, prototype.");
     addPlugInOption(command, *options);
-    return {.options = &command, .run = [options] {
-                Runner runner(*options);
-                for (const RegisteredFunction& function : runner.plugIn().functions())
-                    writeLine(rowOf(function));
-                return kSucceeded;
-            }};
+    return {.options = &command,
+            .run =
+                [options] {
+                    Runner runner(*options);
+                    for (const RegisteredFunction& function : runner.plugIn().functions())
+                        writeLine(rowOf(function));
+                    return kSucceeded;
+                },
+            .takeArguments = {}};
 }
 
 } // namespace host::cli

@@ -45,7 +45,9 @@ Command addHelp(CLI::App& application) {
     CLI::App& command = *application.add_subcommand("help", "Describes a command or a function.");
     addPlugInOption(command, options->session);
     command.add_option("topic", options->topic, "a command or a function")->type_name("COMMAND|FUNCTION");
-    return {.options = &command, .run = [options, &application] { return help(application, *options); }};
+    return {.options = &command,
+            .run = [options, &application] { return help(application, *options); },
+            .takeArguments = {}};
 }
 
 } // namespace host::cli

@@ -124,7 +124,7 @@ Command addHtml(CLI::App& application) {
     addList("--tags", options->tags, "formatting=element, or all");
     addList("--classes", options->classes, "formatting=class, or all=prefix");
     addList("--styles", options->styles, "a formatting, or all");
-    return {.options = &command, .run = [options] { return convertHtml(*options); }};
+    return {.options = &command, .run = [options] { return convertHtml(*options); }, .takeArguments = {}};
 }
 
 } // namespace host::cli

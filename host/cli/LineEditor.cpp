@@ -204,6 +204,7 @@ void LineEditor::takeSignals() {
         queued_.assign({kEndOfLineKey, kCancelKey});
     }
     if (!taken.redraw) return;
+    eraseLine();
     ::el_resize(editor_);
     ::el_wset(editor_, EL_PREP_TERM, 1);
     ::el_wset(editor_, EL_REFRESH);
@@ -258,13 +259,18 @@ void LineEditor::list(const std::vector<std::string>& texts) {
     showAbove(listed);
 }
 
-/// Takes the line away, writes the text in its place, and shows the line again below it.
-void LineEditor::showAbove(std::string text) {
+/// Takes the line off the screen and leaves the cursor where it began.
+void LineEditor::eraseLine() {
     const LineInfoW* const line = ::el_wline(editor_);
     const std::wstring before =
         prompt_ + std::wstring(line->buffer, static_cast<std::size_t>(line->cursor - line->buffer));
     const std::size_t rows = rowsBelow(before, terminalColumns());
     write("\r" + (rows > 0 ? "\033[" + std::to_string(rows) + "A" : "") + "\033[J");
+}
+
+/// Writes text in the place of the line and shows the line again below it.
+void LineEditor::showAbove(std::string text) {
+    eraseLine();
     if (!text.ends_with('\n')) text += '\n';
     write(text);
     ::el_wset(editor_, EL_REFRESH);

@@ -60,6 +60,7 @@ private:
     bool waitForInput(std::chrono::milliseconds most);
     void turn();
     void takeSignals();
+    void eraseLine();
     void showAbove(std::string text);
     void list(const std::vector<std::string>& texts);
     void loadHistory();
@@ -70,7 +71,7 @@ private:
     std::string input_; ///< bytes that were read and are no keys yet
     std::string paste_;
     std::deque<wchar_t> queued_; ///< keys that come before those of the input
-    std::chrono::steady_clock::time_point nextTurn_{};
+    std::chrono::steady_clock::time_point nextTurn_;
     bool isCancelled_ = false, marksPastes_;
     editline* editor_;
     historyW* history_;

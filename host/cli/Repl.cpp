@@ -121,14 +121,17 @@ Command addRepl(CLI::App& application) {
     addSessionOptions(command, *options);
     command.add_flag("--json", options->json, "one JSON object a line");
     command.add_flag("--trace", options->trace, "report scripts that start and end");
-    return {.options = &command, .run = [options] {
-                Runner runner(*options);
-                if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0)
-                    editLines(runner);
-                else
-                    readLines(runner);
-                return kSucceeded;
-            }};
+    return {.options = &command,
+            .run =
+                [options] {
+                    Runner runner(*options);
+                    if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0)
+                        editLines(runner);
+                    else
+                        readLines(runner);
+                    return kSucceeded;
+                },
+            .takeArguments = {}};
 }
 
 } // namespace host::cli

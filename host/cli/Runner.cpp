@@ -93,7 +93,8 @@ std::vector<Solution> loadSolutions(const SessionOptions& options) {
 
 Runner::Runner(const SessionOptions& options) : json_(options.json), isTraced_(options.trace) {
     prepareMachine(options);
-    loaded_.emplace(options.library(), loadSolutions(options), LoadedPlugIn::Start::later);
+    loaded_ =
+        std::make_unique<LoadedPlugIn>(options.library(), loadSolutions(options), LoadedPlugIn::Start::later);
     watchScripts();
     loaded_->start();
 }

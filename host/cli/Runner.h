@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,7 +74,7 @@ private:
     std::size_t scriptErrors_ = 0;
     std::size_t idleMessagesOwed_ = 0;
     bool isBusy_ = false;
-    std::optional<LoadedPlugIn> loaded_; ///< empty only while the machine is prepared
+    std::unique_ptr<LoadedPlugIn> loaded_; ///< null only while the machine is prepared
 };
 
 } // namespace host::cli
