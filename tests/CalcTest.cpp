@@ -50,7 +50,8 @@ protected:
     }
 
     Session session;
-    std::uint64_t file = session.open({u"Contacts", u"", u"", u"", {}, {{u"One", {}}, {u"Two", {}}}, ""});
+    std::uint64_t file = session.open(
+        {u"Contacts", u"", u"", u"", {}, {{u"One", {}}, {u"Two", {}}}, "", {{u"Wrong", {}, u"1 +"}}});
     Environment scope = session.environment(session.front());
     std::shared_ptr<FunctionTable> table = session.functions();
 };
@@ -132,6 +133,8 @@ TEST_F(CalcTest, FailuresNameTheirPlaceAndCause) {
         {"Get ( Nonsense )", "Nonsense", "`Get` knows no `Nonsense`"},
         {"GetSensor ( 1 )", "GetSensor", "the host has no `GetSensor` (a device with sensors)"},
         {"\"a\" & \"b", "\"", "text constant must end with a quotation mark"},
+        {"1 & Wrong", "Wrong",
+         "custom function `Wrong`: number, text constant, field name or \"(\" expected"},
         {"1 + Upper ( Let ( $x[0] = 1 ; 1 ) )", "Let", "a variable has no such repetition"},
     };
     for (const auto& [source, near, message] : examples) {

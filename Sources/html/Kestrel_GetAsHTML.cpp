@@ -37,10 +37,16 @@ bool hasValue(const fmx::Text& text, const fmx::ExprEnv& env) {
 struct Conversion {
     const fmx::ExprEnv& env;
     ParamVector tagParams, classParams, styleParams;
-    ClassMap classMap = {};
-    TextReader reader{env};
-    std::vector<cFragment> fragments = {}; ///< of the paragraph that is read
-    fmx::TextUniquePtr body = {};
+    ClassMap classMap;
+    TextReader reader;
+    std::vector<cFragment> fragments; ///< of the paragraph that is read
+    fmx::TextUniquePtr body;
+
+    Conversion(const fmx::ExprEnv& environment, const fmx::Text& tags, const fmx::Text& classes,
+               const fmx::Text& styles)
+        : env(environment), tagParams(parseTagOrClassOrStyleParam(tags, true)),
+          classParams(parseTagOrClassOrStyleParam(classes, true)),
+          styleParams(parseTagOrClassOrStyleParam(styles, false)), reader(environment) {}
 
     void endParagraph(const fmx::Text& source, const std::string& alignment) {
         transformRichtextToHTML(source, alignment, tagParams, classParams, styleParams, env, fragments,
@@ -129,9 +135,7 @@ void transformRichtextToHTML(const fmx::Text& source, const std::string& alignme
 void transformRichtextToHTMLWithEvaluate(const fmx::Text& text, const fmx::Text& tags,
                                          const fmx::Text& classes, const fmx::Text& styles,
                                          const fmx::ExprEnv& env, fmx::TextAutoPtr& output) {
-    Conversion conversion{env, parseTagOrClassOrStyleParam(tags, true),
-                          parseTagOrClassOrStyleParam(classes, true),
-                          parseTagOrClassOrStyleParam(styles, false)};
+    Conversion conversion(env, tags, classes, styles);
     if (paramVectorHasKey(conversion.tagParams, "all")) {
         paramVectorEraseKey(conversion.tagParams, "all");
         addDefaultFormattingsForTag(conversion.tagParams);

@@ -203,7 +203,7 @@ const Node* Parser::parenthesis() {
 }
 
 const Node* Parser::name() {
-    const Token name = token_;
+    const Token name = std::move(token_);
     advance();
     const bool isCall = at(Token::Kind::leftParenthesis);
     if (name.isQualified) failOnName(name, isCall);
