@@ -29,7 +29,7 @@ fmx::errcode answerLookup(std::string (*lookUp)(const std::string&), const char*
             return kst::answerWithError(kst::kWrongParameter, messageWithoutParameter, result, env);
         const std::string asked =
             bytesFromFMText(parameters.AtAsText(0), kMostBytes, fmx::Text::kEncoding_Native);
-        return answerWithText(lookUp(asked.c_str()), result);
+        return answerWithText(lookUp(asked.substr(0, asked.find('\0'))), result);
     });
 }
 

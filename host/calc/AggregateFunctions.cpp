@@ -112,16 +112,16 @@ DataRef spread(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Average", 1, -1, average},
-    EagerRow{u"Count", 1, -1, count},
-    EagerRow{u"List", 1, -1, list},
-    EagerRow{u"Max", 1, -1, outermost<Operator::greater>},
-    EagerRow{u"Min", 1, -1, outermost<Operator::less>},
-    EagerRow{u"StDev", 1, -1, spread<Measure::deviation, Of::sample>},
-    EagerRow{u"StDevP", 1, -1, spread<Measure::deviation, Of::population>},
-    EagerRow{u"Sum", 1, -1, sum},
-    EagerRow{u"Variance", 1, -1, spread<Measure::variance, Of::sample>},
-    EagerRow{u"VarianceP", 1, -1, spread<Measure::variance, Of::population>},
+    EagerRow{u"Average", average},
+    EagerRow{u"Count", count},
+    EagerRow{u"List", list},
+    EagerRow{u"Max", outermost<Operator::greater>},
+    EagerRow{u"Min", outermost<Operator::less>},
+    EagerRow{u"StDev", spread<Measure::deviation, Of::sample>},
+    EagerRow{u"StDevP", spread<Measure::deviation, Of::population>},
+    EagerRow{u"Sum", sum},
+    EagerRow{u"Variance", spread<Measure::variance, Of::sample>},
+    EagerRow{u"VarianceP", spread<Measure::variance, Of::population>},
 };
 
 } // namespace

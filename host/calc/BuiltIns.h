@@ -50,21 +50,18 @@ inline void checkTextSize(std::size_t units) {
 /// A row of a family's table: a function that needs its arguments alone.
 struct EagerRow {
     std::u16string_view name;
-    int minimum, maximum; ///< -1: no upper limit
     DataRef (*implementation)(std::span<const DataRef>);
     int listSize = 0; ///< as in Function
 };
 /// A function that also needs the evaluation.
 struct EvaluationRow {
     std::u16string_view name;
-    int minimum, maximum;
     DataRef (*implementation)(Evaluation&, std::span<const DataRef>);
     Form form = Form::values;
 };
 /// A function that evaluates its own arguments.
 struct LazyRow {
     std::u16string_view name;
-    int minimum, maximum;
     DataRef (*implementation)(Evaluation&, std::span<const Node* const>);
     Form form = Form::values;
 };

@@ -101,9 +101,9 @@ DataRef ofFirst(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"GetContainerAttribute", 2, 2, containerAttribute},
-    EagerRow{u"GetHeight", 1, 1, ofFirst<height>},
-    EagerRow{u"GetWidth", 1, 1, ofFirst<width>},
+    EagerRow{u"GetContainerAttribute", containerAttribute},
+    EagerRow{u"GetHeight", ofFirst<height>},
+    EagerRow{u"GetWidth", ofFirst<width>},
 };
 
 } // namespace

@@ -31,11 +31,11 @@ DataRef asDateTime(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"GetAsText", 1, 1, asText},
-    EagerRow{u"GetAsNumber", 1, 1, asNumber},
-    EagerRow{u"GetAsDate", 1, 1, asDateTime<DataType::date>},
-    EagerRow{u"GetAsTime", 1, 1, asDateTime<DataType::time>},
-    EagerRow{u"GetAsTimestamp", 1, 1, asDateTime<DataType::timestamp>},
+    EagerRow{u"GetAsText", asText},
+    EagerRow{u"GetAsNumber", asNumber},
+    EagerRow{u"GetAsDate", asDateTime<DataType::date>},
+    EagerRow{u"GetAsTime", asDateTime<DataType::time>},
+    EagerRow{u"GetAsTimestamp", asDateTime<DataType::timestamp>},
 };
 
 } // namespace

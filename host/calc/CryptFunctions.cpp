@@ -143,12 +143,12 @@ DataRef cryptDecryptBase64(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"CryptAuthCode", 3, 3, cryptAuthCode},
-    EagerRow{u"CryptDecrypt", 2, 2, cryptDecrypt},
-    EagerRow{u"CryptDecryptBase64", 2, 2, cryptDecryptBase64},
-    EagerRow{u"CryptDigest", 2, 2, cryptDigest},
-    EagerRow{u"CryptEncrypt", 2, 2, cryptEncrypt},
-    EagerRow{u"CryptEncryptBase64", 2, 2, cryptEncryptBase64},
+    EagerRow{u"CryptAuthCode", cryptAuthCode},
+    EagerRow{u"CryptDecrypt", cryptDecrypt},
+    EagerRow{u"CryptDecryptBase64", cryptDecryptBase64},
+    EagerRow{u"CryptDigest", cryptDigest},
+    EagerRow{u"CryptEncrypt", cryptEncrypt},
+    EagerRow{u"CryptEncryptBase64", cryptEncryptBase64},
 };
 
 } // namespace

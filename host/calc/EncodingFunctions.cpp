@@ -137,14 +137,14 @@ DataRef urlEncode(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Base64Decode", 1, 2, base64Decode},
-    EagerRow{u"Base64Encode", 1, 1, base64Encode},
-    EagerRow{u"Base64EncodeRFC", 2, 2, base64EncodeRfc},
-    EagerRow{u"GetAsURLEncoded", 1, 1, urlEncode},
-    EagerRow{u"HexDecode", 1, 2, hexDecode},
-    EagerRow{u"HexEncode", 1, 1, hexEncode},
-    EagerRow{u"TextDecode", 2, 2, textDecode},
-    EagerRow{u"TextEncode", 3, 3, textEncode},
+    EagerRow{u"Base64Decode", base64Decode},
+    EagerRow{u"Base64Encode", base64Encode},
+    EagerRow{u"Base64EncodeRFC", base64EncodeRfc},
+    EagerRow{u"GetAsURLEncoded", urlEncode},
+    EagerRow{u"HexDecode", hexDecode},
+    EagerRow{u"HexEncode", hexEncode},
+    EagerRow{u"TextDecode", textDecode},
+    EagerRow{u"TextEncode", textEncode},
 };
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "host/calc/Engine.h"
 
 #include "host/calc/BuiltIns.h"
+#include "host/calc/Catalogue.h"
 #include "host/calc/Evaluation.h"
 #include "host/calc/Parser.h"
 #include "host/calc/Problems.h"
+#include "host/values/Encoding.h"
 
 #include <array>
 #include <new>
@@ -46,13 +48,12 @@ constexpr std::array messages{
     Message{8310, "syntax error in SQL statement"},
 };
 
+/// A function with the counts of parameters that the catalogue has for it.
 template<typename Row>
 Function function(const Row& row) {
-    return {.name = std::u16string(row.name),
-            .minimum = row.minimum,
-            .maximum = row.maximum,
-            .eager = {},
-            .lazy = {}};
+    const CatalogueRow* counts = findInCatalogue(row.name);
+    if (counts == nullptr) throw std::logic_error("a function is not in the catalogue: " + toUtf8(row.name));
+    return {.name = std::u16string(row.name), .minimum = counts->minimum, .maximum = counts->maximum};
 }
 
 } // namespace
@@ -134,7 +135,8 @@ std::shared_ptr<const Function> FunctionTable::find(std::u16string_view name) co
     return row == rows_.end() ? nullptr : row->second;
 }
 
-Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file) {
+Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTable>& functions,
+             FileContext* file) {
     Parsed parsed;
     try {
         Parser parser(source, functions, file);
@@ -174,8 +176,8 @@ Result evaluate(const Expression& expression, const Environment& environment) {
 }
 
 Result evaluate(std::u16string_view source, const Environment& environment,
-                std::shared_ptr<const FunctionTable> functions) {
-    Parsed parsed = parse(source, std::move(functions), environment.file.get());
+                const std::shared_ptr<const FunctionTable>& functions) {
+    Parsed parsed = parse(source, functions, environment.file.get());
     if (parsed.error == error::none) return evaluate(*parsed.expression, environment);
     return {.error = parsed.error, .value = emptyResult(), .problem = std::move(parsed.problem)};
 }

@@ -107,7 +107,7 @@ struct Parsed {
 };
 /// Nesting deeper than 400 levels answers 1200. An empty or blank source is a calculation with an empty
 /// result. Custom functions are those of `file`, which may be null.
-Parsed parse(std::u16string_view source, std::shared_ptr<const FunctionTable> functions,
+Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTable>& functions,
              FileContext* file = nullptr);
 
 struct Result {
@@ -118,7 +118,7 @@ struct Result {
 Result evaluate(const Expression& expression, const Environment& environment);
 /// Parses and evaluates. `functions` also serves what the calculation itself evaluates.
 Result evaluate(std::u16string_view source, const Environment& environment,
-                std::shared_ptr<const FunctionTable> functions);
+                const std::shared_ptr<const FunctionTable>& functions);
 
 /// Ends the calculation that runs at its next step, with error 1200, and every further one until `resume`.
 /// Each of the three may be called from a signal handler and on any thread.

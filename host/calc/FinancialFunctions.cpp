@@ -69,10 +69,10 @@ DataRef netPresentValue(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"PMT", 3, 3, ofValid<payment>},
-    EagerRow{u"PV", 3, 3, ofValid<valueOfPayments<true>>},
-    EagerRow{u"FV", 3, 3, ofValid<valueOfPayments<false>>},
-    EagerRow{u"NPV", 2, 2, ofValid<netPresentValue>},
+    EagerRow{u"PMT", ofValid<payment>},
+    EagerRow{u"PV", ofValid<valueOfPayments<true>>},
+    EagerRow{u"FV", ofValid<valueOfPayments<false>>},
+    EagerRow{u"NPV", ofValid<netPresentValue>},
 };
 
 } // namespace

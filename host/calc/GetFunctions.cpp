@@ -116,9 +116,9 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ScriptNames", 1, 1, scriptNames},
-    EvaluationRow{u"DatabaseNames", 0, 0, databaseNames},
-    EvaluationRow{u"ExecuteSQL", 3, -1, executeSql},
+    EvaluationRow{u"ScriptNames", scriptNames},
+    EvaluationRow{u"DatabaseNames", databaseNames},
+    EvaluationRow{u"ExecuteSQL", executeSql},
 };
 
 } // namespace

@@ -209,14 +209,14 @@ DataRef numToJText(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Hiragana", 1, 1, hiragana},
-    EagerRow{u"Katakana", 1, 1, replacing<kToKatakana>},
-    EagerRow{u"KanaHankaku", 1, 1, kanaHankaku},
-    EagerRow{u"KanaZenkaku", 1, 1, kanaZenkaku},
-    EagerRow{u"RomanHankaku", 1, 1, replacing<kToNarrowRoman>},
-    EagerRow{u"RomanZenkaku", 1, 1, replacing<kToWideRoman>},
-    EagerRow{u"KanjiNumeral", 1, 1, kanjiNumeral},
-    EagerRow{u"NumToJText", 3, 3, numToJText},
+    EagerRow{u"Hiragana", hiragana},
+    EagerRow{u"Katakana", replacing<kToKatakana>},
+    EagerRow{u"KanaHankaku", kanaHankaku},
+    EagerRow{u"KanaZenkaku", kanaZenkaku},
+    EagerRow{u"RomanHankaku", replacing<kToNarrowRoman>},
+    EagerRow{u"RomanZenkaku", replacing<kToWideRoman>},
+    EagerRow{u"KanjiNumeral", kanjiNumeral},
+    EagerRow{u"NumToJText", numToJText},
 };
 
 } // namespace

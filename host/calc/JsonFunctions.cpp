@@ -157,11 +157,6 @@ Json elementOf(const DataRef& value, const DataRef& type) {
 
 // --- Functions ---
 
-template<Type type>
-DataRef typeNumber(Arguments) {
-    return numberResult(type);
-}
-
 /// JSONGetElement ( json ; keyOrIndexOrPath )
 DataRef getElement(Arguments arguments) {
     const auto root = rootOf(arguments[0]);
@@ -284,23 +279,16 @@ DataRef parsedState(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"JSONRaw", 0, 0, typeNumber<raw>},
-    EagerRow{u"JSONString", 0, 0, typeNumber<string>},
-    EagerRow{u"JSONNumber", 0, 0, typeNumber<number>},
-    EagerRow{u"JSONObject", 0, 0, typeNumber<object>},
-    EagerRow{u"JSONArray", 0, 0, typeNumber<array>},
-    EagerRow{u"JSONBoolean", 0, 0, typeNumber<boolean>},
-    EagerRow{u"JSONNull", 0, 0, typeNumber<null>},
-    EagerRow{u"JSONDeleteElement", 2, 2, reported<deleteElement>},
-    EagerRow{u"JSONFormatElements", 1, 1, reported<formatElements>},
-    EagerRow{u"JSONGetElement", 2, 2, reported<getElement>},
-    EagerRow{u"JSONGetElementType", 2, 2, reported<getElementType>},
-    EagerRow{u"JSONListKeys", 2, 2, reported<listElements<true>>},
-    EagerRow{u"JSONListValues", 2, 2, reported<listElements<false>>},
-    EagerRow{u"JSONMakeArray", 3, 3, reported<makeArray>},
-    EagerRow{u"JSONParse", 1, 1, parse},
-    EagerRow{u"JSONParsedState", 1, 1, parsedState},
-    EagerRow{u"JSONSetElement", 4, -1, reported<setElement>, 3},
+    EagerRow{u"JSONDeleteElement", reported<deleteElement>},
+    EagerRow{u"JSONFormatElements", reported<formatElements>},
+    EagerRow{u"JSONGetElement", reported<getElement>},
+    EagerRow{u"JSONGetElementType", reported<getElementType>},
+    EagerRow{u"JSONListKeys", reported<listElements<true>>},
+    EagerRow{u"JSONListValues", reported<listElements<false>>},
+    EagerRow{u"JSONMakeArray", reported<makeArray>},
+    EagerRow{u"JSONParse", parse},
+    EagerRow{u"JSONParsedState", parsedState},
+    EagerRow{u"JSONSetElement", reported<setElement>, 3},
 };
 
 } // namespace

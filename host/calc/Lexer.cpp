@@ -73,8 +73,8 @@ constexpr std::u16string_view reserved = u"\x7F,+-*/\\^&=≠><≤≥()[]{}\";:$�
 
 constexpr std::array<bool, 128> asciiNameParts = [] {
     std::array<bool, 128> parts{};
-    for (char16_t unit = u'!'; unit < parts.size(); ++unit)
-        parts[unit] = reserved.find(unit) == std::u16string_view::npos;
+    for (std::size_t unit = u'!'; unit < parts.size(); ++unit)
+        parts[unit] = reserved.find(static_cast<char16_t>(unit)) == std::u16string_view::npos;
     return parts;
 }();
 
@@ -250,7 +250,8 @@ Token Lexer::symbol() {
             at_ += symbol.text.size();
             return made(symbol.kind, {}, symbol.op);
         }
-    U16_FWD_1(source_.data(), at_, source_.size());
+    UChar32 unknown = 0;
+    U16_NEXT(source_.data(), at_, source_.size(), unknown);
     return made(Token::Kind::unknown);
 }
 

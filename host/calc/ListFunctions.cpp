@@ -61,15 +61,15 @@ DataRef getValue(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"LeftWords", 2, 2, leftOf<wordsOf, wordsResult>},
-    EagerRow{u"RightWords", 2, 2, rightOf<wordsOf, wordsResult>},
-    EagerRow{u"MiddleWords", 3, 3, middleOf<wordsOf, wordsResult>},
-    EagerRow{u"WordCount", 1, 1, countOf<wordsOf>},
-    EagerRow{u"LeftValues", 2, 2, leftOf<valuesOf, valuesResult>},
-    EagerRow{u"RightValues", 2, 2, rightOf<valuesOf, valuesResult>},
-    EagerRow{u"MiddleValues", 3, 3, middleOf<valuesOf, valuesResult>},
-    EagerRow{u"ValueCount", 1, 1, countOf<valuesOf>},
-    EagerRow{u"GetValue", 2, 2, getValue},
+    EagerRow{u"LeftWords", leftOf<wordsOf, wordsResult>},
+    EagerRow{u"RightWords", rightOf<wordsOf, wordsResult>},
+    EagerRow{u"MiddleWords", middleOf<wordsOf, wordsResult>},
+    EagerRow{u"WordCount", countOf<wordsOf>},
+    EagerRow{u"LeftValues", leftOf<valuesOf, valuesResult>},
+    EagerRow{u"RightValues", rightOf<valuesOf, valuesResult>},
+    EagerRow{u"MiddleValues", middleOf<valuesOf, valuesResult>},
+    EagerRow{u"ValueCount", countOf<valuesOf>},
+    EagerRow{u"GetValue", getValue},
 };
 
 } // namespace

@@ -132,23 +132,23 @@ DataRef setPrecision(Evaluation& evaluation, Nodes arguments) {
 }
 
 constexpr std::array lazyRows{
-    LazyRow{u"If", 2, 3, firstTrue},
-    LazyRow{u"Case", 2, -1, firstTrue},
-    LazyRow{u"Choose", 2, -1, choose},
-    LazyRow{u"Let", 2, 2, let, Form::assignment},
-    LazyRow{u"While", 4, 4, whileLoop, Form::loop},
-    LazyRow{u"IsValid", 1, 1, isValid},
-    LazyRow{u"EvaluationError", 1, 1, evaluationError},
-    LazyRow{u"SetPrecision", 2, 2, setPrecision},
-    LazyRow{u"SetRecursion", 2, 2, setRecursion},
+    LazyRow{u"If", firstTrue},
+    LazyRow{u"Case", firstTrue},
+    LazyRow{u"Choose", choose},
+    LazyRow{u"Let", let, Form::assignment},
+    LazyRow{u"While", whileLoop, Form::loop},
+    LazyRow{u"IsValid", isValid},
+    LazyRow{u"EvaluationError", evaluationError},
+    LazyRow{u"SetPrecision", setPrecision},
+    LazyRow{u"SetRecursion", setRecursion},
 };
 constexpr std::array evaluationRows{
-    EvaluationRow{u"IsValidExpression", 1, 1, isValidExpression},
-    EvaluationRow{u"Evaluate", 1, 2, evaluateText, Form::triggers},
+    EvaluationRow{u"IsValidExpression", isValidExpression},
+    EvaluationRow{u"Evaluate", evaluateText, Form::triggers},
 };
 constexpr std::array eagerRows{
-    EagerRow{u"IsEmpty", 1, 1, isEmpty},
-    EagerRow{u"GetAsBoolean", 1, 1, getAsBoolean},
+    EagerRow{u"IsEmpty", isEmpty},
+    EagerRow{u"GetAsBoolean", getAsBoolean},
 };
 
 } // namespace

@@ -126,8 +126,8 @@ DataRef getAsSvg(Evaluation& evaluation, Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EvaluationRow{u"GetAsCSS", 1, 1, getAsCss},
-    EvaluationRow{u"GetAsSVG", 1, 1, getAsSvg},
+    EvaluationRow{u"GetAsCSS", getAsCss},
+    EvaluationRow{u"GetAsSVG", getAsSvg},
 };
 
 } // namespace

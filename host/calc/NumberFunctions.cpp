@@ -103,19 +103,19 @@ DataRef random(Arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Abs", 1, 1, ofValid<absolute>},
-    EagerRow{u"Ceiling", 1, 1, ofValid<ceiling>},
-    EagerRow{u"Combination", 2, 2, ofValid<combination>},
-    EagerRow{u"Div", 2, 2, ofValid<quotient>},
-    EagerRow{u"Factorial", 1, 2, ofValid<factorial>},
-    EagerRow{u"Floor", 1, 1, ofValid<floor>},
-    EagerRow{u"Int", 1, 1, ofValid<integer>},
-    EagerRow{u"Mod", 2, 2, ofValid<modulo>},
-    EagerRow{u"Random", 0, 0, random},
-    EagerRow{u"Round", 2, 2, ofValid<round>},
-    EagerRow{u"Sign", 1, 1, ofValid<sign>},
-    EagerRow{u"Sqrt", 1, 1, ofValid<squareRoot>},
-    EagerRow{u"Truncate", 2, 2, ofValid<truncate>},
+    EagerRow{u"Abs", ofValid<absolute>},
+    EagerRow{u"Ceiling", ofValid<ceiling>},
+    EagerRow{u"Combination", ofValid<combination>},
+    EagerRow{u"Div", ofValid<quotient>},
+    EagerRow{u"Factorial", ofValid<factorial>},
+    EagerRow{u"Floor", ofValid<floor>},
+    EagerRow{u"Int", ofValid<integer>},
+    EagerRow{u"Mod", ofValid<modulo>},
+    EagerRow{u"Random", random},
+    EagerRow{u"Round", ofValid<round>},
+    EagerRow{u"Sign", ofValid<sign>},
+    EagerRow{u"Sqrt", ofValid<squareRoot>},
+    EagerRow{u"Truncate", ofValid<truncate>},
 };
 
 } // namespace

@@ -108,19 +108,19 @@ DataRef pi(Arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Exp", 1, 1, ofValid<exponential>},
-    EagerRow{u"Ln", 1, 1, ofValid<logarithm<naturalLogarithm>>},
-    EagerRow{u"Log", 1, 1, ofValid<logarithm<decimalLogarithm>>},
-    EagerRow{u"Lg", 1, 1, ofValid<logarithm<binaryLogarithm>>},
-    EagerRow{u"Pi", 0, 0, pi},
-    EagerRow{u"Sin", 1, 1, ofValid<trigonometric<sine>>},
-    EagerRow{u"Cos", 1, 1, ofValid<trigonometric<cosine>>},
-    EagerRow{u"Tan", 1, 1, ofValid<trigonometric<tangent>>},
-    EagerRow{u"Asin", 1, 1, ofValid<inverse<arcSine>>},
-    EagerRow{u"Acos", 1, 1, ofValid<inverse<arcCosine>>},
-    EagerRow{u"Atan", 1, 1, ofValid<trigonometric<arcTangent>>},
-    EagerRow{u"Degrees", 1, 1, ofValid<trigonometric<radiansToDegrees>>},
-    EagerRow{u"Radians", 1, 1, ofValid<trigonometric<degreesToRadians>>},
+    EagerRow{u"Exp", ofValid<exponential>},
+    EagerRow{u"Ln", ofValid<logarithm<naturalLogarithm>>},
+    EagerRow{u"Log", ofValid<logarithm<decimalLogarithm>>},
+    EagerRow{u"Lg", ofValid<logarithm<binaryLogarithm>>},
+    EagerRow{u"Pi", pi},
+    EagerRow{u"Sin", ofValid<trigonometric<sine>>},
+    EagerRow{u"Cos", ofValid<trigonometric<cosine>>},
+    EagerRow{u"Tan", ofValid<trigonometric<tangent>>},
+    EagerRow{u"Asin", ofValid<inverse<arcSine>>},
+    EagerRow{u"Acos", ofValid<inverse<arcCosine>>},
+    EagerRow{u"Atan", ofValid<trigonometric<arcTangent>>},
+    EagerRow{u"Degrees", ofValid<trigonometric<radiansToDegrees>>},
+    EagerRow{u"Radians", ofValid<trigonometric<degreesToRadians>>},
 };
 
 } // namespace

@@ -40,9 +40,9 @@ DataRef last(Evaluation& evaluation, Nodes arguments) {
 }
 
 constexpr std::array rows{
-    LazyRow{u"Extend", 1, 1, extend},
-    LazyRow{u"GetRepetition", 2, 2, getRepetition},
-    LazyRow{u"Last", 1, 1, last},
+    LazyRow{u"Extend", extend},
+    LazyRow{u"GetRepetition", getRepetition},
+    LazyRow{u"Last", last},
 };
 
 } // namespace

@@ -119,8 +119,8 @@ DataRef verifySignature(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"CryptGenerateSignature", 4, 4, generateSignature},
-    EagerRow{u"CryptVerifySignature", 4, 4, verifySignature},
+    EagerRow{u"CryptGenerateSignature", generateSignature},
+    EagerRow{u"CryptVerifySignature", verifySignature},
 };
 
 } // namespace

@@ -128,9 +128,9 @@ DataRef filterValues(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"SortValues", 1, 3, sortValues},
-    EagerRow{u"UniqueValues", 1, 3, uniqueValues},
-    EagerRow{u"FilterValues", 2, 2, filterValues},
+    EagerRow{u"SortValues", sortValues},
+    EagerRow{u"UniqueValues", uniqueValues},
+    EagerRow{u"FilterValues", filterValues},
 };
 
 } // namespace

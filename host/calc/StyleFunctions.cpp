@@ -127,18 +127,18 @@ DataRef textFormatRemove(Arguments arguments) {
 
 /// The script that may follow a font changes nothing.
 constexpr std::array evaluationRows{
-    EvaluationRow{u"TextColor", 2, 2, addTrait<colorTrait>},
-    EvaluationRow{u"TextFont", 2, 3, addTrait<fontTrait>},
-    EvaluationRow{u"TextSize", 2, 2, addTrait<sizeTrait>},
-    EvaluationRow{u"TextColorRemove", 1, 2, removeTrait<colorTrait, &CharacterStyle::enableColor>},
-    EvaluationRow{u"TextFontRemove", 1, 3, removeTrait<fontTrait, &CharacterStyle::enableFont>},
-    EvaluationRow{u"TextSizeRemove", 1, 2, removeTrait<sizeTrait, &CharacterStyle::enableSize>},
+    EvaluationRow{u"TextColor", addTrait<colorTrait>},
+    EvaluationRow{u"TextFont", addTrait<fontTrait>},
+    EvaluationRow{u"TextSize", addTrait<sizeTrait>},
+    EvaluationRow{u"TextColorRemove", removeTrait<colorTrait, &CharacterStyle::enableColor>},
+    EvaluationRow{u"TextFontRemove", removeTrait<fontTrait, &CharacterStyle::enableFont>},
+    EvaluationRow{u"TextSizeRemove", removeTrait<sizeTrait, &CharacterStyle::enableSize>},
 };
 constexpr std::array eagerRows{
-    EagerRow{u"RGB", 3, 3, rgb},
-    EagerRow{u"TextFormatRemove", 1, 1, textFormatRemove},
-    EagerRow{u"TextStyleAdd", 2, 2, textStyleAdd},
-    EagerRow{u"TextStyleRemove", 2, 2, textStyleRemove},
+    EagerRow{u"RGB", rgb},
+    EagerRow{u"TextFormatRemove", textFormatRemove},
+    EagerRow{u"TextStyleAdd", textStyleAdd},
+    EagerRow{u"TextStyleRemove", textStyleRemove},
 };
 
 } // namespace

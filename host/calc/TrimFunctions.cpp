@@ -64,8 +64,8 @@ DataRef trimAll(Arguments arguments) {
 }
 
 constexpr std::array rows{
-    EagerRow{u"Trim", 1, 1, trim},
-    EagerRow{u"TrimAll", 3, 3, trimAll},
+    EagerRow{u"Trim", trim},
+    EagerRow{u"TrimAll", trimAll},
 };
 
 } // namespace

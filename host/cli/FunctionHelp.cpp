@@ -63,4 +63,26 @@ std::string functionList(std::u16string_view word, LoadedPlugIn& loaded) {
     return list;
 }
 
+std::string functionsPage(const calc::FunctionTable& functions) {
+    std::string page =
+        "# The functions of the app\n\nThe host has the functions without a word in the last column. "
+        "For any other function a calculation\nfails with error 1225; the word says what the "
+        "function needs.\n`./kestrel help --functions-page` writes this page.\n";
+    std::string_view category;
+    for (const calc::CatalogueRow& row : calc::catalogue()) {
+        if (row.category != category)
+            page += "\n## " + std::string(row.category) + "\n\n| Function | Gives | Missing |\n|---|---|---|\n";
+        category = row.category;
+        const std::string_view lack = functions.find(fromUtf8(row.name)) ? "" : row.needs;
+        page.append("| `")
+            .append(row.signature)
+            .append("` | ")
+            .append(row.sentence)
+            .append(" | ")
+            .append(lack);
+        page += " |\n";
+    }
+    return page;
+}
+
 } // namespace host::cli

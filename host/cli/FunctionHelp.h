@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/calc/Engine.h"
+
 #include <string>
 #include <string_view>
 
@@ -17,5 +19,8 @@ std::string helpFor(std::u16string_view name, LoadedPlugIn& loaded);
 /// The names of the functions that contain a word, in alphabetical order, one a line; all of them for an
 /// empty word.
 std::string functionList(std::u16string_view word, LoadedPlugIn& loaded);
+
+/// A Markdown page of the app's functions by category; those that `functions` lacks have the reason.
+std::string functionsPage(const calc::FunctionTable& functions);
 
 } // namespace host::cli

@@ -14,6 +14,7 @@ namespace {
 struct HelpOptions {
     SessionOptions session;
     std::string topic; ///< a command or a function; empty: the program
+    bool page = false; ///< the page of all functions of the app in place of a topic
 };
 
 /// CLI::App::help would describe the command that runs, which is this one.
@@ -22,6 +23,10 @@ std::string textOf(const CLI::App& command, const std::string& name) {
 }
 
 int help(const CLI::App& application, const HelpOptions& options) {
+    if (options.page) {
+        write(functionsPage(calc::FunctionTable()));
+        return kSucceeded;
+    }
     if (options.topic.empty()) {
         write(textOf(application, application.get_name()));
         return kSucceeded;
@@ -45,6 +50,7 @@ Command addHelp(CLI::App& application) {
     CLI::App& command = *application.add_subcommand("help", "Describes a command or a function.");
     addPlugInOption(command, options->session);
     command.add_option("topic", options->topic, "a command or a function")->type_name("COMMAND|FUNCTION");
+    command.add_flag("--functions-page", options->page, "write docs/host-functions.md")->group("Documents");
     return {.options = &command,
             .run = [options, &application] { return help(application, *options); },
             .takeArguments = {}};

@@ -59,6 +59,10 @@ expect = subprocess.run([host, "expect", *examples], text=True, stdout=subproces
 if expect.returncode != 0:
     failures.append(expect.stdout)
 
+written = run("./kestrel help --functions-page")
+if written != (root / "docs/host-functions.md").read_text():
+    failures.append("docs/host-functions.md is not what ./kestrel help --functions-page writes")
+
 print(f"{count} commands; {expect.stdout.splitlines()[-1]}")
 if failures or count < 20 or len(prototypes) != len(pages) - 1:
     sys.exit("\n".join(failures) or "there are too few commands or pages")
