@@ -54,7 +54,7 @@ struct Conversion {
         fragments.clear();
     }
 
-    /// The text's own paragraphs. One alone stands without an element.
+    /// Converts the text's own paragraphs. A single paragraph has no element.
     void convertText(const fmx::Text& text) {
         const Units units = unitsFromFMText(text);
         const fmx::TextUniquePtr paragraph;
@@ -70,10 +70,10 @@ struct Conversion {
         }
     }
 
-    /// The paragraphs of the expression's value, aligned as the host says.
+    /// Converts the paragraphs of the expression's value, with the host's alignment.
     void convertValue(const fmx::Text& expression) {
         const Units lineEndings = getLineEndings(expression, env);
-        // A value has a line of its own at least, so there are as many line endings as alignments or more.
+        // Every value has at least one line, so there are no fewer line endings than alignments.
         const std::vector<std::string> alignments = getLineAligns(expression, env, lineEndings.size());
         const std::vector<bool> isEnd = determineParagraphEnds(lineEndings, alignments);
         fmx::TextUniquePtr value;

@@ -35,8 +35,9 @@ std::vector<double> numbersIn(std::string bytes) {
     double number = 0;
     for (auto line = bytes.begin(); line != bytes.end();) {
         const auto end = std::find(line, bytes.end() - 1, '\r');
-        *end =
-            '\0'; // a return is white space, which would be skipped: the number would come from the next line
+        // A return is white space, which strtod_l skips: without the zero it would read the next line's
+        // number.
+        *end = '\0';
         char* endOfNumber = nullptr;
         const double read = ::strtod_l(&*line, &endOfNumber, locale.get());
         if (endOfNumber != &*line)
