@@ -85,7 +85,10 @@ File::File(Session& session, std::uint64_t id, Solution solution)
         fontId(font);
 }
 
-File::~File() = default;
+File::~File() {
+    for (const auto& [name, function] : functions_)
+        function->custom->dropExpression();
+}
 
 const Script* File::script(std::u16string_view name) const {
     const std::u16string wanted = calc::foldName(name);

@@ -20,6 +20,9 @@ public:
     /// 1208, with the cause in its message, when it does not parse.
     [[nodiscard]] ExpressionRef expression(const std::shared_ptr<const FunctionTable>& functions,
                                            FileContext& file) const;
+    /// Drops the parsed calculation, which owns the function where it calls itself. The file calls this at
+    /// its end.
+    void dropExpression() const { parsed_.reset(); }
 
 private:
     std::u16string name_;

@@ -93,7 +93,12 @@ DataRef evaluateText(Evaluation& evaluation, std::span<const DataRef> arguments)
     DataRef value;
     const int code = tried(evaluation, value, [&] {
         const ExpressionRef expression = evaluation.parseHere(arguments[0]->asText().units());
-        return evaluation.run(*expression);
+        try {
+            return evaluation.run(*expression);
+        } catch (const Error&) {
+            evaluation.forgetFailedCall(); // a part of the inner expression, which ends here
+            throw;
+        }
     });
     return code == error::none ? value : evaluation.failed(code);
 }
