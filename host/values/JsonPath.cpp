@@ -12,8 +12,9 @@ using Kind = JsonStep::Kind;
 /// The index that digits give; nothing for any other text.
 std::optional<std::size_t> indexOf(std::string_view digits) {
     std::size_t index = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, index);
+    const char* const begin = digits.data();
+    const char* const end = begin + digits.size();
+    const auto [stop, error] = std::from_chars(begin, end, index);
     return error == std::errc() && stop == end ? std::optional(index) : std::nullopt;
 }
 
@@ -105,10 +106,11 @@ void removeElement(Json& root, JsonSteps steps) {
     if (steps.empty()) return;
     Json* const parent = find(root, steps.first(steps.size() - 1));
     if (parent == nullptr || child(*parent, steps.back()) == nullptr) return;
-    if (auto* array = std::get_if<JsonArray>(&parent->value))
-        array->erase(array->begin() + static_cast<std::ptrdiff_t>(*placeIn(*array, steps.back())));
-    else
+    auto* array = std::get_if<JsonArray>(&parent->value);
+    if (array == nullptr)
         std::get<JsonObject>(parent->value).erase(steps.back().key);
+    else if (const auto place = placeIn(*array, steps.back()))
+        array->erase(array->begin() + static_cast<std::ptrdiff_t>(*place));
 }
 
 Json* makeElement(Json& root, JsonSteps steps, std::size_t& nulls) {
