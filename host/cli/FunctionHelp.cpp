@@ -71,7 +71,8 @@ std::string functionsPage(const calc::FunctionTable& functions) {
     std::string_view category;
     for (const calc::CatalogueRow& row : calc::catalogue()) {
         if (row.category != category)
-            page += "\n## " + std::string(row.category) + "\n\n| Function | Gives | Missing |\n|---|---|---|\n";
+            page +=
+                "\n## " + std::string(row.category) + "\n\n| Function | Gives | Missing |\n|---|---|---|\n";
         category = row.category;
         const std::string_view lack = functions.find(fromUtf8(row.name)) ? "" : row.needs;
         page.append("| `")
