@@ -2,6 +2,9 @@
 # One fuzzer or all of them, each for a number of seconds.
 # `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
 
+# The names of the host's functions, as a fuzzer's dictionary.
+host_functions() { sed -E 's/^[^\t]*\t([A-Za-z0-9]+).*/"\1 ( "/' "$root/host/calc/functions.tsv"; }
+
 # fuzz_one NAME SECONDS: starts from the seeds in fuzz/corpus/NAME and the inputs of earlier runs, with the fuzzer's
 # limits from fuzz/NAME.options. The output has the progress (cov: the edges reached) and every fault, but not every
 # new input.
@@ -13,6 +16,10 @@ fuzz_one() {
     mkdir -p "$found" "$failures"
     if [ -d "$root/fuzz/corpus/$name" ]; then arguments+=("$root/fuzz/corpus/$name"); fi
     if [ -f "$root/fuzz/$name.dict" ]; then arguments+=(-dict="$root/fuzz/$name.dict"); fi
+    if [ "$name" = calculation ] || [ "$name" = program ]; then
+        host_functions >"$folder/functions-of-$name.dict"
+        arguments+=(-dict="$folder/functions-of-$name.dict")
+    fi
     # The last of two contradicting options counts.
     if [ -f "$root/fuzz/$name.options" ]; then mapfile -t options < <(grep '^-' "$root/fuzz/$name.options"); fi
     say "fuzzing $name for $seconds seconds"
@@ -24,7 +31,7 @@ fuzz_one() {
 # Runs as many fuzzers at a time as there are processors.
 fuzz_all() {
     local seconds=$1
-    export -f fuzz_one say
+    export -f fuzz_one host_functions say
     export root
     find "$root/fuzz" -maxdepth 1 -name '*.cpp' -printf '%f\n' | sort | sed 's/\.cpp$//' |
         xargs -P "$jobs" -I NAME bash -euo pipefail -c 'fuzz_one NAME "$1"' fuzz "$seconds"
