@@ -2,7 +2,7 @@
 
 /// The classes of one conversion. Equal declarations share a class. A name has one set of declarations.
 
-#include "html/Fragment.h"
+#include "html/Css.h"
 #include "html/ParamVector.h"
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 /// From a class's name to its declarations, in name order.
 class ClassMap {
@@ -26,11 +27,16 @@ public:
     [[nodiscard]] Classes::const_iterator begin() const { return classes_.begin(); }
     [[nodiscard]] Classes::const_iterator end() const { return classes_.end(); }
 
-    /// The cache of fragmentsPostProcessing: the outcome for a run, by the run's formattings. It is kept here
-    /// because outcomes contain names of this map's classes.
+    /// The elements, classes and declarations that formattings become.
+    struct Outcome {
+        std::vector<std::string> tags, cssClasses;
+        InlineStyles inlineStyles;
+    };
+    /// The cache of fragmentsPostProcessing. It is kept here because outcomes contain names of this map's
+    /// classes.
     struct Outcomes {
         ParamVector tagParams, classParams, styleParams; ///< the outcomes' parameters
-        std::map<Formattings, cFragment> runs;
+        std::map<Formattings, Outcome> ofFormattings;
     } outcomes;
 
 private:

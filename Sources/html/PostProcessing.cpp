@@ -18,9 +18,8 @@ bool isBlockElement(std::string_view tag) {
     return std::find(std::begin(kBlockElements), std::end(kBlockElements), tag) != std::end(kBlockElements);
 }
 
-/// A run without characters, with the elements, classes and declarations of the formattings.
-cFragment processed(const Formattings& formattings, ClassMap& classMap) {
-    const auto& [tagParams, classParams, styleParams, runs] = classMap.outcomes;
+ClassMap::Outcome processed(const Formattings& formattings, ClassMap& classMap) {
+    const auto& [tagParams, classParams, styleParams, cached] = classMap.outcomes;
     cFragment run;
     run.formattings = formattings;
     for (const auto& [combination, element] : tagParams)
@@ -30,20 +29,18 @@ cFragment processed(const Formattings& formattings, ClassMap& classMap) {
         if (combination == "all") break;
     }
     if (!paramVectorHasKey(styleParams, "all")) run.filterFormattings(styleParams);
-    run.inlineStyles = CSSFromFormattings(run.formattings);
-    run.formattings.clear();
-    return run;
+    return {std::move(run.tags), std::move(run.cssClasses), CSSFromFormattings(run.formattings)};
 }
 
-/// The same from the cache, which it fills. Equal formattings always have the same outcome, because classes
-/// with equal declarations are the same class.
-const cFragment& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
-    auto& runs = classMap.outcomes.runs;
-    const auto known = runs.find(formattings);
-    if (known != runs.end()) return known->second;
-    cFragment run = processed(formattings, classMap);
-    if (runs.size() == kMostOutcomes) runs.clear();
-    return runs.emplace(std::move(formattings), std::move(run)).first->second;
+/// The outcome from the cache, which this function fills. Equal formattings always have the same outcome,
+/// because classes with equal declarations are the same class.
+const ClassMap::Outcome& outcomeOf(Formattings&& formattings, ClassMap& classMap) {
+    auto& cached = classMap.outcomes.ofFormattings;
+    const auto known = cached.find(formattings);
+    if (known != cached.end()) return known->second;
+    ClassMap::Outcome outcome = processed(formattings, classMap);
+    if (cached.size() == kMostOutcomes) cached.clear();
+    return cached.emplace(std::move(formattings), std::move(outcome)).first->second;
 }
 
 /// Moves the text of a run in front of the next run's text. One array collects the characters of a chain of
@@ -70,10 +67,10 @@ void fragmentsPostProcessing(std::vector<cFragment>& fragments, ClassMap& classM
         outcomes.styleParams != styleParams)
         outcomes = {tagParams, classParams, styleParams, {}};
     for (cFragment& fragment : fragments) {
-        const cFragment& run = outcomeOf(std::move(fragment.formattings), classMap);
-        fragment.tags.insert(fragment.tags.end(), run.tags.begin(), run.tags.end());
-        fragment.cssClasses.insert(fragment.cssClasses.end(), run.cssClasses.begin(), run.cssClasses.end());
-        fragment.inlineStyles = run.inlineStyles;
+        const auto& [tags, cssClasses, inlineStyles] = outcomeOf(std::move(fragment.formattings), classMap);
+        fragment.tags.insert(fragment.tags.end(), tags.begin(), tags.end());
+        fragment.cssClasses.insert(fragment.cssClasses.end(), cssClasses.begin(), cssClasses.end());
+        fragment.inlineStyles = inlineStyles;
         fragment.formattings.clear();
     }
 }
