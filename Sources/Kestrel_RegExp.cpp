@@ -2,6 +2,7 @@
 #include "bridge/HandlerFrame.h"
 #include "bridge/LastError.h"
 #include "bridge/StringUtils.h"
+#include "bridge/Unicode.h"
 #include "bridge/cFMUtils.h"
 #include "bridge/fmlib.h"
 #include "platform/Platform.h"
@@ -11,31 +12,16 @@
 #include <regex>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 /// Text by patterns: the standard library's expressions replace, the platform's count.
 
 namespace {
 
-/// What counting reads of a text and of a pattern, the terminating zero included.
+/// The bytes of a text and of a pattern that counting reads, with the terminating zero.
 constexpr std::size_t kBufferSize = 1024;
 
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
-/// The bytes without a last character that is not whole, as the host leaves it when it cuts.
-std::string_view withoutCutCharacter(std::string_view utf8) {
-    constexpr std::size_t mostContinuations = 3;
-    std::size_t last = utf8.size();
-    while (last > 0 && utf8.size() - last < mostContinuations && isContinuation(utf8[last - 1]))
-        --last;
-    if (last == 0) return utf8;
-    const auto lead = static_cast<unsigned char>(utf8[--last]);
-    const std::size_t wanted = lead >= 0xF0U ? 4 : lead >= 0xE0U ? 3 : lead >= 0xC0U ? 2 : 1;
-    return utf8.size() - last < wanted ? utf8.substr(0, last) : utf8;
-}
-
-/// The text's first 1023 bytes of UTF-8, up to the first zero: the characters that are whole. What is no
-/// UTF-8 becomes U+FFFD, so there is always a text. It is UTF-8 whatever the host's native encoding.
+/// The whole characters in the text's first 1023 bytes of UTF-8, up to the first zero. Malformed UTF-8
+/// becomes U+FFFD, so there is always a text. The host's native encoding plays no part.
 platform::Units beginningOf(const fmx::Text& text) {
     std::array<char, kBufferSize> buffer{};
     text.GetBytes(buffer.data(), static_cast<fmx::uint32>(buffer.size()), 0, fmx::Text::kSize_End,

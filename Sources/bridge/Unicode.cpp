@@ -16,6 +16,7 @@ constexpr char32_t kSurrogateMask = 0x3FF;
 /// The bits of a character that one byte after the lead byte carries.
 constexpr unsigned kContinuationBits = 6;
 constexpr char32_t kContinuationMask = 0x3F;
+constexpr std::size_t kMostContinuations = 3;
 constexpr unsigned char kLowestContinuation = 0x80, kHighestContinuation = 0xBF;
 
 /// The bytes that may follow a lead byte: their number, and the range of the first of them. The range
@@ -33,12 +34,16 @@ constexpr Sequence kSequences[] = {
     {0xF0, 0xF0, 3, 0x90, 0xBF, 0x07}, {0xF1, 0xF3, 3, 0x80, 0xBF, 0x07}, {0xF4, 0xF4, 3, 0x80, 0x8F, 0x07},
 };
 
+/// The sequence that begins with a byte; the end of kSequences when there is none.
+const Sequence* sequenceOf(unsigned char lead) {
+    return std::find_if(std::begin(kSequences), std::end(kSequences),
+                        [lead](const Sequence& s) { return lead >= s.firstLead && lead <= s.lastLead; });
+}
+
 /// The character at `position` of UTF-8, which moves past it. U+FFFD for a malformed sequence.
 char32_t characterFromUtf8(std::string_view utf8, std::size_t& position) {
     const auto lead = static_cast<unsigned char>(utf8[position++]);
-    const auto* const sequence =
-        std::find_if(std::begin(kSequences), std::end(kSequences),
-                     [lead](const Sequence& s) { return lead >= s.firstLead && lead <= s.lastLead; });
+    const Sequence* const sequence = sequenceOf(lead);
     if (sequence == std::end(kSequences)) return kReplacement;
     char32_t character = lead & sequence->leadMask;
     unsigned char lowest = sequence->lowest;
@@ -108,6 +113,17 @@ Units utf16FromUtf8(std::string_view utf8) {
     units.reserve(utf8.size());
     appendUtf16(units, utf8);
     return units;
+}
+
+std::string_view withoutCutCharacter(std::string_view utf8) {
+    const std::size_t earliest = utf8.size() - std::min<std::size_t>(utf8.size(), kMostContinuations + 1);
+    std::size_t last = utf8.size();
+    while (last > earliest) {
+        const Sequence* const sequence = sequenceOf(static_cast<unsigned char>(utf8[--last]));
+        if (sequence != std::end(kSequences))
+            return utf8.size() - last <= sequence->more ? utf8.substr(0, last) : utf8;
+    }
+    return utf8;
 }
 
 std::string utf8FromUtf16(std::u16string_view units) {

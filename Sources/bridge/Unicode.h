@@ -14,6 +14,9 @@ void appendUtf16(Units& units, std::string_view utf8);
 /// UTF-8 as UTF-16, by the same rule.
 Units utf16FromUtf8(std::string_view utf8);
 
+/// The bytes of UTF-8 without an incomplete last character, as the host leaves it when it cuts a text.
+std::string_view withoutCutCharacter(std::string_view utf8);
+
 /// UTF-16 as UTF-8. Each surrogate without its other half becomes U+FFFD.
 std::string utf8FromUtf16(std::u16string_view units);
 
