@@ -25,10 +25,10 @@ bool hasLine(const fmx::Text& lines, const fmx::Text& line) {
 /// True when the file has the script. The file's name is written as in a text of a calculation; an empty name
 /// means the calling file.
 bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fmx::ExprEnv& env) {
-    constexpr std::string_view kBeforeName = "ScriptNames( \"";
+    constexpr std::string_view kNamesOfFile = "ScriptNames( \"\" )";
     const fmx::TextUniquePtr expression;
-    expression->Assign("ScriptNames( \"\" )");
-    expression->InsertText(fileName, kBeforeName.size());
+    expression->Assign(kNamesOfFile.data());
+    expression->InsertText(fileName, kNamesOfFile.find('"') + 1);
     const fmx::DataUniquePtr names;
     return env.Evaluate(*expression, *names) == 0 && hasLine(names->GetAsText(), scriptName);
 }
