@@ -7,22 +7,22 @@
 #include <vector>
 
 /// The bound of open alternatives and of steps. A search is a walk through a tree: an alternative or a
-/// repetition makes it branch, a comparison of a character ends what can be told of it beforehand. For each
-/// part P of a pattern the reader knows two passages, s(P) from its start and r(P) from behind a comparison
-/// in it. A passage goes as far as the next comparison or the end of the part, and has
+/// repetition makes it branch. Its course after a comparison of a character depends on the text. For each
+/// part P of a pattern the reader knows two passages, s(P) from its start and r(P) from a comparison in it. A
+/// passage ends at the next comparison or at the end of the part, and has
 ///
-///   ways    that reach the end,
-///   steps   of all its ways together,
-///   open    alternatives, on the way that leaves the most of them open.
+///   ways    the number that reach the end,
+///   steps   the number on all ways together,
+///   open    the open alternatives of the way that has the most.
 ///
-/// One passage behind another, X Y, and one beside another, X|Y:
+/// One passage after another, X Y, and one beside another, X|Y:
 ///
 ///   ways(X Y) = ways(X) · ways(Y)                   ways(X|Y) = ways(X) + ways(Y)
 ///   steps(X Y) = steps(X) + ways(X) · steps(Y)      steps(X|Y) = 1 + steps(X) + steps(Y)
 ///   open(X Y) = open(X) + open(Y), if X has a way   open(X|Y) = 1 + the larger of the two
 ///
 /// A character has s = no way and r = one way; an anchor has s = one way and r = no way. An assertion is
-/// passed once at most and moves nothing forward, so it has s = r = one way, with the steps of its content.
+/// passed at most once and consumes no character, so it has s = r = one way, with the steps of its content.
 /// With "max" for the larger number of each kind:
 ///
 ///   s(PQ) = s(P) s(Q)                       r(PQ) = max(r(P) s(Q), r(Q))
@@ -31,8 +31,8 @@
 ///   s(P{n,}) = s(P{n}), n > 0               r(P{n,}) = r(P) max(s(P{n-1}), nothing|s(P))
 ///   s(P*) = nothing|s(P)                    r(P*) = r(P) s(P*)
 ///
-/// The last two lines hold because the library begins no further round behind an empty one, once n are done.
-/// The whole pattern's bound is max(s, r).
+/// The last two lines hold because after n rounds the library begins no further one after an empty one. The
+/// whole pattern's bound is max(s, r).
 
 namespace kst {
 namespace {
@@ -59,7 +59,7 @@ constexpr Passage kNothing{1, 0, 0};
 Passage capped(const Passage& passage) {
     return {std::min(passage.ways, kMost), std::min(passage.steps, kMost), std::min(passage.open, kMost)};
 }
-Passage behind(const Passage& first, const Passage& second) {
+Passage inSequence(const Passage& first, const Passage& second) {
     return capped({first.ways * second.ways, first.steps + first.ways * second.steps,
                    first.open + (first.ways > 0 ? second.open : 0)});
 }
@@ -71,7 +71,7 @@ Passage larger(const Passage& first, const Passage& second) {
     return {std::max(first.ways, second.ways), std::max(first.steps, second.steps),
             std::max(first.open, second.open)};
 }
-/// A passage `count` times behind itself. Each round is a step.
+/// A passage repeated `count` times. Each round is a step.
 Passage rounds(const Passage& passage, double count) {
     const double ways = std::pow(passage.ways, count);
     const double begun = passage.ways == 1 ? count : (ways - 1) / (passage.ways - 1);
@@ -90,8 +90,8 @@ constexpr Part kReference{{1, kStepsOfAnchor, 0}, kNothing};
 constexpr Part kEdgeOfGroup{{1, 1, 0}, {}};
 
 Part sequence(const Part& first, const Part& second) {
-    return {behind(first.fromStart, second.fromStart),
-            larger(behind(first.fromComparison, second.fromStart), second.fromComparison)};
+    return {inSequence(first.fromStart, second.fromStart),
+            larger(inSequence(first.fromComparison, second.fromStart), second.fromComparison)};
 }
 Part alternatives(const Part& first, const Part& second) {
     return {beside(first.fromStart, second.fromStart), larger(first.fromComparison, second.fromComparison)};
@@ -99,8 +99,8 @@ Part alternatives(const Part& first, const Part& second) {
 Part repeated(const Part& part, double least, bool mayBeMore) {
     const Passage& round = part.fromStart;
     const Passage oneMore = mayBeMore ? beside(kNothing, round) : kNothing;
-    if (least == 0) return {oneMore, behind(part.fromComparison, oneMore)};
-    return {rounds(round, least), behind(part.fromComparison, larger(rounds(round, least - 1), oneMore))};
+    if (least == 0) return {oneMore, inSequence(part.fromComparison, oneMore)};
+    return {rounds(round, least), inSequence(part.fromComparison, larger(rounds(round, least - 1), oneMore))};
 }
 
 enum class Kind { capture, group, assertion };
@@ -126,7 +126,7 @@ struct Group {
     Kind kind = Kind::group;
     std::optional<Part> finished; ///< its finished alternatives
     Part alternative;             ///< this one, up to the last item
-    Part last;                    ///< a quantifier behind it changes it
+    Part last;                    ///< a quantifier after it changes it
 };
 
 class Reader {
@@ -137,7 +137,7 @@ public:
         groups_.emplace_back();
         while (position_ < pattern_.size())
             readItem();
-        // Groups may be open still if the pattern is malformed; then it does not matter.
+        // Groups may still be open if the pattern is malformed; then the bound does not matter.
         const Part whole = endAlternatives();
         const Passage bound = larger(whole.fromStart, whole.fromComparison);
         outline_.open = std::max(bound.open, 1.0);
@@ -177,8 +177,7 @@ private:
         addItem(kAnchor);
     }
 
-    /// The digits of an escape that has some are read as characters of their own; only a reference to a
-    /// group needs them.
+    /// The digits of a reference to a group belong to it; those of any other escape are read as characters.
     void readEscape() {
         copy(1);
         if (position_ == pattern_.size()) return;
@@ -190,7 +189,7 @@ private:
         addItem(isReference ? kReference : kind == L'b' || kind == L'B' ? kAnchor : kCharacter);
     }
 
-    /// A set in brackets, to its end as the library sees it: where a range may end, "[" is a character.
+    /// A set in brackets, up to the end that the library finds: where a range may end, "[" is a character.
     void readSet() {
         const std::size_t begin = position_;
         copy(1);
@@ -285,12 +284,12 @@ private:
     void copy(std::size_t count) {
         const std::wstring_view piece = pattern_.substr(std::min(position_, pattern_.size()), count);
         outline_.atStart += piece;
-        outline_.behindStart += piece;
+        outline_.afterStart += piece;
         position_ += piece.size();
     }
-    void replace(std::wstring_view atStart, std::wstring_view behindStart) {
+    void replace(std::wstring_view atStart, std::wstring_view afterStart) {
         outline_.atStart += atStart;
-        outline_.behindStart += behindStart;
+        outline_.afterStart += afterStart;
         ++position_;
     }
 

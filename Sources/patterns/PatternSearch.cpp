@@ -27,8 +27,8 @@ constexpr std::int64_t kComparisonsOfCompiling = 10'000'000;
 constexpr std::int64_t kComparisonsOfAQuickLook = 1'000'000;
 constexpr double kMostBytesOfAlternatives = 512.0 * 1024 * 1024;
 
-/// Comparisons that are left to the attempt that is under way. The library copies its traits, so they have
-/// no place for it; one search at a time is under way, since the host makes one call at a time.
+/// The comparisons left to the current attempt. The library copies its traits, so these cannot hold the
+/// number; there is one search at a time, since the host makes one call at a time.
 std::int64_t gComparisonsLeft = 0;
 /// The error when none is left.
 std::regex_constants::error_type gErrorWhenNoneIsLeft = error_complexity;
@@ -37,8 +37,8 @@ void countComparison() {
     if (--gComparisonsLeft < 0) throw std::regex_error(gErrorWhenNoneIsLeft);
 }
 
-/// The library's traits, which are told of every comparison. They are told of all because the pattern is
-/// compiled as if case did not count; but to them every character is its own other case.
+/// The library's traits, which count every comparison. The library asks them at every comparison because the
+/// pattern is compiled as if case did not count; but here every character is its own other case.
 class CountingTraits : public std::regex_traits<wchar_t> {
 public:
     wchar_t translate_nocase(wchar_t c) const {
@@ -67,13 +67,13 @@ PatternOutline boundedOutline(const std::wstring& pattern) {
     return outline;
 }
 
-/// Compiling compares too, a little.
+/// Compiling makes a few comparisons too.
 Pattern compile(const std::wstring& pattern) {
     gComparisonsLeft = kComparisonsOfCompiling;
     return Pattern(pattern, kGrammar);
 }
 
-/// An alternative that is left open, as the library keeps it to come back to.
+/// The size of an open alternative, which the library keeps in order to return to it.
 double bytesOfAlternative(const PatternOutline& outline, std::size_t groups) {
     constexpr double bare = 128, perGroup = 24, perRepetition = 16;
     return bare + perGroup * static_cast<double>(groups) +
@@ -88,7 +88,7 @@ struct PatternSearch::Parts {
 
     Parts(const PatternOutline& outline, const std::wstring& text)
         : first(text.data()), last(text.data() + text.size()), atStart_(compile(outline.atStart)),
-          behindStart_(outline.atStart == outline.behindStart ? atStart_ : compile(outline.behindStart)) {
+          afterStart_(outline.atStart == outline.afterStart ? atStart_ : compile(outline.afterStart)) {
         const auto size = static_cast<double>(text.size());
         const double bytes = bytesOfAlternative(outline, atStart_.mark_count());
         const double weight =
@@ -104,14 +104,14 @@ struct PatternSearch::Parts {
         mostInOneAttempt_ = std::min(mostInOneAttempt_, static_cast<std::int64_t>(mostPassed));
     }
 
-    /// Looks at one position after the other, as far as a few comparisons go: the library does that faster
-    /// than its caller can do for each. None when they were not enough.
+    /// Tries one position after the other with a limited number of comparisons: the library does that faster
+    /// than a call for each position. std::nullopt when the comparisons were not enough.
     std::optional<bool> isFoundSoon(std::size_t position) {
         const std::int64_t given = std::min({left_, mostInOneAttempt_, kComparisonsOfAQuickLook});
         try {
             return isFound(position, std::regex_constants::match_default, given);
         } catch (const std::regex_error&) {
-            if (gComparisonsLeft >= 0) throw; // not for want of comparisons
+            if (gComparisonsLeft >= 0) throw; // another error than too few comparisons
         }
         left_ -= given;
         return std::nullopt;
@@ -130,13 +130,13 @@ private:
     bool isFound(std::size_t position, std::regex_constants::match_flag_type flags, std::int64_t given) {
         if (position > 0) flags |= std::regex_constants::match_prev_avail;
         gComparisonsLeft = given;
-        const Pattern& pattern = position == 0 ? atStart_ : behindStart_;
+        const Pattern& pattern = position == 0 ? atStart_ : afterStart_;
         const bool isMatch = std::regex_search(first + position, last, match, pattern, flags);
         left_ -= given - gComparisonsLeft;
         return isMatch;
     }
 
-    Pattern atStart_, behindStart_;
+    Pattern atStart_, afterStart_;
     std::int64_t left_ = 0, mostInOneAttempt_ = 0;
     std::regex_constants::error_type errorOfOneAttempt_ = error_complexity;
 };

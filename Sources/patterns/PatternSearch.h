@@ -2,12 +2,12 @@
 
 /// The standard library's search for a pattern, with an end.
 ///
-/// The library itself would look on for hours, fill the memory or overflow the stack, depending on pattern
-/// and text. Here that ends in std::regex_error:
+/// The library itself would search for hours, fill the memory or overflow the stack, depending on pattern
+/// and text. Here such a search ends with std::regex_error:
 ///
 /// - error_complexity bounds comparisons of characters: 150 million, and 15 million in the attempt at one
-///   position. There are fewer for a pattern with much to do between two comparisons, as 1,500 assertions in
-///   a row, and for one with more than some five groups or eight repetitions, which the library copies
+///   position. A pattern with many steps between two comparisons (1,500 assertions in a row) has fewer,
+///   and so has one with more than some five groups or eight repetitions, which the library copies
 ///   whenever it leaves an alternative open.
 /// - error_stack bounds comparisons in the attempt at one position, in a text so long that what an attempt
 ///   leaves open might need more than some 512 megabytes. With one group and one repetition that is beyond
@@ -15,7 +15,7 @@
 /// - error_space bounds the pattern: 10,000 characters, 200 groups in each other, 2,000 groups, alternatives
 ///   and repetitions.
 ///
-/// A malformed pattern is the library's own std::regex_error. Memory that cannot be had is std::bad_alloc.
+/// A malformed pattern is the library's own std::regex_error. Exhausted memory is std::bad_alloc.
 
 #include <cstddef>
 #include <memory>
@@ -24,7 +24,7 @@
 
 namespace kst {
 
-/// A piece of the text: positions of its first character and behind its last.
+/// A piece of the text: the position of its first character and the one after its last.
 struct Span {
     std::size_t begin, end;
     [[nodiscard]] std::size_t length() const { return end - begin; }
@@ -38,14 +38,14 @@ public:
     PatternSearch(const PatternSearch&) = delete;
     PatternSearch& operator=(const PatternSearch&) = delete;
 
-    /// Finds the first match that begins at `position` or behind it. What stands before counts for
-    /// boundaries of words, and "^" is the start of the whole text alone.
+    /// Finds the first match that begins at `position` or later. The characters before it count for word
+    /// boundaries, and "^" matches only at the start of the whole text.
     [[nodiscard]] bool find(std::size_t position);
 
     /// Of the last match that was found:
     [[nodiscard]] Span whole() const;
     [[nodiscard]] std::size_t groupCount() const;
-    /// Groups count from 1. None when the group took no part in the match.
+    /// A group, counted from 1; std::nullopt when it took no part in the match.
     [[nodiscard]] std::optional<Span> group(std::size_t number) const;
 
 private:

@@ -91,7 +91,7 @@ std::optional<std::string> bytesOfBase64(const Data& value) {
         if (unit > 0x7F) return std::nullopt;
         text += static_cast<char>(unit);
     }
-    // Behind the last group, "=" and four characters can only be a checksum.
+    // After the last group, "=" and four characters can only be a checksum.
     constexpr std::size_t checksumSize = 5;
     const std::size_t end = text.size() < checksumSize ? 0 : text.size() - checksumSize;
     const bool hasChecksum = text.size() >= checksumSize && text[end] == '=' && !text.ends_with('=');

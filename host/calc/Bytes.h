@@ -27,8 +27,8 @@ std::string hexText(std::string_view bytes);
 std::string base64Text(std::string_view bytes, std::size_t lineSize);
 /// The last line of the OpenPGP form of Base64: "=" and the CRC-24 of the bytes.
 std::string checksumText(std::string_view bytes);
-/// Reads Base64 with or without line ends, "=" at the end and a checksum line. Nothing for a text that is no
-/// Base64 or differs from its checksum.
+/// Reads Base64 with or without line ends, "=" at the end and a checksum line. std::nullopt for a text that
+/// is no Base64 or differs from its checksum.
 std::optional<std::string> bytesOfBase64(const Data& value);
 
 /// The line length of MIME's Base64.

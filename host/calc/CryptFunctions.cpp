@@ -78,8 +78,8 @@ std::optional<std::string> ciphered(const Cipher& cipher, const std::string& byt
     return result;
 }
 
-/// What is encrypted of a value: "T" and the text, or "C", the size of the file's name, the name and the
-/// file's bytes.
+/// The bytes of a value that are encrypted: "T" and the text, or "C", the size of the file's name, the name
+/// and the file's bytes.
 std::string packed(const Data& value) {
     if (value.nativeType() != DataType::binary) return 'T' + bytesOf(value);
     const std::string name = toUtf8(value.asBinary().fileName().units());

@@ -118,7 +118,7 @@ public:
     };
 
     /// Whether custom functions called each other more often than the recursion limit allows, or than the
-    /// stack has room for. All that is evaluated from then on is "?", until a function takes the flag back.
+    /// stack has room for. Every later result is "?", until a function takes the flag back.
     [[nodiscard]] bool isUnending() const { return isUnending_; }
     bool takeUnending() { return std::exchange(isUnending_, false); }
 

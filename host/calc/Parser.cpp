@@ -240,8 +240,7 @@ std::shared_ptr<const Function> Parser::functionNamed(std::u16string_view folded
     return row == file_->customFunctions().end() ? nullptr : row->second;
 }
 
-/// Nothing has the name. Where its first words are a name that is known, an operator is missing between the
-/// two.
+/// Reports a name that nothing has. When its first words are a known name, an operator is missing after them.
 void Parser::failOnName(const Token& name, bool isCall) {
     const int code = isCall ? error::functionNotFound : error::missingField;
     if (name.isQuoted || name.isQualified) fail(code, name);

@@ -29,7 +29,7 @@ Real realOf(const Decimal& number) {
     return Real(toUtf8(number.text()));
 }
 
-/// Nothing for what is no finite number below 10^400.
+/// std::nullopt for NaN, infinity and numbers from 10^400 on.
 template<typename Real>
 std::optional<Decimal> decimalOf(const Real& real, int precision) {
     if (!isfinite(real)) return std::nullopt;

@@ -42,7 +42,7 @@ std::string pemText(const Data& value) {
 }
 
 /// The rounds that the maker of an encrypted key chose for making the cipher's key from the password; -1
-/// where they cannot be told. A key that is not encrypted has 0.
+/// where the key does not say them. A key that is not encrypted has 0.
 std::int64_t passwordRounds(const std::string& pem) {
     const std::unique_ptr<BIO, decltype(&BIO_free)> source(
         BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), BIO_free);

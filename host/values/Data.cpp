@@ -82,7 +82,7 @@ Decimal secondsOf(std::int64_t micros) {
     return Decimal(micros).dividedBy(Decimal(DateTime::microsPerSecond)).value_or(Decimal());
 }
 
-/// Nothing where the seconds of no value lie.
+/// std::nullopt for seconds beyond those of all values.
 std::optional<std::int64_t> microsOf(const Decimal& seconds) {
     constexpr std::int64_t most = (DateTime::lastDay + 1) * 86'400;
     if (seconds > Decimal(most) || seconds < Decimal(-most)) return std::nullopt;

@@ -46,7 +46,7 @@ public:
 
     /// Of a container with data: "?".
     [[nodiscard]] const Text& asText() const;
-    /// The positions in the text at which its lines begin: 0, and each position behind a return. They are
+    /// The positions in the text at which its lines begin: 0, and each position after a return. They are
     /// found once and kept with the value.
     [[nodiscard]] const std::vector<std::uint32_t>& lineStarts() const;
     /// A text's digits and its first decimal point; all else is passed over. It is negative when a minus

@@ -28,7 +28,8 @@ enum class Encoding : std::int32_t {
 /// Numbers that the interface does not name are taken for native.
 Encoding encodingFromNumber(std::int32_t number);
 
-/// What `native` stands for in this process; Mac Roman (asciiMac) at the start. Never `native` itself.
+/// The encoding that `native` means in this process; Mac Roman (asciiMac) at the start. It is never `native`
+/// itself.
 void setNativeEncoding(Encoding encoding);
 Encoding nativeEncoding();
 

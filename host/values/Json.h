@@ -45,7 +45,8 @@ struct JsonReading {
 };
 /// Reads a text that is an object or an array and nothing more.
 JsonReading readJson(std::string_view text);
-/// The element at the start of a text, of any type; whatever follows is ignored. Nothing when there is none.
+/// The element at the start of a text, of any type; the text after it is ignored. std::nullopt when there is
+/// none.
 std::optional<Json> readFirstJson(std::string_view text);
 
 /// Without blanks between elements.

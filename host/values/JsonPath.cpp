@@ -18,7 +18,7 @@ std::optional<std::size_t> indexOf(std::string_view digits) {
     return error == std::errc() && stop == end ? std::optional(index) : std::nullopt;
 }
 
-/// Reads a step in brackets, of which `path` holds all behind the first one, and takes it off.
+/// Takes a step in brackets off the start of `path`, which begins after the opening bracket.
 std::optional<JsonStep> takeBracket(std::string_view& path) {
     const bool isKey = path.starts_with('\'');
     const std::size_t size = isKey ? path.find("']", 1) : path.find(']');
