@@ -1,5 +1,6 @@
 #include "host/app/LoadedPlugIn.h"
 
+#include "host/fmwrapper/Bridge.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -39,6 +40,12 @@ const RegisteredFunction& LoadedPlugIn::function(std::u16string_view name) const
                                     [name](const RegisteredFunction& row) { return row.name == name; });
     if (found == functions.end()) throw std::runtime_error(toUtf8(name) + " is not registered");
     return *found;
+}
+
+fmx::errcode LoadedPlugIn::call(const RegisteredFunction& function, const DataVect& arguments, Data& result) {
+    const calc::Environment environment = session_.environment(session_.front());
+    return plugIn_.call(function, bridge::out<fmx::ExprEnv>(environment),
+                        bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
 }
 
 } // namespace host

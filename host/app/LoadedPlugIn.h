@@ -30,8 +30,11 @@ public:
 
     [[nodiscard]] Session& session() { return session_; }
     [[nodiscard]] PlugIn& plugIn() { return plugIn_; }
+    [[nodiscard]] const std::vector<RegisteredFunction>& functions() const { return plugIn_.functions(); }
     /// A function that the plug-in has registered; throws std::runtime_error when there is none of this name.
     [[nodiscard]] const RegisteredFunction& function(std::u16string_view name) const;
+    /// Calls a function in the front file, without a calculation, as PlugIn::call does.
+    fmx::errcode call(const RegisteredFunction& function, const DataVect& arguments, Data& result);
 
 private:
     Session session_;
