@@ -23,7 +23,7 @@ constexpr std::array kToWideRoman{Range{u'!', u'~', u'\uFF01'}};
 
 Text replaced(const Text& text, std::span<const Range> ranges) {
     Text result;
-    text.forEachRun([&](std::u16string_view units, const RunStyle& look) {
+    text.forEachRun([&](std::u16string_view units, const RunStyle& formatting) {
         std::u16string changed(units);
         for (char16_t& unit : changed)
             for (const Range& range : ranges)
@@ -31,7 +31,7 @@ Text replaced(const Text& text, std::span<const Range> ranges) {
                     unit = static_cast<char16_t>(range.firstOfOthers + (unit - range.first));
                     break;
                 }
-        result.append(changed, look);
+        result.append(changed, formatting);
     });
     return result;
 }
@@ -110,8 +110,9 @@ std::u16string narrowed(std::u16string_view units) {
 
 Text byRun(const Text& text, std::u16string (*change)(std::u16string_view)) {
     Text result;
-    text.forEachRun(
-        [&](std::u16string_view units, const RunStyle& look) { result.append(change(units), look); });
+    text.forEachRun([&](std::u16string_view units, const RunStyle& formatting) {
+        result.append(change(units), formatting);
+    });
     return result;
 }
 

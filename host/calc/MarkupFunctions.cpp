@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-/// Texts with their looks written as markup.
+/// Texts with their formattings written as markup.
 
 namespace host::calc {
 
@@ -83,38 +83,40 @@ std::u16string escaped(std::u16string_view units) {
     return html;
 }
 
-std::u16string declarations(FileContext& file, const RunStyle& look) {
+std::u16string declarations(FileContext& file, const RunStyle& formatting) {
     std::u16string css;
-    const CharacterStyle& style = look.style;
+    const CharacterStyle& style = formatting.style;
     if (style.isFontEnabled())
         if (const auto name = file.fontName(style.font())) css += u"font-family: '" + escaped(*name) + u"';";
     if (style.isSizeEnabled()) css += u"font-size: " + decimal(style.size()) + u"px;";
     if (style.isColorEnabled()) css += u"color: " + hexadecimal(style.color()) + u";";
     css += faceDeclarations(style.faces());
-    css.append(u"text-align: ").append(alignments.at(static_cast<std::size_t>(look.alignment))).append(u";");
+    css.append(u"text-align: ")
+        .append(alignments.at(static_cast<std::size_t>(formatting.alignment)))
+        .append(u";");
     return css;
 }
 
-/// One span for every run of one look. Traits that are left to the field are left out.
+/// One span for every run of one formatting. Traits that are left to the field are left out.
 DataRef getAsCss(Evaluation& evaluation, Arguments arguments) {
     std::u16string html;
-    arguments[0]->asText().forEachRun([&](std::u16string_view units, const RunStyle& look) {
-        html.append(u"<span style=\"").append(declarations(evaluation.file(), look)).append(u"\">");
+    arguments[0]->asText().forEachRun([&](std::u16string_view units, const RunStyle& formatting) {
+        html.append(u"<span style=\"").append(declarations(evaluation.file(), formatting)).append(u"\">");
         html.append(escaped(units)).append(u"</span>");
         checkTextSize(html.size());
     });
     return textResult(std::move(html));
 }
 
-/// The looks of the runs in a list of their own, then the runs, each with its look's number.
+/// The formattings of the runs in a list of their own, then the runs, each with its formatting's number.
 DataRef getAsSvg(Evaluation& evaluation, Arguments arguments) {
     std::u16string styles = u"<stylelist>\r", data = u"<data>\r";
     std::int64_t number = 0, begin = 1;
-    arguments[0]->asText().forEachRun([&](std::u16string_view units, const RunStyle& look) {
+    arguments[0]->asText().forEachRun([&](std::u16string_view units, const RunStyle& formatting) {
         const std::u16string name = Decimal(number++).text();
         const std::int64_t end = begin + std::ssize(units);
         styles.append(u"<style#").append(name).append(u">\"");
-        styles.append(declarations(evaluation.file(), look)).append(u"\", Begin: ");
+        styles.append(declarations(evaluation.file(), formatting)).append(u"\", Begin: ");
         styles.append(Decimal(begin).text()).append(u", End: ").append(Decimal(end - 1).text());
         styles.append(u"</style>\r");
         data.append(u"<span style=\"").append(name).append(u"\">");

@@ -92,11 +92,11 @@ DataRef addTrait(Evaluation& evaluation, Arguments arguments) {
     return textResult(std::move(text));
 }
 
-/// Whether a look has the one trait that is enabled in `wanted`.
-bool hasTrait(const CharacterStyle& look, const CharacterStyle& wanted) {
-    CharacterStyle with = look;
+/// Whether a formatting has the one trait that is enabled in `wanted`.
+bool hasTrait(const CharacterStyle& formatting, const CharacterStyle& wanted) {
+    CharacterStyle with = formatting;
     with.apply(wanted);
-    return with == look;
+    return with == formatting;
 }
 
 /// Without a second argument the trait goes from the whole text, otherwise from where it has that value.
@@ -112,9 +112,9 @@ DataRef removeTrait(Evaluation& evaluation, Arguments arguments) {
     const CharacterStyle wanted = trait(evaluation, *arguments[1]);
     if (wanted.isAllDisabled()) return textResult(std::move(text));
     Text result;
-    text.forEachRun([&](std::u16string_view units, RunStyle look) {
-        if (hasTrait(look.style, wanted)) look.style.remove(any);
-        result.append(units, look);
+    text.forEachRun([&](std::u16string_view units, RunStyle formatting) {
+        if (hasTrait(formatting.style, wanted)) formatting.style.remove(any);
+        result.append(units, formatting);
     });
     return textResult(std::move(result));
 }

@@ -198,7 +198,7 @@ DataRef quote(Arguments arguments) {
         if (escape == kEscapes.end())
             quoted.append(text, i, 1);
         else
-            quoted.append(escape->text, text.lookAt(i));
+            quoted.append(escape->text, text.formattingAt(i));
     }
     quoted.append(mark);
     return textResult(std::move(quoted));
@@ -219,9 +219,9 @@ DataRef serialIncrement(Arguments arguments) {
     if (const std::size_t sign = next.sign() < 0 ? 1 : 0; digits.size() < width + sign)
         digits.insert(sign, width + sign - digits.size(), u'0');
     const auto at = static_cast<std::uint32_t>(start);
-    const RunStyle look = text.lookAt(at);
+    const RunStyle formatting = text.formattingAt(at);
     text.erase(at, static_cast<std::uint32_t>(width));
-    text.insert({std::move(digits), look}, at);
+    text.insert({std::move(digits), formatting}, at);
     return textResult(std::move(text));
 }
 

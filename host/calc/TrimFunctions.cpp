@@ -56,7 +56,7 @@ DataRef trimAll(Arguments arguments) {
     for (std::uint32_t i = 0; i < text.size(); ++i) {
         if (blanks.find(units[i]) != std::u16string_view::npos) continue;
         if (!result.empty() && keepsBlank(gaps, units[rest - 1], units[i], rest < i))
-            result.append(std::u16string_view(&kBlank, 1), text.lookAt(rest));
+            result.append(std::u16string_view(&kBlank, 1), text.formattingAt(rest));
         result.append(text, i, 1);
         rest = i + 1;
     }

@@ -163,7 +163,7 @@ void FM_Text_Lowercase(const void* _self, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] { mapCase(_self, Text::Case::lower); });
 }
 void FM_Text_GetStyle(const void* _self, fmx::CharacterStyle& style, fmx::uint32 position, fmx::_fmxcpt& _x) {
-    gate::call(_x, [&] { in<CharacterStyle>(&style) = in<Text>(_self).lookAt(position).style; });
+    gate::call(_x, [&] { in<CharacterStyle>(&style) = in<Text>(_self).formattingAt(position).style; });
 }
 void FM_Text_GetDefaultStyle(const void* _self, fmx::CharacterStyle& style, fmx::_fmxcpt& _x) {
     gate::call(_x, [&] {

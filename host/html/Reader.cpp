@@ -18,7 +18,7 @@ namespace host {
 namespace {
 
 using html::Declarations;
-using html::Look;
+using html::Formatting;
 using html::Property;
 
 constexpr char16_t lineSeparator = 0x2028;
@@ -91,26 +91,26 @@ public:
         endParagraph();
     }
 
-    void addLineBreak(const Look& look) {
-        const RunStyle run = look.runStyle();
+    void addLineBreak(const Formatting& formatting) {
+        const RunStyle run = formatting.runStyle();
         open(run.alignment);
         blank_.reset();
         text_.append(std::u16string_view(&lineSeparator, 1), run);
         isAtLineStart_ = true;
     }
 
-    void add(std::u16string_view units, const Look& look) {
-        const RunStyle run = look.runStyle();
+    void add(std::u16string_view units, const Formatting& formatting) {
+        const RunStyle run = formatting.runStyle();
         std::size_t start = 0;
         for (std::size_t i = 0; i < units.size(); ++i) {
-            const bool isBreak = look.keepsBlanks && (units[i] == u'\n' || units[i] == u'\r');
-            if (!isBreak && (look.keepsBlanks || !isBlank(units[i]))) continue;
+            const bool isBreak = formatting.keepsBlanks && (units[i] == u'\n' || units[i] == u'\r');
+            if (!isBreak && (formatting.keepsBlanks || !isBlank(units[i]))) continue;
             addSolid(units.substr(start, i - start), run);
             start = i + 1;
             if (!isBreak)
                 addBlank(run);
             else if (units[i] == u'\n' || i + 1 == units.size() || units[i + 1] != u'\n')
-                addLineBreak(look);
+                addLineBreak(formatting);
         }
         addSolid(units.substr(start), run);
     }
@@ -149,15 +149,15 @@ public:
     Walk(const html::StyleSheet& sheet, const html::FontIds& fonts) : sheet_(sheet), fonts_(fonts) {}
 
     Text read(const xmlNode* root) {
-        looks_.emplace_back();
+        formattings_.emplace_back();
         const auto leave = [this](const xmlNode* element) {
-            looks_.pop_back();
+            formattings_.pop_back();
             if (isIn(blocks, nameOf(element))) paragraphs_.endParagraph();
         };
         for (const xmlNode* node = root; node != nullptr;) {
             bool isInside = false;
             if (isText(node))
-                paragraphs_.add(fromUtf8(shownTextOf(node)), looks_.back());
+                paragraphs_.add(fromUtf8(shownTextOf(node)), formattings_.back());
             else if (node->type == XML_ELEMENT_NODE)
                 isInside = enter(node);
             node = following(node, isInside, leave);
@@ -169,15 +169,15 @@ private:
     /// Begins an element. Gives whether its content is read.
     bool enter(const xmlNode* element) {
         const std::string_view name = nameOf(element);
-        looks_.push_back(html::lookWithin(looks_.back(), html::defaultDeclarations(name),
-                                          declarationsOf(element, name), fonts_));
-        Look& look = looks_.back();
-        if (look.isHidden || isIn(unread, name)) return false;
-        if (name == "body" || name == "html") look.isHighlighted = false;
+        formattings_.push_back(html::formattingWithin(formattings_.back(), html::defaultDeclarations(name),
+                                                      declarationsOf(element, name), fonts_));
+        Formatting& formatting = formattings_.back();
+        if (formatting.isHidden || isIn(unread, name)) return false;
+        if (name == "body" || name == "html") formatting.isHighlighted = false;
         if (isIn(blocks, name)) paragraphs_.endParagraph();
-        if (name == "br") paragraphs_.addLineBreak(look);
-        if (name == "td" || name == "th") paragraphs_.add(u" ", look);
-        if (isIn(paragraphs, name) && isEmpty(element)) paragraphs_.addEmpty(look.alignment);
+        if (name == "br") paragraphs_.addLineBreak(formatting);
+        if (name == "td" || name == "th") paragraphs_.add(u" ", formatting);
+        if (isIn(paragraphs, name) && isEmpty(element)) paragraphs_.addEmpty(formatting.alignment);
         return true;
     }
 
@@ -230,7 +230,7 @@ private:
 
     const html::StyleSheet& sheet_;
     const html::FontIds& fonts_;
-    std::vector<Look> looks_; ///< formatting of the open elements, the innermost last
+    std::vector<Formatting> formattings_; ///< formatting of the open elements, the innermost last
     Paragraphs paragraphs_;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/html/Look.h"
+#include "host/html/Formatting.h"
 #include "host/values/Text.h"
 
 #include <cstddef>

@@ -2,7 +2,8 @@
 
 #include <cstdint>
 
-/// The look of characters: font, faces, size and colour, each of which may be left to the field's default.
+/// The formatting of characters: font, faces, size and colour, each of which may be left to the field's
+/// default.
 
 namespace host {
 

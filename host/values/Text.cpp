@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostUnits = 0x7FFFFFFF;
 
-const RunStyle defaultLook{};
+const RunStyle defaultFormatting{};
 
 /// The run that holds a position (the last one that starts at or before it).
 template<class Runs>
@@ -23,8 +23,8 @@ auto runAt(Runs& runs, std::uint32_t position) {
 }
 
 /// Adds a run unless it continues the last one.
-void addRun(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& look) {
-    if (runs.empty() || runs.back().look != look) runs.push_back({start, look});
+void addRun(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& formatting) {
+    if (runs.empty() || runs.back().formatting != formatting) runs.push_back({start, formatting});
 }
 
 /// Puts `with`, which covers the same units, in the place of the runs from `first` up to `last`, and joins
@@ -33,8 +33,8 @@ void addRun(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& l
 void replaceRuns(std::vector<Text::Run>& runs, std::ptrdiff_t first, std::ptrdiff_t last,
                  std::vector<Text::Run> with) {
     const auto begin = runs.begin();
-    if (last < std::ssize(runs) && begin[last].look == with.back().look) ++last;
-    if (first > 0 && begin[first - 1].look == with.front().look) with.erase(with.begin());
+    if (last < std::ssize(runs) && begin[last].formatting == with.back().formatting) ++last;
+    if (first > 0 && begin[first - 1].formatting == with.front().formatting) with.erase(with.begin());
     const std::ptrdiff_t kept = std::min(std::ssize(with), last - first);
     const auto at = std::copy_n(with.begin(), kept, begin + first);
     if (kept < last - first)
@@ -49,20 +49,20 @@ void checkSize(std::size_t units) {
 
 } // namespace
 
-Text::Text(std::u16string units, const RunStyle& look) : units_(std::move(units)) {
+Text::Text(std::u16string units, const RunStyle& formatting) : units_(std::move(units)) {
     checkSize(units_.size());
-    if (!units_.empty()) runs_.push_back({0, look});
+    if (!units_.empty()) runs_.push_back({0, formatting});
 }
 
 Text Text::fromUtf8(std::string_view bytes) { return {host::fromUtf8(bytes)}; }
 std::string Text::utf8() const { return toUtf8(units_); }
 
 bool Text::isPlain() const {
-    return runs_.empty() || (runs_.size() == 1 && runs_.front().look == defaultLook);
+    return runs_.empty() || (runs_.size() == 1 && runs_.front().formatting == defaultFormatting);
 }
 
-const RunStyle& Text::lookAt(std::uint32_t position) const {
-    return position < size() ? runAt(runs_, position)->look : defaultLook;
+const RunStyle& Text::formattingAt(std::uint32_t position) const {
+    return position < size() ? runAt(runs_, position)->formatting : defaultFormatting;
 }
 
 Text Text::substring(std::uint32_t position, std::uint32_t size) const {
@@ -80,15 +80,15 @@ void Text::append(const Text& source, std::uint32_t position, std::uint32_t size
     units_.append(source.units_, position, size);
     for (auto run = runAt(source.runs_, position); run != source.runs_.end() && run->start < position + size;
          ++run)
-        addRun(runs_, base + std::max(run->start, position) - position, run->look);
+        addRun(runs_, base + std::max(run->start, position) - position, run->formatting);
 }
 
-void Text::append(std::u16string_view units, const RunStyle& look) {
+void Text::append(std::u16string_view units, const RunStyle& formatting) {
     if (units.empty()) return;
     checkSize(units_.size() + units.size());
     const std::uint32_t base = size();
     units_.append(units);
-    addRun(runs_, base, look);
+    addRun(runs_, base, formatting);
 }
 
 void Text::insert(const Text& source, std::uint32_t position) {
@@ -101,8 +101,8 @@ void Text::insert(const Text& source, std::uint32_t position) {
     around.reserve(source.runs_.size() + 2);
     if (split->start < position) around.push_back(*split);
     for (const Run& run : source.runs_)
-        addRun(around, position + run.start, run.look);
-    addRun(around, position + source.size(), split->look);
+        addRun(around, position + run.start, run.formatting);
+    addRun(around, position + source.size(), split->formatting);
     units_.insert(position, source.units_);
     std::for_each(std::next(split), runs_.end(), [&](Run& run) { run.start += source.size(); });
     const std::ptrdiff_t index = split - runs_.begin();
@@ -129,29 +129,29 @@ void Text::changeRange(std::uint32_t position, std::uint32_t size, const Change&
     std::vector<Run> changed;
     if (first->start < position) changed.push_back(*first);
     for (auto run = first; run != last; ++run) {
-        RunStyle look = run->look;
-        change(look);
-        addRun(changed, std::max(run->start, position), look);
+        RunStyle formatting = run->formatting;
+        change(formatting);
+        addRun(changed, std::max(run->start, position), formatting);
     }
     const std::uint32_t lastEnd = last == runs_.end() ? this->size() : last->start;
-    if (stop < lastEnd) addRun(changed, stop, std::prev(last)->look);
+    if (stop < lastEnd) addRun(changed, stop, std::prev(last)->formatting);
     replaceRuns(runs_, first - runs_.begin(), last - runs_.begin(), std::move(changed));
 }
 
 void Text::applyStyle(const CharacterStyle& style, std::uint32_t position, std::uint32_t size) {
-    changeRange(position, size, [&](RunStyle& look) { look.style.apply(style); });
+    changeRange(position, size, [&](RunStyle& formatting) { formatting.style.apply(style); });
 }
 
 void Text::removeStyle(const CharacterStyle& style) {
-    changeRange(0, end, [&](RunStyle& look) { look.style.remove(style); });
+    changeRange(0, end, [&](RunStyle& formatting) { formatting.style.remove(style); });
 }
 
 void Text::removeAllStyles() {
-    changeRange(0, end, [](RunStyle& look) { look.style.disableAll(); });
+    changeRange(0, end, [](RunStyle& formatting) { formatting.style.disableAll(); });
 }
 
 void Text::setAlignment(Alignment alignment, std::uint32_t position, std::uint32_t size) {
-    changeRange(position, size, [&](RunStyle& look) { look.alignment = alignment; });
+    changeRange(position, size, [&](RunStyle& formatting) { formatting.alignment = alignment; });
 }
 
 std::uint32_t Text::find(const Text& wanted, std::uint32_t position) const {

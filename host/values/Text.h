@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// The look of a run of characters.
+/// The formatting of a run of characters.
 struct RunStyle {
     CharacterStyle style;
     Alignment alignment = Alignment::left;
@@ -27,13 +27,13 @@ public:
 
     struct Run {
         std::uint32_t start; ///< first unit; it reaches to the next run's start
-        RunStyle look;
+        RunStyle formatting;
         bool operator==(const Run&) const = default;
     };
 
     Text() = default;
     Text(std::u16string units,
-         const RunStyle& look = {}); // NOLINT(google-explicit-constructor): a text is its units
+         const RunStyle& formatting = {}); // NOLINT(google-explicit-constructor): a text is its units
     Text(const char16_t* units) : Text(std::u16string(units)) {} // NOLINT(google-explicit-constructor)
     static Text fromUtf8(std::string_view bytes);
     [[nodiscard]] std::string utf8() const;
@@ -42,25 +42,25 @@ public:
     [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(units_.size()); }
     [[nodiscard]] bool empty() const { return units_.empty(); }
     [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
-    /// Calls `use` with the units and the look of each run, in order.
+    /// Calls `use` with the units and the formatting of each run, in order.
     template<class Use>
     void forEachRun(const Use& use) const {
         for (std::size_t i = 0; i < runs_.size(); ++i) {
             const std::size_t stop = i + 1 < runs_.size() ? runs_[i + 1].start : units_.size();
-            use(units().substr(runs_[i].start, stop - runs_[i].start), runs_[i].look);
+            use(units().substr(runs_[i].start, stop - runs_[i].start), runs_[i].formatting);
         }
     }
-    /// True when every character has the default look.
+    /// True when every character has the default formatting.
     [[nodiscard]] bool isPlain() const;
 
     /// The look at a position; the default look at or past the end.
-    [[nodiscard]] const RunStyle& lookAt(std::uint32_t position) const;
+    [[nodiscard]] const RunStyle& formattingAt(std::uint32_t position) const;
 
     [[nodiscard]] Text substring(std::uint32_t position, std::uint32_t size = end) const;
     /// Styles travel with the characters. `source` may be this text itself. A text that would outgrow 2^31
     /// units throws std::length_error.
     void append(const Text& source, std::uint32_t position = 0, std::uint32_t size = end);
-    void append(std::u16string_view units, const RunStyle& look = {});
+    void append(std::u16string_view units, const RunStyle& formatting = {});
     void insert(const Text& source, std::uint32_t position);
     void erase(std::uint32_t position, std::uint32_t size = end);
 
@@ -86,7 +86,7 @@ public:
     /// Raw code units alone; styles do not count.
     bool operator==(const Text& other) const { return units_ == other.units_; }
     auto operator<=>(const Text& other) const { return units_ <=> other.units_; }
-    /// Units and looks.
+    /// Units and formattings.
     [[nodiscard]] bool isIdenticalTo(const Text& other) const {
         return units_ == other.units_ && runs_ == other.runs_;
     }

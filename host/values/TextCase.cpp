@@ -84,12 +84,12 @@ FoldedCharacter foldOther(char32_t character) {
 }
 
 Text Text::withCase(Case wanted) const {
-    // The mapping sees across runs (words, the final sigma); the looks are laid over it afterwards.
+    // The mapping sees across runs (words, the final sigma); the formattings are laid over it afterwards.
     const std::u16string whole = withCaseOf(units_, wanted);
     const std::u16string_view rest = whole;
     Text result;
     if (runs_.size() <= 1) {
-        result.append(whole, lookAt(0));
+        result.append(whole, formattingAt(0));
         return result;
     }
     std::vector<std::size_t> cuts; // where each run begins in the mapping
@@ -106,7 +106,7 @@ Text Text::withCase(Case wanted) const {
     }
     cuts.push_back(whole.size());
     for (std::size_t i = 0; i < runs_.size(); ++i)
-        result.append(rest.substr(cuts[i], cuts[i + 1] - cuts[i]), runs_[i].look);
+        result.append(rest.substr(cuts[i], cuts[i + 1] - cuts[i]), runs_[i].formatting);
     return result;
 }
 

@@ -1,4 +1,4 @@
-#include "host/html/Look.h"
+#include "host/html/Formatting.h"
 
 #include "host/values/Encoding.h"
 
@@ -180,52 +180,55 @@ bool hasWord(std::string_view list, std::string_view wanted) {
 
 // One function for each inherited property puts a value, in lower case, into the formatting.
 
-void setWeight(Look& look, const std::string& value) {
+void setWeight(Formatting& formatting, const std::string& value) {
     constexpr double bold = 600;
     const std::optional<Length> number = parseLength(value);
-    if (value == "bold" || value == "bolder") look.isBold = true;
-    if (value == "normal" || value == "lighter") look.isBold = false;
-    if (number) look.isBold = number->number >= bold;
+    if (value == "bold" || value == "bolder") formatting.isBold = true;
+    if (value == "normal" || value == "lighter") formatting.isBold = false;
+    if (number) formatting.isBold = number->number >= bold;
 }
-void setSlant(Look& look, const std::string& value) {
-    if (value != "inherit") look.isItalic = value.starts_with("italic") || value.starts_with("oblique");
+void setSlant(Formatting& formatting, const std::string& value) {
+    if (value != "inherit") formatting.isItalic = value.starts_with("italic") || value.starts_with("oblique");
 }
-void setSize(Look& look, const std::string& value) {
-    if (const auto size = parseSize(value, look.size.value_or(initialSize))) look.size = size;
+void setSize(Formatting& formatting, const std::string& value) {
+    if (const auto size = parseSize(value, formatting.size.value_or(initialSize))) formatting.size = size;
 }
-void setVariant(Look& look, const std::string& value) {
-    if (value != "inherit") look.isSmallCaps = hasWord(value, "small-caps");
+void setVariant(Formatting& formatting, const std::string& value) {
+    if (value != "inherit") formatting.isSmallCaps = hasWord(value, "small-caps");
 }
-void setColor(Look& look, const std::string& value) {
-    if (const auto color = parseColor(value)) look.color = color;
+void setColor(Formatting& formatting, const std::string& value) {
+    if (const auto color = parseColor(value)) formatting.color = color;
 }
-void setBackground(Look& look, const std::string& value) {
+void setBackground(Formatting& formatting, const std::string& value) {
     // A white background is the default, so it is no highlight.
     const auto color = parseColor(value);
-    if (color && *color != rgb(0xFFFFFF)) look.isHighlighted = true;
+    if (color && *color != rgb(0xFFFFFF)) formatting.isHighlighted = true;
 }
-void setSpacing(Look& look, const std::string& value) {
+void setSpacing(Formatting& formatting, const std::string& value) {
     const std::optional<Length> length = parseLength(value);
-    if (value == "normal") look.spacing = 0;
-    if (length) look.spacing = length->number < 0 ? face::condense : length->number > 0 ? face::extend : 0;
+    if (value == "normal") formatting.spacing = 0;
+    if (length)
+        formatting.spacing = length->number < 0 ? face::condense : length->number > 0 ? face::extend : 0;
 }
-void setPosition(Look& look, const std::string& value) {
-    if (const std::uint16_t* position = lookUp(positions, value)) look.position = *position;
+void setPosition(Formatting& formatting, const std::string& value) {
+    if (const std::uint16_t* position = lookUp(positions, value)) formatting.position = *position;
 }
-void setLetterCase(Look& look, const std::string& value) {
-    if (const std::uint16_t* letterCase = lookUp(letterCases, value)) look.letterCase = *letterCase;
+void setLetterCase(Formatting& formatting, const std::string& value) {
+    if (const std::uint16_t* letterCase = lookUp(letterCases, value)) formatting.letterCase = *letterCase;
 }
-void setAlignment(Look& look, const std::string& value) {
-    if (const Alignment* alignment = lookUp(alignmentNames, value)) look.alignment = *alignment;
+void setAlignment(Formatting& formatting, const std::string& value) {
+    if (const Alignment* alignment = lookUp(alignmentNames, value)) formatting.alignment = *alignment;
 }
-void setWhiteSpace(Look& look, const std::string& value) {
-    if (value != "inherit") look.keepsBlanks = value.starts_with("pre") || value == "break-spaces";
+void setWhiteSpace(Formatting& formatting, const std::string& value) {
+    if (value != "inherit") formatting.keepsBlanks = value.starts_with("pre") || value == "break-spaces";
 }
-void setDisplay(Look& look, const std::string& value) { look.isHidden = look.isHidden || value == "none"; }
+void setDisplay(Formatting& formatting, const std::string& value) {
+    formatting.isHidden = formatting.isHidden || value == "none";
+}
 
 struct Setter {
     Property property;
-    void (*set)(Look& look, const std::string& value);
+    void (*set)(Formatting& formatting, const std::string& value);
 };
 constexpr std::array setters{
     Setter{Property::fontWeight, setWeight},
@@ -242,13 +245,14 @@ constexpr std::array setters{
     Setter{Property::display, setDisplay},
 };
 
-void addLines(Look& look, const std::string& value, bool isDouble) {
-    if (hasWord(value, "underline")) (isDouble ? look.isDoublyUnderlined : look.isUnderlined) = true;
-    if (hasWord(value, "line-through")) look.isStruckThrough = true;
+void addLines(Formatting& formatting, const std::string& value, bool isDouble) {
+    if (hasWord(value, "underline"))
+        (isDouble ? formatting.isDoublyUnderlined : formatting.isUnderlined) = true;
+    if (hasWord(value, "line-through")) formatting.isStruckThrough = true;
 }
 
 /// Sets the lines of an element; `byItself` holds its default declarations.
-void setLines(Look& look, const Declarations& byItself, const Declarations& own) {
+void setLines(Formatting& formatting, const Declarations& byItself, const Declarations& own) {
     const Declared& declared = own[Property::decoration];
     const std::string value = lowered(declared.value);
     const Declared& style = own[Property::decorationStyle];
@@ -256,13 +260,13 @@ void setLines(Look& look, const Declarations& byItself, const Declarations& own)
     const bool isDouble =
         hasWord(value, "double") || (style.order > declared.order && lowered(style.value) == "double");
     const std::string& ofElement = byItself[Property::decoration].value;
-    if (!hasWord(value, "none")) addLines(look, ofElement, isDouble && declared.order == 0);
-    addLines(look, value, isDouble);
+    if (!hasWord(value, "none")) addLines(formatting, ofElement, isDouble && declared.order == 0);
+    addLines(formatting, value, isDouble);
 }
 
 } // namespace
 
-RunStyle Look::runStyle() const {
+RunStyle Formatting::runStyle() const {
     std::uint16_t faces = position | spacing | letterCase;
     const std::array<std::pair<bool, std::uint16_t>, 7> flags{{
         {isBold, face::bold},
@@ -288,21 +292,21 @@ std::string_view defaultDeclarations(std::string_view element) {
     return declarations == nullptr ? std::string_view() : *declarations;
 }
 
-Look lookWithin(const Look& around, std::string_view defaults, const Declarations& own,
-                const FontIds& fonts) {
-    Look look = around;
+Formatting formattingWithin(const Formatting& around, std::string_view defaults, const Declarations& own,
+                            const FontIds& fonts) {
+    Formatting formatting = around;
     Declarations byItself;
     std::uint64_t order = 0;
     byItself.parse(defaults, order);
     Declarations all = own;
     all.add(byItself);
     for (const auto& [property, set] : setters)
-        if (all[property].order != 0) set(look, lowered(all[property].value));
+        if (all[property].order != 0) set(formatting, lowered(all[property].value));
     if (all[Property::fontFamily].order != 0)
         if (const std::uint16_t font = fonts(firstFont(all[Property::fontFamily].value)); font != invalidFont)
-            look.font = font;
-    setLines(look, byItself, own);
-    return look;
+            formatting.font = font;
+    setLines(formatting, byItself, own);
+    return formatting;
 }
 
 std::optional<Color> parseColor(std::string_view value) {

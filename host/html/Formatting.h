@@ -17,7 +17,7 @@ using FontIds = std::function<std::uint16_t(std::u16string_view name)>;
 
 /// The formatting inside an element. Inner elements inherit it. They can change weight, colour and similar
 /// properties; they cannot take away lines, highlights, superscript or subscript.
-struct Look {
+struct Formatting {
     bool isBold = false, isItalic = false, isSmallCaps = false;
     bool isUnderlined = false, isDoublyUnderlined = false, isStruckThrough = false, isHighlighted = false;
     std::uint16_t position = 0; ///< face::superscript, face::subscript or neither
@@ -39,7 +39,8 @@ std::string_view defaultDeclarations(std::string_view element);
 /// The formatting inside an element with the declarations `own` and the default declarations `defaults`. A
 /// default line is kept beside a declared line: <s> with a declared underline is still struck through. The
 /// value "none" removes the default line.
-Look lookWithin(const Look& around, std::string_view defaults, const Declarations& own, const FontIds& fonts);
+Formatting formattingWithin(const Formatting& around, std::string_view defaults, const Declarations& own,
+                            const FontIds& fonts);
 
 /// Reads a colour such as "#f00", "#ff0000", "rgb(255, 0, 0)" or one of the common names. Gives no value for
 /// any other text and for a fully transparent colour.
