@@ -56,7 +56,7 @@ std::string contentFor(Writer write, const std::string& paragraphEnd) {
         std::string characters = text.substring(start, kRun).utf8();
         const bool endsParagraph = characters.back() == '\r';
         if (endsParagraph) characters.pop_back();
-        content += write(characters, text.lookAt(start).style);
+        content += write(characters, text.formattingAt(start).style);
         if (endsParagraph) content += paragraphEnd;
     }
     return content;

@@ -1,34 +1,20 @@
 #pragma once
 
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Bridge.h"
 
-#include <stdexcept>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace bench {
 
-/// A plug-in in a session with one file.
-class Loaded {
+/// The plug-in in a session with one file, and the environment of all calls.
+class Loaded : public host::LoadedPlugIn {
 public:
-    explicit Loaded(host::Solution solution = {}) {
-        session_.open(std::move(solution));
-        plugIn_.init();
-        environment_ = session_.environment(session_.front());
-    }
+    explicit Loaded(host::Solution solution = {})
+        : host::LoadedPlugIn(KESTREL_PLUGIN_PATH, {std::move(solution)}),
+          environment_(session().environment(session().front())) {}
 
-    [[nodiscard]] const host::RegisteredFunction& function(std::u16string_view name) const {
-        for (const host::RegisteredFunction& candidate : functions())
-            if (candidate.name == name) return candidate;
-        throw std::runtime_error("a function is not registered");
-    }
-    [[nodiscard]] const std::vector<host::RegisteredFunction>& functions() const {
-        return plugIn_.functions();
-    }
-    /// Calls a function directly, without a calculation.
+    /// Calls the handler of a function directly: nothing but the handler takes time.
     void call(const host::RegisteredFunction& function, const host::DataVect& arguments,
               host::Data& result) const {
         using host::bridge::out;
@@ -40,8 +26,6 @@ public:
     }
 
 private:
-    host::Session session_;
-    host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
     host::calc::Environment environment_;
 };
 

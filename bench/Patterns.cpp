@@ -5,7 +5,9 @@
 
 #include <regex>
 #include <string>
+#include <string_view>
 #include <unicode/uregex.h>
+#include <utility>
 
 /// Replacement and counting of patterns. The floor is the search by the standard library or ICU alone.
 
@@ -14,9 +16,17 @@ namespace {
 
 using host::Data;
 
+/// A call of a function, for a benchmark to repeat.
+auto callOf(const Loaded& loaded, std::u16string_view name, host::DataVect arguments) {
+    return [&loaded, &function = loaded.function(name), arguments = std::move(arguments)] {
+        Data result;
+        loaded.call(function, arguments, result);
+        keep(result);
+    };
+}
+
 void substituteRow(const Loaded& loaded, const char* name, const char16_t* piece, const char16_t* pattern,
                    std::size_t size) {
-    const auto& function = loaded.function(u"Kestrel_RegExp_Substitute");
     const std::u16string text = repeated(piece, size);
     host::DataVect arguments = texts({u"", pattern, u"X"});
     arguments.front() = shared(host::Text(text));
@@ -25,13 +35,7 @@ void substituteRow(const Loaded& loaded, const char* name, const char16_t* piece
     const std::wstring wideText(text.begin(), text.end());
     const std::wregex expression(std::wstring(units.begin(), units.end()));
     row(
-        name,
-        [&] {
-            Data result;
-            loaded.call(function, arguments, result);
-            keep(result);
-        },
-        "the library's search",
+        name, callOf(loaded, u"Kestrel_RegExp_Substitute", arguments), "the library's search",
         [&] {
             std::wcmatch match;
             auto flags = std::regex_constants::match_default;
@@ -46,28 +50,19 @@ void substituteRow(const Loaded& loaded, const char* name, const char16_t* piece
 }
 
 void countRow(const Loaded& loaded, const char* name, const char16_t* pattern) {
-    const auto& function = loaded.function(u"Kestrel_RegExp_PatternCount");
     const std::u16string text = repeated(u"lorem 12 ipsum dolor ", 1023);
     host::DataVect arguments = texts({u"", pattern});
     arguments.front() = shared(host::Text(text));
-    row(
-        name,
-        [&] {
-            Data result;
-            loaded.call(function, arguments, result);
-            keep(result);
-        },
-        "ICU",
-        [&] {
-            UErrorCode status = U_ZERO_ERROR;
-            URegularExpression* const expression = uregex_open(pattern, -1, 0, nullptr, &status);
-            uregex_setText(expression, text.data(), static_cast<int32_t>(text.size()), &status);
-            int count = 0;
-            while (uregex_findNext(expression, &status) != 0)
-                ++count;
-            uregex_close(expression);
-            keep(count);
-        });
+    row(name, callOf(loaded, u"Kestrel_RegExp_PatternCount", arguments), "ICU", [&] {
+        UErrorCode status = U_ZERO_ERROR;
+        URegularExpression* const expression = uregex_open(pattern, -1, 0, nullptr, &status);
+        uregex_setText(expression, text.data(), static_cast<int32_t>(text.size()), &status);
+        int count = 0;
+        while (uregex_findNext(expression, &status) != 0)
+            ++count;
+        uregex_close(expression);
+        keep(count);
+    });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
 namespace bench {
 
@@ -40,40 +41,39 @@ host::Text ordinaryText(std::uint32_t size) {
     return text;
 }
 
-host::Text newStyleEachCharacter(std::uint32_t size) {
+namespace {
+
+/// `count` runs of the same characters, each with a style of its own.
+template<class StyleOf>
+host::Text textOfRuns(std::u16string_view characters, std::uint32_t count, const StyleOf& styleOf) {
     host::Text text;
-    for (std::uint32_t i = 0; i < size; ++i)
-        text.append(u"x", {.style = styleOfRun(i)});
+    for (std::uint32_t i = 0; i < count; ++i)
+        text.append(characters, {.style = styleOf(i)});
     return text;
 }
 
+} // namespace
+
+host::Text newStyleEachCharacter(std::uint32_t size) { return textOfRuns(u"x", size, styleOfRun); }
+
 host::Text newDeclarationsEachCharacter(std::uint32_t size) {
-    host::Text text;
-    for (std::uint32_t i = 0; i < size; ++i) {
+    return textOfRuns(u"x", size, [](std::uint32_t i) {
         host::CharacterStyle style;
         style.setColor({static_cast<std::uint8_t>(i >> 16U), static_cast<std::uint8_t>(i >> 8U),
                         static_cast<std::uint8_t>(i)});
-        text.append(u"x", {.style = style});
-    }
-    return text;
+        return style;
+    });
 }
 
 host::Text runsThatBecomeEqual(std::uint32_t size) {
-    host::Text text;
-    for (std::uint32_t i = 0; i < size; ++i) {
+    return textOfRuns(u"x", size, [](std::uint32_t i) {
         host::CharacterStyle style;
         style.setFaces(host::face::bold);
         style.setSize(static_cast<std::uint16_t>(10 + i % 2));
-        text.append(u"x", {.style = style});
-    }
-    return text;
+        return style;
+    });
 }
 
-host::Text styledLines(std::uint32_t count) {
-    host::Text text;
-    for (std::uint32_t line = 0; line < count; ++line)
-        text.append(u"a line\r", {.style = styleOfRun(line)});
-    return text;
-}
+host::Text styledLines(std::uint32_t count) { return textOfRuns(u"a line\r", count, styleOfRun); }
 
 } // namespace bench

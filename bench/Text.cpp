@@ -65,12 +65,12 @@ void benchFunctions(const bench::Loaded& loaded) {
         "conversions, coder", [&] { floor(B64_Decode, characters, native, wide); }, bytes, "byte");
 }
 
-/// A letter with `count` expressions. With `looks`, every other one has formatting. The floor is the
+/// A letter with `count` expressions. With `isFormatted`, every other one has formatting. The floor is the
 /// evaluation of the expressions alone, through the plug-in's interface.
-void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool looks) {
+void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool isFormatted) {
     const host::RegisteredFunction& merge = loaded.function(u"Kestrel_MergeText");
     host::CharacterStyle bold;
-    if (looks) bold.setFaces(host::face::bold);
+    if (isFormatted) bold.setFaces(host::face::bold);
     host::Text letter;
     std::vector<fmx::TextUniquePtr> expressions;
     for (std::size_t i = 0; i < count; ++i) {
@@ -84,7 +84,7 @@ void benchMergeText(const bench::Loaded& loaded, std::size_t count, bool looks) 
     const host::DataVect arguments{bench::shared(letter)};
     host::Data result;
     bench::row(
-        "Kestrel_MergeText, " + std::to_string(count) + (looks ? " with looks" : " expressions"),
+        "Kestrel_MergeText, " + std::to_string(count) + (isFormatted ? " with formatting" : " expressions"),
         [&] { loaded.call(merge, arguments, result); }, "evaluating them",
         [&] {
             for (const fmx::TextUniquePtr& expression : expressions) {

@@ -1,6 +1,5 @@
 #include "host/app/File.h"
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
@@ -17,13 +16,12 @@
 /// no object may be left after the plug-in's shutdown.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static host::Session session;
-    [[maybe_unused]] static const std::uint64_t file = session.open(host::Solution{});
-    static host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+    static host::LoadedPlugIn loaded(KESTREL_PLUGIN_PATH, {}, host::LoadedPlugIn::Start::later);
+    host::Session& session = loaded.session();
     if (size == 0) return 0;
 
     const host::ObjectCounts before = host::objectCounts();
-    if (plugIn.init() < 0) std::abort();
+    loaded.start();
     constexpr std::uint8_t fromThenOn = 0x80, badAlloc = 0x40, place = 0x3F;
     if ((data[0] & place) != 0)
         host::faults().arm(data[0] & place,
@@ -35,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     host::faults().disarm();
 
     if (session.evaluate(u"Kestrel_Version").value->asText().units() != u"3.1") std::abort();
-    endDay(session, plugIn);
-    if (!(host::objectCounts() == before) || !plugIn.violations().empty()) std::abort();
+    endDay(loaded);
+    if (!(host::objectCounts() == before) || !loaded.plugIn().violations().empty()) std::abort();
     return time.answer();
 }

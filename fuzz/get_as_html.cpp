@@ -1,5 +1,5 @@
 #include "support/FuzzedFunction.h"
-#include "tests/HtmlLooks.h"
+#include "tests/HtmlFormattings.h"
 
 #include "host/html/Reader.h"
 
@@ -78,18 +78,18 @@ private:
         u"\r", u" ", u"-", u"\u00A0", u"\u00E9", u"\U0001F600", u"\u6F22", u"\u2028"};
 
     void add(std::u16string_view character, const host::CharacterStyle& style, Bytes& bytes) {
-        const host::RunStyle look{.style = style, .alignment = alignment_};
+        const host::RunStyle formatting{.style = style, .alignment = alignment_};
         if (character == u"\r") {
-            text_.append(character, look);
+            text_.append(character, formatting);
             alignment_ = bytes.PickValueInArray(alignments);
             lineBegins_ = true;
             blank_.reset();
         } else if (character == u" " || character == u"\u2028") {
-            if (!lineBegins_ && !blank_) blank_ = host::Text(std::u16string(character), look);
+            if (!lineBegins_ && !blank_) blank_ = host::Text(std::u16string(character), formatting);
         } else {
             if (blank_) text_.append(*blank_);
             blank_.reset();
-            text_.append(character, look);
+            text_.append(character, formatting);
             lineBegins_ = false;
         }
     }

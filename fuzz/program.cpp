@@ -1,7 +1,5 @@
 #include "host/app/File.h"
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
-#include "host/fmwrapper/Bridge.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Clock.h"
@@ -161,7 +159,8 @@ host::Data someValue(Bytes& bytes) {
 
 class Day {
 public:
-    Day(host::Session& session, host::PlugIn& plugIn) : session_(session), plugIn_(plugIn) {}
+    explicit Day(host::LoadedPlugIn& loaded)
+        : loaded_(loaded), session_(loaded.session()), plugIn_(loaded.plugIn()) {}
 
     void live(Bytes& bytes, const InputTime& time) {
         for (int steps = 0; steps < 60 && bytes.remaining_bytes() > 0 && !time.isUp(); ++steps)
@@ -198,10 +197,8 @@ private:
         host::DataVect arguments;
         for (int count = bytes.ConsumeIntegralInRange<int>(function.minimum, most); count > 0; --count)
             arguments.push_back(std::make_shared<const host::Data>(someValue(bytes)));
-        const host::calc::Environment environment = session_.environment(session_.front());
         host::Data result;
-        plugIn_.call(function, host::bridge::out<fmx::ExprEnv>(environment),
-                     host::bridge::out<fmx::DataVect>(arguments), host::bridge::out<fmx::Data>(result));
+        loaded_.call(function, arguments, result);
     }
 
     void openOrClose() {
@@ -225,6 +222,7 @@ private:
                            bytes.ConsumeBool());
     }
 
+    host::LoadedPlugIn& loaded_;
     host::Session& session_;
     host::PlugIn& plugIn_;
 };
@@ -232,22 +230,22 @@ private:
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static host::Session session;
-    [[maybe_unused]] static const std::uint64_t file = [] {
+    const auto exampleSolution = [] {
         host::Solution solution;
         solution.fonts = {u"Helvetica", u"Times New Roman"};
         solution.scripts = {{u"Remind", {u"Kestrel_GetGlobal ( \"Key\" )"}}};
         solution.schema = "CREATE TABLE t (a TEXT, b NUMERIC); INSERT INTO t VALUES ('x', 1), ('y', 2);";
-        return session.open(solution);
-    }();
-    static host::PlugIn plugIn(session, KESTREL_PLUGIN_PATH);
+        return solution;
+    };
+    static host::LoadedPlugIn loaded(KESTREL_PLUGIN_PATH, {exampleSolution()},
+                                     host::LoadedPlugIn::Start::later);
 
     const host::ObjectCounts before = host::objectCounts();
-    if (plugIn.init() != 60) std::abort();
+    loaded.start();
     Bytes bytes(data, size);
     const InputTime time;
-    Day(session, plugIn).live(bytes, time);
-    endDay(session, plugIn);
-    if (!(host::objectCounts() == before) || !plugIn.violations().empty()) std::abort();
+    Day(loaded).live(bytes, time);
+    endDay(loaded);
+    if (!(host::objectCounts() == before) || !loaded.plugIn().violations().empty()) std::abort();
     return time.answer();
 }

@@ -1,5 +1,4 @@
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Clock.h"
@@ -67,8 +66,6 @@ class Soak {
 public:
     Soak() {
         host::clock().hold();
-        session_.open(host::Solution::load(KESTREL_SOURCE_DIR "/examples/contacts"));
-        if (plugIn_.init() < 0) throw std::runtime_error("the plug-in refuses to start");
         for (const auto& [calculation, result] : realisticCalls)
             calls_.push_back({host::fromUtf8(calculation), result, std::string_view(result) == "0"});
     }
@@ -88,7 +85,7 @@ public:
         run += serve();
         session_.evaluate(u"Kestrel_SetGlobal ( \"\" ; 1 )");
         if (run != asked) std::printf("%zu scripts were asked for, %zu ran\n", asked, run);
-        return areRight && run == asked && plugIn_.violations().empty();
+        return areRight && run == asked && loaded_.plugIn().violations().empty();
     }
 
 private:
@@ -115,8 +112,9 @@ private:
 
     static constexpr std::uint64_t seed = 31;
     const Behaviour answering_{Behaviour::Kind::answers, realisticAnswer};
-    host::Session session_;
-    host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
+    host::LoadedPlugIn loaded_{KESTREL_PLUGIN_PATH,
+                               {host::Solution::load(KESTREL_SOURCE_DIR "/examples/contacts")}};
+    host::Session& session_ = loaded_.session();
     std::vector<Call> calls_;
     std::mt19937_64 random_{seed};
     std::uniform_int_distribution<std::size_t> which_{0, realisticCalls.size() - 1};

@@ -2,9 +2,7 @@
 
 #include "EndOfDay.h"
 #include "host/app/File.h"
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
-#include "host/fmwrapper/Bridge.h"
+#include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
@@ -12,7 +10,6 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -29,47 +26,31 @@ public:
     enum class Evaluates : std::uint8_t { nothing, calculations };
 
     explicit FuzzedFunction(std::u16string_view name, Evaluates evaluates = Evaluates::nothing)
-        : name_(name), isRestarted_(evaluates == Evaluates::calculations) {
-        session_.open(host::Solution{});
-        start();
-    }
+        : name_(name), isRestarted_(evaluates == Evaluates::calculations) {}
 
-    [[nodiscard]] host::File& file() const { return *session_.front(); }
+    [[nodiscard]] host::File& file() const { return *loaded_.session().front(); }
     [[nodiscard]] static host::DataRef value(host::Text text) {
         return std::make_shared<const host::Data>(std::move(text));
     }
 
     using Judge = std::function<void(fmx::errcode error, const host::Data& result)>;
     void call(const host::DataVect& arguments, const Judge& judge = {}) const {
-        using host::bridge::out;
         const host::ObjectCounts before = host::objectCounts();
         {
-            const host::calc::Environment environment = session_.environment(session_.front());
             host::Data result;
-            const fmx::errcode error = plugIn_.call(*function_, out<fmx::ExprEnv>(environment),
-                                                    out<fmx::DataVect>(arguments), out<fmx::Data>(result));
+            const fmx::errcode error = loaded_.call(loaded_.function(name_), arguments, result);
             if (judge) judge(error, result);
         }
         file().fileVariables().clear();
         if (isRestarted_) {
-            endDay(session_, plugIn_);
-            start();
+            endDay(loaded_);
+            loaded_.start();
         }
-        require(host::objectCounts() == before && plugIn_.violations().empty());
+        require(host::objectCounts() == before && loaded_.plugIn().violations().empty());
     }
 
 private:
-    void start() const {
-        if (plugIn_.init() < 0) throw std::runtime_error("the plug-in does not start");
-        function_ = nullptr;
-        for (const host::RegisteredFunction& function : plugIn_.functions())
-            if (function.name == name_) function_ = &function;
-        if (function_ == nullptr) throw std::runtime_error("the function is not registered");
-    }
-
     std::u16string name_;
     bool isRestarted_;
-    mutable host::Session session_;
-    mutable host::PlugIn plugIn_{session_, KESTREL_PLUGIN_PATH};
-    mutable const host::RegisteredFunction* function_ = nullptr;
+    mutable host::LoadedPlugIn loaded_{KESTREL_PLUGIN_PATH};
 };
