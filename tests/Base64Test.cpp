@@ -162,27 +162,6 @@ TEST_F(Base64Functions, decodeWhatTheyEncodeInEveryNativeEncoding) {
     }
 }
 
-TEST_F(Base64Functions, giveResultsAndLastErrors) {
-    expectSteps({
-        {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"\" )", ""},
-        {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"\" )", ""},
-        {"Kestrel_Encode ( \"UTF-8 to Base64\" ; \"é\" )", "w6k="},
-        {"Kestrel_Encode ( \"utf-8 TO base64\" ; 2024 )", "MjAyNA=="},
-        {"Kestrel_Encode ( \"UTF-8 to Base64\" ; Left ( \"😀\" ; 1 ) )", "77+9"},
-        {"Kestrel_Decode ( \"base64 to utf-8\" ; \"w6k=\" )", "é"},
-        {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"TWFu¶TWFu\" )", "Man\0015\xEF\xBF\xBD"},
-        {"Length ( Kestrel_Decode ( \"Base64 to UTF-8\" ; \"=\" ) )", "0"},
-        {"Kestrel_Decode ( \"Base64 to UTF-8\" ; \"/w==\" )", "\xEF\xBF\xBD"},
-        {"Kestrel_Encode ( \"\" ; \"M\" )", "-50", "-50 Unrecognized selector"},
-        {"Kestrel_Encode ( \" UTF-8 to Base64\" ; \"M\" )", "-50", "-50 Unrecognized selector"},
-        {"Kestrel_Encode ( \"Base64 to UTF-8\" ; \"M\" )", "-50", "-50 Unrecognized selector"},
-        {"Kestrel_Decode ( \"UTF-8 to Base64\" ; \"M\" )", "-50", "-50 Unrecognized selector"},
-        {"Kestrel_Decode ( 0 ; \"M\" )", "-50", "-50 Unrecognized selector"},
-    });
-    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Encode ( \"UTF-8 to Base64\" ; 7 ) )"), "Text");
-    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_Decode ( \"7\" ; 7 ) )"), "Number");
-}
-
 TEST_F(Base64Functions, keepDecodedZerosAndCutInputAtZeros) {
     EXPECT_EQ(encode(std::u16string(u"ab\0c", 4)).utf8(), "YWI=");
     // The coder gives one group even for empty input.

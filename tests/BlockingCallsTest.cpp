@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <string>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -80,6 +82,20 @@ TEST(BlockingCalls, sendAndReceiveBytes) {
     // The data exceeds the socket's buffer.
     const std::vector<char> much(64'000'000, 'x');
     EXPECT_FALSE(kst::sendAtOnce(client.get(), {much.data(), much.size()}));
+}
+
+TEST(BlockingCalls, waitOnAfterASignal) {
+    const Listener listener(1);
+    const Loopback client = loopbackSocket(SOCK_NONBLOCK);
+    ASSERT_EQ(connectTo(listener, client, kLong), 0);
+    auto* const former = std::signal(SIGALRM, [](int) {});
+    const itimerval soon{{0, 0}, {0, 10'000}};
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &soon, nullptr), 0);
+    std::array<char, 16> bytes{};
+    const Deadline start = Deadline::clock::now();
+    EXPECT_LT(kst::receiveBy(in(kShort), client.get(), bytes.data(), bytes.size()), 0);
+    EXPECT_GE(Deadline::clock::now() - start, kShort);
+    std::signal(SIGALRM, former);
 }
 
 TEST(BlockingCalls, endWhenAConnectionIsNotAccepted) {

@@ -44,18 +44,24 @@ protected:
 };
 
 TEST_F(DoFileMakerScript, startsScriptsAtOnceAndRefusesUnknownNames) {
-    const char* const invalid = "-50 Invalid script name";
-    expectSteps({
-        {"Kestrel_DoFileMakerScript ( \"print report\" )", "0", "0 "},
-        {"Kestrel_DoFileMakerScript ( \"STRASSE\" ; 12 )", "0", "0 "},
-        {"Kestrel_DoFileMakerScript ( \"Print Report\" ; \"größer 𝄞\" )", "0", "0 "},
-        {"Kestrel_DoFileMakerScript ( \"Print\" )", "-50", invalid},
-        {"Kestrel_DoFileMakerScript ( \"Report\" )", "-50", invalid},
-        {"Kestrel_DoFileMakerScript ( \"Print Report \" )", "-50", invalid},
-        {"Kestrel_DoFileMakerScript ( \"Print\" ; \"x\" )", "-50", invalid},
-        {"Kestrel_DoFileMakerScript ( \"Print\" ; \"x\" ; 1 )", "-50", invalid},
-        {"Kestrel_DoFileMakerScript ( 1 ; 2 ; 3 ; 4 )", "-50", "-50 Too many parameters"},
-    });
+    const struct {
+        const char *arguments, *result, *lastError;
+    } cases[] = {
+        {"\"print report\"", "0", "0 "},
+        {"\"STRASSE\" ; 12", "0", "0 "},
+        {"\"Print Report\" ; \"größer 𝄞\"", "0", "0 "},
+        {"\"Print\"", "-50", "-50 Invalid script name"},
+        {"\"Report\"", "-50", "-50 Invalid script name"},
+        {"\"Print Report \"", "-50", "-50 Invalid script name"},
+        {"\"Print\" ; \"x\"", "-50", "-50 Invalid script name"},
+        {"\"Print\" ; \"x\" ; 1", "-50", "-50 Invalid script name"},
+        {"1 ; 2 ; 3 ; 4", "-50", "-50 Too many parameters"},
+    };
+    for (const auto& [arguments, result, expectedError] : cases) {
+        EXPECT_EQ(textOf("Kestrel_DoFileMakerScript ( " + std::string(arguments) + " )"), result)
+            << arguments;
+        EXPECT_EQ(lastError(), expectedError) << arguments;
+    }
     EXPECT_EQ(started, (std::vector<std::string>{"Desk/print report/ 0", "Desk/STRASSE/12 0",
                                                  "Desk/Print Report/größer 𝄞 0"}));
 }
@@ -68,31 +74,25 @@ TEST_F(DoFileMakerScript, startsOnceOrLogsTheFailure) {
         host::clock().advance(std::chrono::seconds(1));
     };
     for (const bool isFailingWhenScheduled : {true, false})
-        for (const bool fromThenOn : {false, true}) {
-            bool fired = true;
-            for (std::uint64_t nth = 1; fired; ++nth) {
-                const host::ObjectCounts before = host::objectCounts();
-                started.clear();
-                if (!isFailingWhenScheduled) schedule();
-                testing::internal::CaptureStderr();
-                host::mainQueue().drain();
-                host::faults().arm(nth, host::Faults::Kind::unknown, fromThenOn);
-                isFailingWhenScheduled ? schedule() : plugIn.idle(kFMXT_UserIdle);
-                fired = host::faults().fired();
-                host::faults().disarm();
-                host::mainQueue().drain();
-                for (int i = 0; i < 3; ++i)
-                    plugIn.idle(kFMXT_UserIdle);
-                const bool isLogged = testing::internal::GetCapturedStderr().find(
-                                          "Script call ended with error: 2400") != std::string::npos;
-                EXPECT_LE(started.size(), 1U) << nth;
-                if (!isFailingWhenScheduled) EXPECT_NE(started.size() == 1, isLogged) << nth;
-                if (!fired) EXPECT_EQ(started, (std::vector<std::string>{"Desk/Print Report/x 0"}));
-                session.runWaitingScripts();
-                started.clear();
-                EXPECT_EQ((host::objectCounts() - before).describe(), "") << nth;
-            }
-        }
+        host::forEachFault([&](host::FaultPoint& point) {
+            const host::ObjectCounts before = host::objectCounts();
+            started.clear();
+            if (!isFailingWhenScheduled) schedule();
+            testing::internal::CaptureStderr();
+            host::mainQueue().drain();
+            point.during([&] { isFailingWhenScheduled ? schedule() : plugIn.idle(kFMXT_UserIdle); });
+            host::mainQueue().drain();
+            for (int i = 0; i < 3; ++i)
+                plugIn.idle(kFMXT_UserIdle);
+            const bool isLogged = testing::internal::GetCapturedStderr().find(
+                                      "Script call ended with error: 2400") != std::string::npos;
+            EXPECT_LE(started.size(), 1U) << point.nth;
+            if (!isFailingWhenScheduled) EXPECT_NE(started.size() == 1, isLogged) << point.nth;
+            if (!point.fired) EXPECT_EQ(started, (std::vector<std::string>{"Desk/Print Report/x 0"}));
+            session.runWaitingScripts();
+            started.clear();
+            EXPECT_EQ((host::objectCounts() - before).describe(), "") << point.nth;
+        });
 }
 
 TEST_F(DoFileMakerScript, findsNamesInOtherFilesOnRequest) {

@@ -3,7 +3,6 @@
 #include "WebServices.h"
 
 #include "host/dispatch/MainQueue.h"
-#include "host/fmwrapper/Bridge.h"
 #include "host/values/Clock.h"
 
 #include <algorithm>
@@ -17,13 +16,7 @@
 namespace {
 
 using host::Faults;
-
-/// One run of a row, with one host call made to fail.
-struct Point {
-    std::uint64_t nth = 0;
-    Faults::Kind kind{};
-    bool fromThenOn = false, fired = true; ///< fired: the row made at least `nth` host calls
-};
+using Point = host::FaultPoint;
 
 struct Row {
     std::string what;
@@ -51,10 +44,7 @@ protected:
         const host::ObjectCounts before = host::objectCounts();
         const std::size_t escaped = plugIn.violations().size();
         row.prepare();
-        host::faults().arm(point.nth, point.kind, point.fromThenOn);
-        row.action();
-        point.fired = host::faults().fired();
-        host::faults().disarm();
+        point.during(row.action);
         std::string trouble = row.trouble(point);
         if (const std::string next = textOf(ordinaryCall); next != "vv3.1")
             trouble += "; the next call gives " + next;
@@ -63,24 +53,18 @@ protected:
         return plugIn.violations().size() == escaped ? trouble : trouble + "; an exception escapes";
     }
 
-    /// Tries a row at its first, second, … host call up to its last. Counts the points tried and the points
-    /// that the plug-in did not handle.
+    /// Tries a row at each of its host calls. Counts the points tried and the points that the plug-in did not
+    /// handle.
     void tryRow(const Row& row, std::uint64_t& points, std::uint64_t& notHandled) {
-        constexpr std::uint64_t mostPoints = 20'000;
-        const std::uint64_t before = points;
-        for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
-            for (const bool fromThenOn : {false, true}) {
-                Point point{.kind = kind, .fromThenOn = fromThenOn};
-                while (point.fired && ++point.nth < mostPoints) {
-                    const std::string trouble = troubleAt(row, point);
-                    points += point.fired ? 1 : 0;
-                    notHandled += trouble.empty() ? 0 : 1;
-                    EXPECT_EQ(trouble, "") << row.what << ", host call " << point.nth << ", error "
-                                           << static_cast<int>(kind) << (fromThenOn ? " from then on" : "");
-                }
-                EXPECT_FALSE(point.fired) << row.what << " was not tried to its end";
-            }
-        EXPECT_EQ(points > before, row.callsHost) << row.what;
+        const std::uint64_t tried = host::forEachFault([&](Point& point) {
+            const std::string trouble = troubleAt(row, point);
+            notHandled += trouble.empty() ? 0 : 1;
+            EXPECT_EQ(trouble, "") << row.what << ", host call " << point.nth << ", error "
+                                   << static_cast<int>(point.mode.kind)
+                                   << (point.mode.fromThenOn ? " from then on" : "");
+        });
+        EXPECT_EQ(tried > 0, row.callsHost) << row.what;
+        points += tried;
     }
 
     /// Calls of each function with as many values of one type as it takes.
@@ -93,11 +77,8 @@ protected:
                 const host::DataVect arguments(static_cast<std::size_t>(most),
                                                std::make_shared<const host::Data>(value));
                 const auto call = [this, function, arguments] {
-                    const host::calc::Environment environment = session.environment(session.front());
                     host::Data ignored;
-                    plugIn.call(function, host::bridge::out<fmx::ExprEnv>(environment),
-                                host::bridge::out<fmx::DataVect>(arguments),
-                                host::bridge::out<fmx::Data>(ignored));
+                    loaded.call(function, arguments, ignored);
                 };
                 rows.push_back({host::toUtf8(function.name), call, function.name != u"Kestrel_DoBashCmd"});
             }
@@ -117,12 +98,14 @@ protected:
             const bool reports = std::string_view(calculation).find("AsHTML") != std::string_view::npos;
             const bool records = !std::string_view(calculation).starts_with("Kestrel_Version");
             const auto trouble = [this, expected, reports, records](const Point& point) {
-                const std::string error = point.kind == Faults::Kind::badAlloc ? "bad_alloc" : "exception";
-                const bool isRight = !point.fired       ? result == expected
-                                     : !records         ? lastError() == "7 kept"
-                                     : !reports         ? true
-                                     : point.fromThenOn ? result == "error 2400"
-                                                        : result + lastError() == "24002400 std::" + error;
+                const std::string error =
+                    point.mode.kind == Faults::Kind::badAlloc ? "bad_alloc" : "exception";
+                const bool isRight = !point.fired ? result == expected
+                                     : !records   ? lastError() == "7 kept"
+                                     : !reports   ? true
+                                     : point.mode.fromThenOn
+                                         ? result == "error 2400"
+                                         : result + lastError() == "24002400 std::" + error;
                 return isRight ? "" : "; it gives " + result + ", last error " + lastError();
             };
             const auto prepare = [this] {

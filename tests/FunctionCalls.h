@@ -4,7 +4,6 @@
 #include "host/fmwrapper/Bridge.h"
 #include "host/values/Data.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,11 +23,6 @@ inline std::u16string times(int count, const std::u16string& piece) {
     return made;
 }
 
-/// A calculation, its result and the last error after it; an empty last error means that it is unchanged.
-struct Step {
-    const char *calculation, *result, *lastError = "";
-};
-
 /// Calls functions with values that no calculation can write. The store of globals is empty before and after
 /// each test, because the library stays in memory between tests.
 class FunctionCalls : public LoadedPlugIn {
@@ -39,7 +33,6 @@ protected:
     };
 
     void SetUp() override {
-        LoadedPlugIn::SetUp();
         clearGlobals();
         before = host::objectCounts();
     }
@@ -51,27 +44,12 @@ protected:
 
     void clearGlobals() { EXPECT_EQ(textOf("Kestrel_SetGlobal ( \"\" ; 1 )"), ""); }
 
-    void expectSteps(const std::vector<Step>& steps) {
-        for (const auto& [calculation, result, expectedError] : steps) {
-            textOf("Let ( [ $$Kestrel_LastError = 7 ; $$Kestrel_LastErrorMessage = \"kept\" ] ; \"\" )");
-            EXPECT_EQ(textOf(calculation), result) << calculation;
-            EXPECT_EQ(lastError(), *expectedError == '\0' ? "7 kept" : expectedError) << calculation;
-        }
-    }
-
     Answer call(std::u16string_view name, const std::vector<host::Data>& arguments) {
         host::DataVect values;
         for (const host::Data& argument : arguments)
             values.push_back(std::make_shared<const host::Data>(argument));
-        const auto function =
-            std::find_if(plugIn.functions().begin(), plugIn.functions().end(),
-                         [name](const host::RegisteredFunction& row) { return row.name == name; });
         Answer answer{-1, {}};
-        if (function == plugIn.functions().end()) return answer;
-        const host::calc::Environment environment = session.environment(session.front());
-        answer.error =
-            plugIn.call(*function, host::bridge::out<fmx::ExprEnv>(environment),
-                        host::bridge::out<fmx::DataVect>(values), host::bridge::out<fmx::Data>(answer.value));
+        answer.error = loaded.call(loaded.function(name), values, answer.value);
         return answer;
     }
 

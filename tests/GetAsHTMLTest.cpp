@@ -25,19 +25,19 @@ namespace {
 
 namespace face = host::face;
 
-host::RunStyle looks(std::uint16_t faces, host::Alignment alignment = host::Alignment::left) {
+host::RunStyle formatted(std::uint16_t faces, host::Alignment alignment = host::Alignment::left) {
     host::CharacterStyle style;
     if (faces != 0) style.setFaces(faces);
     return {.style = style, .alignment = alignment};
 }
 
-const host::RunStyle plain = looks(face::plain), bold = looks(face::bold),
-                     boldItalic = looks(face::bold | face::italic);
+const host::RunStyle plain = formatted(face::plain), bold = formatted(face::bold),
+                     boldItalic = formatted(face::bold | face::italic);
 
 host::Text joined(const std::vector<std::pair<const char16_t*, host::RunStyle>>& pieces) {
     host::Text all;
-    for (const auto& [units, look] : pieces)
-        all.append(units, look);
+    for (const auto& [units, formatting] : pieces)
+        all.append(units, formatting);
     return all;
 }
 
@@ -89,17 +89,17 @@ protected:
 
 TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
     const host::Text text = joined({{u"Hello", bold}, {u" world", plain}}), both(u"x", boldItalic);
-    host::RunStyle red, redAndItalic = looks(face::italic), redAndBoth = boldItalic;
-    for (host::RunStyle* const look : {&red, &redAndItalic, &redAndBoth})
-        look->style.setColor({255, 0, 0});
-    for (host::RunStyle* const look : {&red, &redAndItalic})
-        look->style.setSize(12);
+    host::RunStyle red, redAndItalic = formatted(face::italic), redAndBoth = boldItalic;
+    for (host::RunStyle* const formatting : {&red, &redAndItalic, &redAndBoth})
+        formatting->style.setColor({255, 0, 0});
+    for (host::RunStyle* const formatting : {&red, &redAndItalic})
+        formatting->style.setSize(12);
     const host::Text rich = joined({{u"both", boldItalic}, {u"red", red}, {u"more", redAndItalic}});
     const host::Text all(u"x", redAndBoth);
     host::Text usual;
     for (const std::uint16_t bits :
          {face::underline, face::strikethrough, face::highlight, face::superscript, face::subscript})
-        usual.append(u"x", looks(bits));
+        usual.append(u"x", formatted(bits));
     expect({
         {text, "", "<b>Hello</b> world"},
         {text, "ALL", "<b>Hello</b> world"},
@@ -137,7 +137,7 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
         {both, ";all=kst|bold=never;",
          block(".kst { font-style:italic;font-weight:bold; }|") + "<span class=\"kst\">x</span>"},
         // Names that are in use get a number, and the list is in the order of the names.
-        {{u"x", looks(face::bold | face::italic | face::underline)},
+        {{u"x", formatted(face::bold | face::italic | face::underline)},
          ";italic=kst|bold=kst|underline=kst1;",
          block(".kst { font-style:italic; }|.kst1 { font-weight:bold; }|.kst11 { text-decoration:underline; "
                "}|") +
@@ -148,44 +148,17 @@ TEST_F(GetAsHTML, writesElementsClassesAndDeclarations) {
     EXPECT_EQ(lastError(), " "); // success leaves the last error unchanged
 }
 
-TEST_F(GetAsHTML, declaresFormatting) {
-    using namespace host::face;
-    const std::string twice = "-webkit-text-decoration-style:double;text-decoration:underline";
-    const struct {
-        std::uint16_t faces;
-        std::string css;
-    } cases[] = {
-        {host::face::plain, ""},
-        {host::face::bold | italic, "font-style:italic;font-weight:bold;"},
-        {highlight | outline | smallCaps, "background-color:#FFFF00;font-variant:small-caps;"},
-        {underline | doubleUnderline | wordUnderline, "text-decoration:underline;"},
-        {doubleUnderline | wordUnderline, twice + ";text-decoration-style:double;"},
-        {wordUnderline, ""},
-        {strikethrough, "text-decoration:line-through;"},
-        {underline | strikethrough, "text-decoration:underline line-through;"},
-        {doubleUnderline | strikethrough, twice + " line-through;text-decoration-style:double;"},
-        {condense | extend, "letter-spacing:-2px;"},
-        {extend, "letter-spacing:2px;"},
-        {superscript | subscript, "vertical-align:super;"},
-        {subscript, "vertical-align:sub;"},
-        {titlecase, "text-transform:capitalize;"},
-        {uppercase, "text-transform:uppercase;"},
-        {lowercase, "text-transform:lowercase;"},
-    };
-    const auto declared = [](const std::string& css) {
-        return css.empty() ? "x" : "<span style=\"" + css + "\">x</span>";
-    };
-    for (const auto& [faces, css] : cases)
-        EXPECT_EQ(html({u"x", looks(faces)}, ";;all"), declared(css)) << faces;
-
-    host::RunStyle look;
-    look.style.setColor({255, 0, 128});
-    EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;"));
-    look.style.setSize(0);
-    look.style.setFont(session.front()->fontId(u"Гельветика"));
-    EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-family:Гельветика;font-size:0px;"));
-    look.style.setFont(99); // the file has no such font
-    EXPECT_EQ(html({u"x", look}, ";;all"), declared("color:#ff0080;font-size:0px;"));
+TEST_F(GetAsHTML, declaresColorFontAndSize) {
+    const auto declared = [](const std::string& css) { return "<span style=\"" + css + "\">x</span>"; };
+    host::RunStyle formatting;
+    formatting.style.setColor({255, 0, 128});
+    EXPECT_EQ(html({u"x", formatting}, ";;all"), declared("color:#ff0080;"));
+    formatting.style.setSize(0);
+    formatting.style.setFont(session.front()->fontId(u"Гельветика"));
+    EXPECT_EQ(html({u"x", formatting}, ";;all"),
+              declared("color:#ff0080;font-family:Гельветика;font-size:0px;"));
+    formatting.style.setFont(99); // the file has no such font
+    EXPECT_EQ(html({u"x", formatting}, ";;all"), declared("color:#ff0080;font-size:0px;"));
 }
 
 TEST_F(GetAsHTML, startsARunWhereTheCssChanges) {
@@ -195,42 +168,17 @@ TEST_F(GetAsHTML, startsARunWhereTheCssChanges) {
     const auto inFont = [](const char* name, const char* text) {
         return std::string("<span style=\"font-family:") + name + ";\">" + text + "</span>";
     };
-    const host::RunStyle words = looks(face::wordUnderline);
+    const host::RunStyle words = formatted(face::wordUnderline);
     expect({
         {{u"a b", words}, "", "a<u> </u>b"},
         {joined({{u"a", first}, {u"b", second}, {u"c", first}}), ";;all",
          inFont("Helvetica", "a") + inFont("Grüße", "b") + inFont("Helvetica", "c")},
         // Different formatting with the same CSS shares a run.
-        {joined({{u"x", looks(face::outline)}, {u"y", plain}, {u" ", looks(face::underline)}, {u" ", words}}),
+        {joined({{u"x", formatted(face::outline)},
+                 {u"y", plain},
+                 {u" ", formatted(face::underline)},
+                 {u" ", words}}),
          "", "xy<u>  </u>"},
-    });
-}
-
-TEST_F(GetAsHTML, splitsTextAtReturns) {
-    const host::Text heading = joined({{u"a", bold}, {u"b\rc", plain}}), boldLines(u"a\rb", bold);
-    expect({
-        {{}, "", ""},
-        {u"\r", "", ""},
-        {u"one", "none=div", "one"},
-        {u"one\r", "", "one"},
-        {u"one\rtwo", "", "<p>one</p>|<p>two</p>|"},
-        {u"one\r\rtwo\r", "", "<p>one</p>|<p></p>|<p>two</p>|"},
-        {u"\r\r", "", "<p></p>|<p></p>|"},
-        {u"a\rb", "=div",
-         "<div>a</div>|<div>b</div>|"}, // without a variable, the alignment has an empty name
-        // The first block element, classes and declarations of all runs move to the paragraph.
-        {heading, "bold=h2", "<p><h2>a</h2>b</p>|<p>c</p>|"},
-        {heading.substring(0, 1), "bold=h2", "<h2>a</h2>"},
-        {boldLines, "bold=h2", "<h2>a</h2>|<h2>b</h2>|"},
-        {boldLines, "bold=H2", "<p><H2>a</H2></p>|<p><H2>b</H2></p>|"},
-        {{u"a\rb", boldItalic}, "bold=h2|italic=h2", "<h2>a</h2>|<h2>b</h2>|"},
-        {joined({{u"a", bold}, {u"b", boldItalic}, {u"\rc", plain}}), "bold=h2|italic=i",
-         "<h2>a<i>b</i></h2>|<p>c</p>|"},
-        {joined({{u"a", boldItalic}, {u"b", looks(face::italic)}, {u"\rc", plain}}), "bold=h1|italic=div",
-         "<div><h1>a</h1>b</div>|<p>c</p>|"},
-        {boldLines, ";;bold", "<p style=\"font-weight:bold;\">a</p>|<p style=\"font-weight:bold;\">b</p>|"},
-        {boldLines, ";bold=x",
-         block(".x { font-weight:bold; }|") + "<p class=\"x\">a</p>|<p class=\"x\">b</p>|"},
     });
 }
 
@@ -247,7 +195,7 @@ TEST_F(GetAsHTML, escapesCharactersOnce) {
 
 TEST_F(GetAsHTML, readsVariablesWithTheirAlignment) {
     using enum host::Alignment;
-    const auto aligned = [](host::Alignment alignment) { return looks(0, alignment); };
+    const auto aligned = [](host::Alignment alignment) { return formatted(0, alignment); };
     const host::Text toTheRight(u"one", aligned(right)), inTheMiddle(u"one", aligned(center)),
         justified(u"one", aligned(full));
     host::RunStyle small = aligned(center);
@@ -278,11 +226,12 @@ TEST_F(GetAsHTML, readsVariablesWithTheirAlignment) {
         {u"a\u2028b\rc", "", "<p>a<br/>|b<br/>|c</p>|"},
         {{u"a\u2028b\rc", aligned(center)}, "center=div;;", "<div>a<br/>|b<br/>|c</div>|"},
         // Declarations that move to the paragraph come after its own. Its own element stays.
-        {{u"<&", looks(face::bold, center)},
+        {{u"<&", formatted(face::bold, center)},
          ";;all",
          "<p style=\"font-weight:bold;text-align:center;\">&lt;&amp;</p>|"},
-        {{u"x", looks(face::bold, center)}, "bold=h2|center=div", "<div><h2>x</h2></div>|"},
-        {joined({{u"x", looks(face::bold | face::underline, center)}, {u"y", looks(face::bold, center)}}),
+        {{u"x", formatted(face::bold, center)}, "bold=h2|center=div", "<div><h2>x</h2></div>|"},
+        {joined({{u"x", formatted(face::bold | face::underline, center)},
+                 {u"y", formatted(face::bold, center)}}),
          ";center=own|underline=b|bold=a;",
          block(".a { font-weight:bold; }|.b { text-decoration:underline; }|.own { text-align:center; }|") +
              "<p class=\"own a\"><span class=\"b\">x</span>y</p>|"},
@@ -304,7 +253,7 @@ TEST_F(GetAsHTML, takesNamesWithoutAValueAsText) {
         EXPECT_EQ(html(text), host::Text(text).utf8());
     }
     EXPECT_EQ(htmlOfVariable(host::Text()), "$$t");
-    EXPECT_EQ(html({u"$no\r$ne", looks(face::bold)}), "<p><b>$no</b></p>|<p><b>$ne</b></p>|");
+    EXPECT_EQ(html({u"$no\r$ne", formatted(face::bold)}), "<p><b>$no</b></p>|<p><b>$ne</b></p>|");
     // Any expression that can stand in parentheses may follow.
     EXPECT_EQ(htmlOfVariable(u"a\rb", ";"), "<p>a</p>|<p>b</p>|");
     EXPECT_EQ(html(u"$$t & \"c\""), "<p>a</p>|<p>bc</p>|");
@@ -331,7 +280,8 @@ TEST_F(GetAsHTML, callsTheHostInProportionToTheText) {
     const auto equalAfterwards = [](std::uint32_t size) {
         host::Text text;
         for (std::uint32_t i = 0; i < size; ++i)
-            text.append(u"x", looks(i % 2 == 0 ? face::bold | face::condense : face::bold | face::extend));
+            text.append(u"x",
+                        formatted(i % 2 == 0 ? face::bold | face::condense : face::bold | face::extend));
         return text;
     };
     const struct {
@@ -386,7 +336,7 @@ TEST_F(GetAsHTML, logsMergesOnRequestOnly) {
 
 TEST_F(GetAsHTML, readsCharactersAndRuns) {
     const host::calc::Environment place = session.environment(session.front());
-    const host::Text words(u"a ", looks(face::wordUnderline));
+    const host::Text words(u"a ", formatted(face::wordUnderline));
     const auto& text = host::bridge::out<fmx::Text>(words);
     const auto& env = host::bridge::out<fmx::ExprEnv>(place);
     EXPECT_TRUE(formattingsFromFMCharacter(text, 0, env).empty());

@@ -77,36 +77,6 @@ TEST_F(Globals, keepValuesOfEveryTypeUnchanged) {
     }
 }
 
-TEST_F(Globals, giveResultsToCalculations) {
-    expectSteps({
-        {"Kestrel_GetGlobal", "-50", "-50 Key must be specified"},
-        {"Kestrel_SetGlobal", "-50", "-50 Key and value must be specified"},
-        {"Kestrel_SetGlobal ( \"k\" )", "-50", "-50 Key and value must be specified"},
-        {"Kestrel_GetGlobal ( \"k\" )", ""},
-        {"Kestrel_SetGlobal ( \"k\" ; \"lower\" )", "lower"},
-        {"Kestrel_SetGlobal ( \"K\" ; \"upper\" )", "upper"},
-        {"Kestrel_SetGlobal ( \" k\" ; \"blank\" )", "blank"},
-        {"Kestrel_GetGlobal ( \"k\" ) & Kestrel_GetGlobal ( \"K\" ) & Kestrel_GetGlobal ( \" k\" )",
-         "lowerupperblank"},
-        {"Kestrel_GetGlobal ( \"k\" ; \"ignored\" ; 1 )", "lower"},
-        {"Kestrel_GetGlobal ( \"\" )", ""},
-        {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"die on close\" )", "-50",
-         "-50 Unknown value of parameter moreOptions"},
-        {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"\" )", "-50", "-50 Unknown value of parameter moreOptions"},
-        {"Kestrel_GetGlobal ( \"k\" )", "lower"},
-        {"Kestrel_SetGlobal ( \"k\" ; \"new\" ; \"DieOnClose\" ; \"ignored\" )", "new"},
-        {"Kestrel_GetGlobal ( \"k\" )", "new"},
-        {"Kestrel_SetGlobal ( \"k\" ; \"\" ; \"invalid\" )", ""},
-        {"Kestrel_GetGlobal ( \"k\" )", ""},
-        {"Kestrel_SetGlobal ( \"none\" ; \"\" )", ""},
-        // The text of a number or date is the key.
-        {"Kestrel_SetGlobal ( 007 ; Date ( 2 ; 3 ; 2024 ) )", "2/3/2024"},
-        {"Kestrel_ValueType ( Kestrel_GetGlobal ( \"7\" ) )", "Date"},
-        {"Kestrel_SetGlobal ( \"\" ; \"x\" ; \"invalid\" )", ""},
-        {"Kestrel_GetGlobal ( \"K\" ) & Kestrel_GetGlobal ( 7 )", ""},
-    });
-}
-
 TEST_F(Globals, areSharedByAllFiles) {
     EXPECT_EQ(textOf("Kestrel_SetGlobal ( \"k\" ; 5 ; \"dieonclose\" )"), "5");
     session.open(solutionNamed(u"Other"));
@@ -138,20 +108,15 @@ TEST_F(Globals, stayUnchangedWhenTheHostFails) {
     };
     const Data old(u"old");
     for (const std::vector<Data>& arguments : calls)
-        for (const bool fromThenOn : {false, true})
-            for (std::uint64_t nth = 1;; ++nth) {
-                clearGlobals();
-                call(u"Kestrel_SetGlobal", {Data(u"k"), old});
-                host::faults().arm(nth, host::Faults::Kind::badAlloc, fromThenOn);
-                call(u"Kestrel_SetGlobal", arguments);
-                const bool fired = host::faults().fired();
-                host::faults().disarm();
-                if (!fired) break;
-                EXPECT_TRUE(call(u"Kestrel_GetGlobal", {Data(u"k")}).value.isIdenticalTo(old)) << nth;
-                EXPECT_EQ(textOf("Kestrel_GetGlobal ( \"new\" )"), "") << nth;
-                EXPECT_EQ(liveData(), 1) << nth;
-                if (HasFailure()) return;
-            }
+        host::forEachFault([&](host::FaultPoint& point) {
+            clearGlobals();
+            call(u"Kestrel_SetGlobal", {Data(u"k"), old});
+            point.during([&] { call(u"Kestrel_SetGlobal", arguments); });
+            if (!point.fired) return;
+            EXPECT_TRUE(call(u"Kestrel_GetGlobal", {Data(u"k")}).value.isIdenticalTo(old)) << point.nth;
+            EXPECT_EQ(textOf("Kestrel_GetGlobal ( \"new\" )"), "") << point.nth;
+            EXPECT_EQ(liveData(), 1) << point.nth;
+        });
 }
 
 TEST_F(Globals, outliveShutdown) {

@@ -23,7 +23,7 @@ using Expected = std::map<std::string, std::vector<std::string>>;
 /// Collects the characters and breaks of every frame with their computed styles. CSS does not inherit lines,
 /// highlights and superscript, but inner elements show them, so they are collected from the outer elements.
 constexpr const char* script = R"js(
-function look(element) {
+function formatting(element) {
     const frame = element.ownerDocument, view = frame.defaultView;
     const style = view.getComputedStyle(element), lines = new Set();
     let position = "baseline", background = "", aligned = style.textAlign;
@@ -44,9 +44,9 @@ function collect(node, runs) {
     for (const child of node.childNodes) {
         if (child.nodeType === Node.TEXT_NODE) {
             const text = child.data.replaceAll("\n", "");
-            if (text !== "") runs.push([text, look(node)]);
+            if (text !== "") runs.push([text, formatting(node)]);
         } else if (child.nodeName === "BR") {
-            runs.push(["\u2028", look(node)]);
+            runs.push(["\u2028", formatting(node)]);
         } else if (child.nodeName !== "STYLE") {
             if ((child.nodeName === "P" || child.nodeName === "DIV") && child.previousElementSibling)
                 runs.push(["\r", {}]);
@@ -60,7 +60,7 @@ onload = () => {
         collect(frame.contentDocument.body, runs);
         return runs;
     });
-    document.getElementById("looks").textContent = JSON.stringify(all).replace(/[^ -~]|[&<>]/g,
+    document.getElementById("formattings").textContent = JSON.stringify(all).replace(/[^ -~]|[&<>]/g,
         c => "\\u" + c.charCodeAt(0).toString(16).padStart(4, "0"));
 };
 )js";
@@ -82,7 +82,6 @@ protected:
         std::filesystem::temp_directory_path() / ("kestrel-browser-" + std::to_string(::getpid()));
 
     void SetUp() override {
-        LoadedPlugIn::SetUp();
         if (browser == nullptr || *browser == '\0') GTEST_SKIP() << "KESTREL_BROWSER names no browser";
         std::filesystem::create_directory(folder);
     }
@@ -98,7 +97,7 @@ protected:
             file << "<!DOCTYPE html><meta charset=utf-8><script>" << script << "</script>";
             for (const std::string& page : pages)
                 file << "<iframe srcdoc=\"" << escapedForAttribute(base + page) << "\"></iframe>\n";
-            file << "<pre id=looks></pre>";
+            file << "<pre id=formattings></pre>";
         }
         const std::string quoted = "'" + folder.string();
         // The browser runs without the tests' own network, which it does not support.
@@ -107,7 +106,7 @@ protected:
             " --headless --disable-gpu --disable-dev-shm-usage" + (::geteuid() == 0 ? " --no-sandbox" : "") +
             " --host-resolver-rules='MAP * ~NOTFOUND' --user-data-dir=" + quoted + "/profile' --dump-dom " +
             quoted + "/pages.html' 2>/dev/null");
-        const std::string mark = "<pre id=\"looks\">";
+        const std::string mark = "<pre id=\"formattings\">";
         const std::size_t start = page.find(mark);
         if (start == std::string::npos) return {};
         const std::size_t first = start + mark.size();
@@ -116,9 +115,10 @@ protected:
 
     /// The expected style of a character. `isWholly` holds the faces that all characters of its paragraph
     /// share.
-    Expected expected(const host::RunStyle& look, std::uint16_t isWholly, const HtmlParameters& parameters) {
+    Expected expected(const host::RunStyle& formatting, std::uint16_t isWholly,
+                      const HtmlParameters& parameters) {
         using namespace host;
-        const std::uint16_t faces = look.style.faces();
+        const std::uint16_t faces = formatting.style.faces();
         const auto has = [faces](std::uint16_t bits) { return (faces & bits) == bits; };
         Expected fields{{"weight", {"400"}},     {"slant", {"normal"}}, {"caps", {"normal"}},
                         {"spacing", {"normal"}}, {"background", {""}},  {"position", {"baseline"}},
@@ -143,19 +143,19 @@ protected:
         for (const auto& [bits, field, value] : rows)
             if (has(bits)) fields[field] = {value};
         constexpr const char* alignments[] = {"start", "center", "right", "justify"};
-        fields["aligned"] = {alignments[static_cast<std::size_t>(look.alignment)]};
+        fields["aligned"] = {alignments[static_cast<std::size_t>(formatting.alignment)]};
         fields["lines"] = linesOf(faces, isWholly, parameters);
         fields["color"] = {"rgb(18, 52, 86)"};
-        if (look.style.isColorEnabled()) {
-            const Color color = look.style.color();
+        if (formatting.style.isColorEnabled()) {
+            const Color color = formatting.style.color();
             fields["color"] = {"rgb(" + std::to_string(color.red) + ", " + std::to_string(color.green) +
                                ", " + std::to_string(color.blue) + ")"};
         }
         // <mark> has black text of its own, even in a coloured paragraph.
         if (has(face::highlight) && parameters.hasElements) fields["color"].emplace_back("rgb(0, 0, 0)");
-        const auto font = session.front()->fontName(look.style.font());
+        const auto font = session.front()->fontName(formatting.style.font());
         fields["font"] = {font ? host::toUtf8(*font) : "Base"};
-        const int size = look.style.isSizeEnabled() ? look.style.size() : 17;
+        const int size = formatting.style.isSizeEnabled() ? formatting.style.size() : 17;
         fields["size"] = {std::to_string(size) + "px"};
         if ((faces & (face::superscript | face::subscript)) != 0 && parameters.hasElements)
             fields["size"].push_back(std::to_string(size / 1.2) + "px"); // unless the element declares a size
@@ -193,7 +193,7 @@ std::vector<std::uint16_t> wholly(const Text& text) {
         std::uint32_t end = first;
         std::uint16_t common = host::face::all | host::face::caseMask;
         for (; end < text.size() && text.units()[end] != u'\r'; ++end) {
-            std::uint16_t faces = text.lookAt(end).style.faces();
+            std::uint16_t faces = text.formattingAt(end).style.faces();
             if ((faces & host::face::underline) != 0) faces |= host::face::doubleUnderline;
             common &= faces;
         }
@@ -242,7 +242,7 @@ TEST_F(HtmlInBrowser, hasTheFormattingOfTheText) {
                 ASSERT_EQ(unit, texts[i].units()[position]) << "at " << position;
                 if (unit != u'\r')
                     for (const auto& [field, values] :
-                         expected(texts[i].lookAt(position), common[position],
+                         expected(texts[i].formattingAt(position), common[position],
                                   htmlParameters()[(first + i) % htmlParameters().size()]))
                         ASSERT_TRUE(isOneOf(values, field, found.at(field)))
                             << "character " << position << ": " << field << " is \"" << found.at(field)

@@ -39,23 +39,23 @@ std::string written(const Text& text) {
     constexpr const char* alignments[] = {"", "center", "right", "full"};
     std::string all;
     for (std::size_t i = 0; i < text.runs().size(); ++i) {
-        const auto& [start, look] = text.runs()[i];
+        const auto& [start, formatting] = text.runs()[i];
         const std::uint32_t end = i + 1 < text.runs().size() ? text.runs()[i + 1].start : text.size();
         std::string words;
-        std::uint16_t faces = look.style.faces();
+        std::uint16_t faces = formatting.style.faces();
         for (const auto& [bits, name] : faceNames) {
             if ((faces & bits) != bits) continue;
             faces &= static_cast<std::uint16_t>(~bits);
             words += std::string(" ") + name;
         }
-        const host::Color& color = look.style.color();
-        if (look.style.isColorEnabled())
+        const host::Color& color = formatting.style.color();
+        if (formatting.style.isColorEnabled())
             words += " " + std::to_string(color.red) + "," + std::to_string(color.green) + "," +
                      std::to_string(color.blue);
-        if (look.style.isFontEnabled()) words += " font" + std::to_string(look.style.font());
-        if (look.style.isSizeEnabled()) words += " " + std::to_string(look.style.size()) + "px";
-        if (look.alignment != host::Alignment::left)
-            words += std::string(" ") + alignments[static_cast<std::size_t>(look.alignment)];
+        if (formatting.style.isFontEnabled()) words += " font" + std::to_string(formatting.style.font());
+        if (formatting.style.isSizeEnabled()) words += " " + std::to_string(formatting.style.size()) + "px";
+        if (formatting.alignment != host::Alignment::left)
+            words += std::string(" ") + alignments[static_cast<std::size_t>(formatting.alignment)];
         all += (words.empty() ? "[]" : "[" + words.substr(1) + "]");
         std::u16string shown(text.units().substr(start, end - start));
         for (char16_t& unit : shown)

@@ -2,7 +2,7 @@
 #include "FMWrapper/FMXData.h"
 #include "host/app/Session.h"
 #include "host/fmwrapper/Bridge.h"
-#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ForEachFault.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
@@ -134,12 +134,12 @@ TEST_F(Interface, AnObjectMayBeItsOwnArgument) {
     text->InsertText(*text, 2);
     text->SetText(*text, 1, 6);
     EXPECT_EQ(utf8(*text), "babcbc");
-    std::string looks;
+    std::string faces;
     for (fmx::uint32 i = 0; i < text->GetSize(); ++i) {
         text->GetStyle(*bold, i);
-        looks += bold->IsFaceEnabled(fmx::CharacterStyle::kFace_Bold) ? 'b' : '-';
+        faces += bold->IsFaceEnabled(fmx::CharacterStyle::kFace_Bold) ? 'b' : '-';
     }
-    EXPECT_EQ(looks, "b-b-b-");
+    EXPECT_EQ(faces, "b-b-b-");
 
     fmx::FixPtUniquePtr number(6);
     number->Add(*number, *number);
@@ -267,25 +267,20 @@ TEST_F(Interface, FailingCallsLeakNothing) {
         environment().ExecuteFileSQL(*textOf("SELECT a FROM t"), *fmx::TextUniquePtr(), *values, *rows);
         return data->GetAsNumber().AsLong();
     };
-    for (const auto kind : {host::Faults::Kind::badAlloc, host::Faults::Kind::unknown})
-        for (const bool fromThenOn : {false, true}) {
-            const host::ObjectCounts atFirst = host::objectCounts();
-            std::uint64_t nth = 1;
-            for (bool fired = true; fired && nth < 1'000; ++nth) {
-                host::faults().arm(nth, kind, fromThenOn);
-                try {
-                    EXPECT_EQ(work(), 2);
-                    EXPECT_FALSE(host::faults().fired());
-                } catch (const std::exception& problem) {
-                    EXPECT_EQ(dynamic_cast<const std::bad_alloc*>(&problem) != nullptr,
-                              kind == host::Faults::Kind::badAlloc);
-                }
-                fired = host::faults().fired();
-                host::faults().disarm();
-                EXPECT_EQ((host::objectCounts() - atFirst).describe(), "") << "call " << nth;
+    const std::uint64_t failed = host::forEachFault([&](host::FaultPoint& point) {
+        const host::ObjectCounts atFirst = host::objectCounts();
+        point.during([&] {
+            try {
+                EXPECT_EQ(work(), 2);
+                EXPECT_FALSE(host::faults().fired());
+            } catch (const std::exception& problem) {
+                EXPECT_EQ(dynamic_cast<const std::bad_alloc*>(&problem) != nullptr,
+                          point.mode.kind == host::Faults::Kind::badAlloc);
             }
-            EXPECT_GT(nth, 20U);
-        }
+        });
+        EXPECT_EQ((host::objectCounts() - atFirst).describe(), "") << "call " << point.nth;
+    });
+    EXPECT_GT(failed, 4 * 20U);
 }
 
 TEST_F(Interface, NumbersKeepTheirPrecisionAndRefuseNanAndInfinity) {

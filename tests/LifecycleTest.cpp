@@ -87,11 +87,15 @@ TEST_F(Lifecycle, ScriptsFromBeforeAShutdownStartAfterTheNextInit) {
         plugIn.shutdown();
         ASSERT_EQ(session.functions()->find(u"Kestrel_Version"), nullptr);
     }
-    ASSERT_EQ(plugIn.init(), 60);
-    host::clock().advance(std::chrono::seconds(1));
     int started = 0;
-    while (session.turn().scriptCalls > 0)
-        ++started;
+    session.onScriptCall = [&](const host::ScriptCall&) { ++started; };
+    host::clock().advance(std::chrono::seconds(1));
+    host::mainQueue().drain();
+    plugIn.idle(kFMXT_UserIdle);
+    EXPECT_EQ(started, 0) << "before the next init";
+    ASSERT_EQ(plugIn.init(), 60);
+    while (session.turn().scriptCalls > 0) {
+    }
     EXPECT_EQ(started, manyTimes);
     EXPECT_EQ(textOf(session, u"Kestrel_SetGlobal ( \"\" ; 1 )"), "");
     EXPECT_TRUE(plugIn.violations().empty());

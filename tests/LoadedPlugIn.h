@@ -1,9 +1,8 @@
 #pragma once
 
 #include "host/app/File.h"
-#include "host/app/PlugIn.h"
-#include "host/app/Session.h"
-#include "host/fmwrapper/Faults.h"
+#include "host/app/LoadedPlugIn.h"
+#include "host/fmwrapper/ForEachFault.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/values/Encoding.h"
 
@@ -13,11 +12,15 @@
 /// A session with an empty file and with Kestrel, loaded from its shared library.
 class LoadedPlugIn : public testing::Test {
 protected:
-    host::Session session;
-    std::uint64_t file = session.open(host::Solution{});
-    host::PlugIn plugIn{session, KESTREL_PLUGIN_PATH};
+    using Start = host::LoadedPlugIn::Start;
 
-    void SetUp() override { ASSERT_EQ(plugIn.init(), 60); }
+    explicit LoadedPlugIn(Start start = Start::now) : loaded(KESTREL_PLUGIN_PATH, {}, start) {}
+
+    host::LoadedPlugIn loaded;
+    host::Session& session = loaded.session();
+    host::PlugIn& plugIn = loaded.plugIn();
+    std::uint64_t file = session.front()->id();
+
     void TearDown() override {
         host::faults().disarm();
         EXPECT_TRUE(plugIn.violations().empty());

@@ -46,7 +46,7 @@ public:
             copy(at, begin);
             const auto first = static_cast<std::uint32_t>(begin + 2);
             output.append(filled(source.substring(first, static_cast<std::uint32_t>(close) - first),
-                                 source.lookAt(first).style));
+                                 source.formattingAt(first).style));
             std::size_t end = close;
             for (; isPair(u">>", end + 1); ++end)
                 copy(end, end + 1);
@@ -57,17 +57,17 @@ public:
     }
 
 private:
-    Text filled(const Text& expression, const CharacterStyle& look) const {
+    Text filled(const Text& expression, const CharacterStyle& formatting) const {
         const host::calc::Result result = session_.evaluate(expression.units());
         Text text(u"<<");
         if (result.error == 0) {
             text = result.value->asText();
-            if (!text.empty() && !text.lookAt(0).style.isAllDisabled()) return text;
+            if (!text.empty() && !text.formattingAt(0).style.isAllDisabled()) return text;
         } else {
             text.append(expression);
             text.append(Text(u">>"));
         }
-        text.applyStyle(look);
+        text.applyStyle(formatting);
         return text;
     }
 
@@ -92,19 +92,19 @@ TEST_F(MergeText, agreesWithASlowMergeOnRandomTemplates) {
         u"<<",    u">>",    u">>",     u"\r",        u"1+2",        u"\"\"",   u"text",  u"\"x\"",
         u"$none", u"<<1>>", u"\"<<\"", u"<<\"é\">>", u"\U0001F600", boldFirst, boldLast,
     };
-    const CharacterStyle looks[] = {{},
-                                    faces(host::face::bold),
-                                    faces(host::face::italic),
-                                    CharacterStyle(3, host::face::plain, 24, {255, 0, 0})};
+    const CharacterStyle formattings[] = {{},
+                                          faces(host::face::bold),
+                                          faces(host::face::italic),
+                                          CharacterStyle(3, host::face::plain, 24, {255, 0, 0})};
     std::mt19937 random(3);
     const SlowMerge slowly(session);
     int evaluations = 0;
     for (int round = 0; round < 6'000; ++round) {
         Text source;
-        const CharacterStyle* look = looks;
+        const CharacterStyle* formatting = formattings;
         for (std::size_t count = random() % 12; count > 0; --count) {
-            if (random() % 3 == 0) look = &looks[random() % std::size(looks)];
-            source.append(Text(pieces[random() % std::size(pieces)], {*look, {}}));
+            if (random() % 3 == 0) formatting = &formattings[random() % std::size(formattings)];
+            source.append(Text(pieces[random() % std::size(pieces)], {*formatting, {}}));
         }
         const Text expected = slowly(source), answer = merged(source);
         ASSERT_TRUE(answer.isIdenticalTo(expected))
@@ -114,40 +114,13 @@ TEST_F(MergeText, agreesWithASlowMergeOnRandomTemplates) {
     EXPECT_GT(evaluations, 1'000);
 }
 
-TEST_F(MergeText, fillsPlaceholders) {
-    const struct {
-        std::u16string source, result;
-    } cases[] = {
-        {u"", u""},
-        {u"no delimiters, a < b > c", u"no delimiters, a < b > c"},
-        {u"Sum: <<1+2>>", u"Sum: 3"},
-        {u"<<1>><<2>>, <<3>>", u"12, 3"},
-        {u"<<1+>>", u"<<1+>>"},
-        {u"<<<1+1>>>", u"<2>"},
-        {u"<<<<1+1>>>>", u"<<2>>"},
-        {u"<< <<1+1>>", u"<< <<1+1>>"}, // the expression begins at the first run
-        {u"a>>b<<1+1>>", u"a>>b<<1+1>>"},
-        {u"a>>b<<1+1>> <<2>>", u"a>>b<<1+1>> <<2>>"}, // the first ">>" has no partner
-        {u">> << <<2>>", u">> << 2"},
-        {u"<<1+1", u"<<1+1"},
-        {u"<<\"<\">><<\"<1>\" & \">\">>", u"<<1>>"}, // values are not templates
-        {u"<<\"\">>", u""},
-        {u"<<$none>>.", u"."},
-        {u"\U0001F600<<\"\U0001F468\">>\U0001F600", u"\U0001F600\U0001F468\U0001F600"},
-        {u"<<>>.", u"."},
-        {u"<<Kestrel_MergeText ( \"<\" & \"<1+1>\" & \">\" )>>", u"2"},
-    };
-    for (const auto& [source, result] : cases)
-        EXPECT_EQ(merged(source).utf8(), Text(result).utf8()) << Text(source).utf8();
-}
-
 TEST_F(MergeText, keepsAndAppliesFormatting) {
     const CharacterStyle none, bold = faces(host::face::bold), italic = faces(host::face::italic);
     CharacterStyle both = bold;
     both.apply(italic);
     struct Span {
         const char16_t* units;
-        CharacterStyle look;
+        CharacterStyle formatting;
     };
     const struct {
         std::vector<Span> source, result;
@@ -174,7 +147,7 @@ TEST_F(MergeText, keepsAndAppliesFormatting) {
     const auto join = [](const std::vector<Span>& spans) {
         Text text;
         for (const Span& span : spans)
-            text.append(span.units, {span.look, {}});
+            text.append(span.units, {span.formatting, {}});
         return text;
     };
     for (const auto& [source, result] : cases)
@@ -187,18 +160,6 @@ TEST_F(MergeText, copiesAlignmentAsWell) {
     Text expected(u"left1\rright", {});
     expected.setAlignment(host::Alignment::right, 6);
     EXPECT_TRUE(merged(source).isIdenticalTo(expected));
-}
-
-TEST_F(MergeText, evaluatesInTheCallersFile) {
-    EXPECT_EQ(textOf("Let ( $x = 5 ; Kestrel_MergeText ( \"<<$x>> <<Get ( FileName )>>\" ) )"), "5 Untitled");
-    // Each occurrence is evaluated separately, from left to right.
-    EXPECT_EQ(textOf("Let ( $n = 0 ; Kestrel_MergeText ( \"<<Let ( $n = $n + 1 ; $n )>>"
-                     "<<Let ( $n = $n + 1 ; $n )>>\" ) & $n )"),
-              "122");
-    EXPECT_EQ(textOf("Kestrel_MergeText ( \"<<Date ( 2 ; 29 ; 2024 )>>, <<1/4>>, <<Time ( 1 ; 2 ; 3 )>>\" )"),
-              "2/29/2024, .25, 1:02:03");
-    EXPECT_EQ(textOf("Kestrel_ValueType ( Kestrel_MergeText ( \"<<1>>\" ) )"), "Text");
-    EXPECT_EQ(textOf("Kestrel_MergeText ( 12 )"), "12");
 }
 
 TEST_F(MergeText, endsWhenATemplateCallsItself) {

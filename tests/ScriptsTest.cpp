@@ -32,7 +32,6 @@ protected:
     std::vector<std::string> calls;
 
     void SetUp() override {
-        LoadedPlugIn::SetUp();
         session.close(file); // Desk becomes the front file
         host::clock().hold();
         session.onScriptCall = [this](const host::ScriptCall& call) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HtmlLooks.h"
+#include "HtmlFormattings.h"
 #include "LoadedPlugIn.h"
 
 #include <array>
@@ -76,8 +76,8 @@ private:
         const bool isShared = oneIn(3), isAlike = oneIn(5);
         bool afterSolid = false;
         for (unsigned run = 0; run < runs; ++run) {
-            host::CharacterStyle look = isAlike ? shared : style();
-            if (isShared) look.apply(shared);
+            host::CharacterStyle formatting = isAlike ? shared : style();
+            if (isShared) formatting.apply(shared);
             std::u16string units;
             const unsigned size = upTo(50);
             for (unsigned i = 0; i < size; ++i) {
@@ -90,7 +90,7 @@ private:
                     afterSolid = true;
                 }
             }
-            text.append(units, {.style = look, .alignment = alignment_});
+            text.append(units, {.style = formatting, .alignment = alignment_});
         }
     }
 

@@ -17,17 +17,18 @@ using host::RunStyle;
 using host::Text;
 
 const RunStyle bold = [] {
-    RunStyle look;
-    look.style.setFaces(host::face::bold);
-    return look;
+    RunStyle formatting;
+    formatting.style.setFaces(host::face::bold);
+    return formatting;
 }();
 
-RunStyle randomLook(std::mt19937& random) {
-    RunStyle look;
-    if (random() % 2 == 0) look.style.setFaces(random() % 2 == 0 ? host::face::bold : host::face::italic);
-    if (random() % 4 == 0) look.style.setSize(12);
-    if (random() % 4 == 0) look.alignment = host::Alignment::center;
-    return look;
+RunStyle randomFormatting(std::mt19937& random) {
+    RunStyle formatting;
+    if (random() % 2 == 0)
+        formatting.style.setFaces(random() % 2 == 0 ? host::face::bold : host::face::italic);
+    if (random() % 4 == 0) formatting.style.setSize(12);
+    if (random() % 4 == 0) formatting.alignment = host::Alignment::center;
+    return formatting;
 }
 
 /// Comparison with a text without runs, which has a unit and a style for every character. The number of runs
@@ -45,13 +46,13 @@ TEST(TextSeams, areFewestAfterEveryChange) {
                 random() % 8 == 0 ? Text::end : static_cast<std::uint32_t>(random() % 6);
             const auto first = model.begin() + std::min<std::ptrdiff_t>(position, std::ssize(model));
             const auto last = first + std::min<std::ptrdiff_t>(size, model.end() - first);
-            const RunStyle look = randomLook(random);
+            const RunStyle formatting = randomFormatting(random);
             switch (random() % 7) {
             case 0: {
                 Text source(std::u16string(1, static_cast<char16_t>(u'a' + random() % 26)));
-                source.append(std::u16string_view(u"-"), look);
+                source.append(std::u16string_view(u"-"), formatting);
                 text.insert(source, position);
-                model.insert(first, {{source.units()[0], {}}, {u'-', look}});
+                model.insert(first, {{source.units()[0], {}}, {u'-', formatting}});
                 break;
             }
             case 1: {
@@ -72,29 +73,29 @@ TEST(TextSeams, areFewestAfterEveryChange) {
                 model.erase(first, last);
                 break;
             case 4:
-                text.applyStyle(look.style, position, size);
-                std::for_each(first, last, [&](auto& unit) { unit.second.style.apply(look.style); });
+                text.applyStyle(formatting.style, position, size);
+                std::for_each(first, last, [&](auto& unit) { unit.second.style.apply(formatting.style); });
                 break;
             case 5:
-                text.removeStyle(look.style);
+                text.removeStyle(formatting.style);
                 for (auto& [unit, of] : model)
-                    of.style.remove(look.style);
+                    of.style.remove(formatting.style);
                 break;
             default:
-                text.setAlignment(look.alignment, position, size);
-                std::for_each(first, last, [&](auto& unit) { unit.second.alignment = look.alignment; });
+                text.setAlignment(formatting.alignment, position, size);
+                std::for_each(first, last, [&](auto& unit) { unit.second.alignment = formatting.alignment; });
             }
             std::u16string units;
             std::vector<Text::Run> runs;
             for (const auto& [unit, of] : model) {
-                if (runs.empty() || runs.back().look != of)
+                if (runs.empty() || runs.back().formatting != of)
                     runs.push_back({static_cast<std::uint32_t>(units.size()), of});
                 units += unit;
             }
             ASSERT_EQ(text.units(), units) << "step " << step;
             ASSERT_TRUE(text.runs() == runs) << "step " << step;
             for (std::uint32_t i = 0; i < text.size(); ++i)
-                ASSERT_TRUE(text.lookAt(i) == model[i].second) << "step " << step << ", unit " << i;
+                ASSERT_TRUE(text.formattingAt(i) == model[i].second) << "step " << step << ", unit " << i;
         }
     }
 }

@@ -45,8 +45,8 @@ inline const std::vector<HtmlParameters>& htmlParameters() {
 }
 
 /// The formatting of a character that the HTML keeps.
-inline host::CharacterStyle lookInHtml(const host::CharacterStyle& style, char16_t unit,
-                                       const HtmlParameters& parameters) {
+inline host::CharacterStyle formattingInHtml(const host::CharacterStyle& style, char16_t unit,
+                                             const HtmlParameters& parameters) {
     using namespace host;
     std::uint16_t faces = style.faces();
     const auto onlyFirst = [&faces](std::uint16_t first, std::uint16_t others) {
@@ -58,16 +58,16 @@ inline host::CharacterStyle lookInHtml(const host::CharacterStyle& style, char16
     onlyFirst(face::superscript, face::subscript);
     if ((faces & face::wordUnderline) != 0 && unit == u' ') faces |= face::underline;
     faces &= static_cast<std::uint16_t>(~(face::wordUnderline | face::outline | parameters.lostFaces));
-    CharacterStyle look;
-    if (faces != 0) look.setFaces(faces);
+    CharacterStyle formatting;
+    if (faces != 0) formatting.setFaces(faces);
     if (style.isColorEnabled()) {
         Color color = style.color();
         color.alpha = 255;
-        look.setColor(color);
+        formatting.setColor(color);
     }
-    if (style.isFontEnabled()) look.setFont(style.font());
-    if (style.isSizeEnabled() && !parameters.losesSize) look.setSize(style.size());
-    return look;
+    if (style.isFontEnabled()) formatting.setFont(style.font());
+    if (style.isSizeEnabled() && !parameters.losesSize) formatting.setSize(style.size());
+    return formatting;
 }
 
 /// The text of a document that was made from `text`. A return has no character formatting; it has the
@@ -79,28 +79,28 @@ inline host::Text textInHtml(const host::Text& text, const HtmlParameters& param
     const bool endsWithReturn = !text.empty() && text.units().back() == u'\r';
     for (std::uint32_t i = 0; i < text.size() - (endsWithReturn ? 1 : 0); ++i) {
         const char16_t unit = text.units()[i];
-        const host::RunStyle& look = text.lookAt(i);
+        const host::RunStyle& formatting = text.formattingAt(i);
         if (unit == u'\r') {
             expected.append(u"\r", {.style = {}, .alignment = before});
             before = Alignment::left;
             continue;
         }
         const bool isLost = !isAligned || parameters.losesAlignment ||
-                            (parameters.losesCentering && look.alignment == Alignment::center);
-        before = isLost ? Alignment::left : look.alignment;
+                            (parameters.losesCentering && formatting.alignment == Alignment::center);
+        before = isLost ? Alignment::left : formatting.alignment;
         expected.append(std::u16string_view(&unit, 1),
-                        {.style = lookInHtml(look.style, unit, parameters), .alignment = before});
+                        {.style = formattingInHtml(formatting.style, unit, parameters), .alignment = before});
     }
     return expected;
 }
 
-inline std::string describe(const host::RunStyle& look) {
-    const host::CharacterStyle& style = look.style;
+inline std::string describe(const host::RunStyle& formatting) {
+    const host::CharacterStyle& style = formatting.style;
     char text[120];
     std::snprintf(text, sizeof text, "faces %04x font %d size %d colour %d #%02x%02x%02x aligned %d",
                   style.faces(), style.font(), style.size(), style.isColorEnabled() ? 1 : 0,
                   style.color().red, style.color().green, style.color().blue,
-                  static_cast<int>(look.alignment));
+                  static_cast<int>(formatting.alignment));
     return text;
 }
 
@@ -115,18 +115,18 @@ inline bool mayLoseDouble(const host::Text& text, std::uint32_t position) {
     while (end < units.size() && units[end] != u'\r')
         ++end;
     for (std::uint32_t i = first; i < end; ++i)
-        if ((text.lookAt(i).style.faces() & (host::face::underline | host::face::doubleUnderline)) == 0)
+        if ((text.formattingAt(i).style.faces() & (host::face::underline | host::face::doubleUnderline)) == 0)
             return false;
     return true;
 }
 
-inline host::RunStyle withSingleLine(host::RunStyle look) {
+inline host::RunStyle withSingleLine(host::RunStyle formatting) {
     host::CharacterStyle single, twice;
     single.setFaces(host::face::underline);
     twice.enableFace(host::face::doubleUnderline);
-    look.style.remove(twice);
-    look.style.apply(single);
-    return look;
+    formatting.style.remove(twice);
+    formatting.style.apply(single);
+    return formatting;
 }
 
 /// The first difference between the texts; empty when there is none.
@@ -135,7 +135,7 @@ inline std::string difference(const host::Text& expected, const host::Text& actu
     if (expected.units() != actual.units())
         return "text \"" + expected.utf8() + "\" is read as \"" + actual.utf8() + "\"";
     for (std::uint32_t i = 0; i < expected.size(); ++i) {
-        host::RunStyle wanted = expected.lookAt(i), found = actual.lookAt(i);
+        host::RunStyle wanted = expected.formattingAt(i), found = actual.formattingAt(i);
         if (!comparesAlignment) wanted.alignment = found.alignment = host::Alignment::left;
         if (wanted == found) continue;
         if (parameters.hasInlineStyles && mayLoseDouble(expected, i) && withSingleLine(wanted) == found)

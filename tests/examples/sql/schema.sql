@@ -1,0 +1,3 @@
+CREATE TABLE t (txt TEXT, num NUMERIC, d DATE, h TIME, m TIMESTAMP, c BLOB);
+INSERT INTO t VALUES ('a', 0.5, '2024-02-29', '-1:00:05', '2024-02-29 14:05:09', x'00FF');
+INSERT INTO t VALUES ('b' || char(9) || '|"', -12, NULL, NULL, NULL, NULL);
