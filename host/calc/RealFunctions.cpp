@@ -94,17 +94,27 @@ constexpr auto tangent = [](const auto& x) { return tan(x); };
 constexpr auto arcSine = [](const auto& x) { return asin(x); };
 constexpr auto arcCosine = [](const auto& x) { return acos(x); };
 constexpr auto arcTangent = [](const auto& x) { return atan(x); };
-constexpr auto radiansToDegrees = []<typename Real>(const Real& x) {
-    return Real(x * boost::math::constants::radian<Real>());
-};
-constexpr auto degreesToRadians = []<typename Real>(const Real& x) {
-    return Real(x * boost::math::constants::degree<Real>());
-};
 
 DataRef pi(Arguments) {
     static const DataRef value =
         optionalResult(decimalOf(boost::math::constants::pi<Usual>(), Decimal::minimumPrecision));
     return value;
+}
+
+/// Angles of half a turn. Conversions use the same Pi as calculations do, so that Degrees ( Pi ) is 180
+/// without a fraction.
+Decimal halfTurnDegrees() { return 180; }
+const Decimal& halfTurnRadians() { return pi({})->asNumber(); }
+
+DataRef scaled(Decimal angle, const Decimal& factor, const Decimal& divisor) {
+    angle.setPrecision(Decimal::minimumPrecision);
+    return optionalResult(angle.times(factor).dividedBy(divisor));
+}
+DataRef radiansToDegrees(Arguments arguments) {
+    return scaled(arguments[0]->asNumber(), halfTurnDegrees(), halfTurnRadians());
+}
+DataRef degreesToRadians(Arguments arguments) {
+    return scaled(arguments[0]->asNumber(), halfTurnRadians(), halfTurnDegrees());
 }
 
 constexpr std::array rows{
@@ -119,8 +129,8 @@ constexpr std::array rows{
     EagerRow{u"Asin", ofValid<inverse<arcSine>>},
     EagerRow{u"Acos", ofValid<inverse<arcCosine>>},
     EagerRow{u"Atan", ofValid<trigonometric<arcTangent>>},
-    EagerRow{u"Degrees", ofValid<trigonometric<radiansToDegrees>>},
-    EagerRow{u"Radians", ofValid<trigonometric<degreesToRadians>>},
+    EagerRow{u"Degrees", ofValid<radiansToDegrees>},
+    EagerRow{u"Radians", ofValid<degreesToRadians>},
 };
 
 } // namespace
