@@ -118,8 +118,35 @@ void Builder::report(std::size_t position, std::string_view sentence) {
     problem_ += sentence;
 }
 
-bool Builder::parse_error(std::size_t position, const std::string&, const nlohmann::json::exception& error) {
-    const std::size_t start = position - std::min<std::size_t>(position, 1); // of the last character read
+/// The bytes of a token, of which the library writes a control character as "<U+000D>".
+std::size_t bytesOfToken(std::string_view token) {
+    constexpr std::string_view opening = "<U+";
+    constexpr std::size_t writtenSize = 8;
+    std::size_t bytes = token.size();
+    for (std::size_t at = token.find(opening); at != std::string_view::npos; at = token.find(opening, at + 1))
+        bytes -= std::min(writtenSize - 1, bytes);
+    return bytes;
+}
+
+/// Where the wrong token begins, of a text that was read up to it, or of which it is the end that is missing.
+/// The library keeps the token's own text only for strings and numbers.
+std::size_t startOfToken(std::string_view read, std::string_view token, std::string_view message) {
+    const auto says = [&](std::string_view part) { return message.find(part) != std::string_view::npos; };
+    const auto isLetter = [](char byte) { return byte >= 'a' && byte <= 'z'; };
+    if (read.empty() || says("unexpected end of input")) return read.size();
+    for (const std::string_view kept :
+         {"invalid string", "invalid number", "unexpected string", "unexpected number"})
+        if (says(kept)) return read.size() - std::min(read.size(), bytesOfToken(token));
+    std::size_t start = read.size() - 1;
+    if (!says("invalid literal") && !isLetter(read.back())) return start;
+    while (start > 0 && isLetter(read[start - 1]))
+        --start;
+    return start;
+}
+
+bool Builder::parse_error(std::size_t position, const std::string& token,
+                          const nlohmann::json::exception& error) {
+    const std::size_t start = startOfToken(text_.substr(0, position), token, error.what());
     if (isComplete_) {
         report(start, "Extra non-whitespace after JSON value.");
         return false;
@@ -253,7 +280,10 @@ JsonReading readJson(std::string_view text) {
     Builder builder(text);
     if (!nlohmann::json::sax_parse(text, &builder)) return {.root = nullptr, .problem = builder.problem()};
     if (!builder.root().isContainer())
-        return {.root = nullptr, .problem = "* Line 1, Column 1\n  Syntax error: object or array expected."};
+        return {
+            .root = nullptr,
+            .problem =
+                "* Line 1, Column 1\n  A valid JSON document must be either an array or an object value."};
     return {.root = std::make_shared<const Json>(std::move(builder.root())), .problem = {}};
 }
 
