@@ -100,10 +100,21 @@ DataRef ofFirst(Arguments arguments) {
     return attribute(*arguments[0]);
 }
 
+/// VerifyContainer ( field ): the files of a solution are never stored outside, so there is none to verify.
+DataRef verifyContainer(Arguments) { return questionMark(); }
+
+/// GetTextFromPDF ( container ): "?" for what is no such document. The host reads none.
+DataRef textFromPdf(Arguments arguments) {
+    if (!bytesOf(*arguments[0]).starts_with("%PDF-")) return questionMark();
+    throw Error{error::notSupported};
+}
+
 constexpr std::array rows{
     EagerRow{u"GetContainerAttribute", containerAttribute},
     EagerRow{u"GetHeight", ofFirst<height>},
+    EagerRow{u"GetTextFromPDF", textFromPdf},
     EagerRow{u"GetWidth", ofFirst<width>},
+    EagerRow{u"VerifyContainer", verifyContainer},
 };
 
 } // namespace

@@ -17,8 +17,8 @@ std::atomic<Encoding> nativeChoice = Encoding::asciiMac;
 
 /// ICU's names, in the order of the enumeration.
 constexpr std::array<const char*, 12> converterNames{
-    "macintosh", "UTF-8",       "IBM437",       "windows-1252", "macintosh", "ISO-8859-1",
-    "Shift_JIS", "windows-31j", "windows-1251", "gb18030",      "EUC-KR",    "Big5"};
+    "macintosh", "UTF-8",       "IBM437",       "windows-1252", "macintosh",   "ISO-8859-1",
+    "Shift_JIS", "windows-31j", "windows-1251", "gb18030",      "windows-949", "Big5"};
 
 struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
