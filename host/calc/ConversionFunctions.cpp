@@ -30,12 +30,21 @@ DataRef asDateTime(Arguments arguments) {
     return value ? std::make_shared<const Data>(*value, type) : questionMark();
 }
 
+/// A number of seconds is shown with its seconds, also where they are 0.
+DataRef asTimestamp(Arguments arguments) {
+    const auto value = arguments[0]->dateTime(DataType::timestamp);
+    if (!value) return questionMark();
+    auto result = std::make_shared<Data>(*value, DataType::timestamp);
+    if (arguments[0]->nativeType() == DataType::number) result->showAs(Text(value->timestampText(true)));
+    return result;
+}
+
 constexpr std::array rows{
     EagerRow{u"GetAsText", asText},
     EagerRow{u"GetAsNumber", asNumber},
     EagerRow{u"GetAsDate", asDateTime<DataType::date>},
     EagerRow{u"GetAsTime", asDateTime<DataType::time>},
-    EagerRow{u"GetAsTimestamp", asDateTime<DataType::timestamp>},
+    EagerRow{u"GetAsTimestamp", asTimestamp},
 };
 
 } // namespace

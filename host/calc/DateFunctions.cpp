@@ -33,10 +33,17 @@ DataRef time(Arguments arguments) {
     return dateTimeResult({.days = 0, .micros = micros}, DataType::time);
 }
 
+/// An argument of Timestamp. A date in the time's place, or a time in the date's, counts as its number.
+std::optional<DateTime> partOfTimestamp(const Data& value, DataType wanted) {
+    const DataType type = value.nativeType();
+    const bool isOther = type != wanted && (type == DataType::date || type == DataType::time);
+    return isOther ? Data(value.asNumber()).dateTime(wanted) : value.dateTime(wanted);
+}
+
 /// A time below zero or above a day moves the date.
 DataRef timestamp(Arguments arguments) {
-    const auto day = arguments[0]->dateTime(DataType::date);
-    const auto span = arguments[1]->dateTime(DataType::time);
+    const auto day = partOfTimestamp(*arguments[0], DataType::date);
+    const auto span = partOfTimestamp(*arguments[1], DataType::time);
     if (!day || !span) return questionMark();
     const DateTime sum{.days = day->days, .micros = span->micros};
     const DateTime moment = DateTime::fromMicrosSinceEpoch(sum.microsSinceEpoch());

@@ -104,16 +104,19 @@ std::optional<DateTime> dateTimeOf(const Decimal& number, DataType wanted) {
 std::optional<DateTime> dateTimeIn(std::u16string_view text, DataType wanted) {
     switch (wanted) {
     case DataType::date: {
-        auto moment = DateTime::parseTimestamp(text);
-        if (moment) moment->micros = 0;
-        return moment;
+        if (const auto date = DateTime::parseDate(text)) return date;
+        const auto moment = DateTime::parseTimestamp(text);
+        return moment ? std::optional(DateTime{.days = moment->days, .micros = 0}) : std::nullopt;
     }
     case DataType::time: {
         if (const auto time = DateTime::parseTime(text)) return time;
         const auto moment = DateTime::parseTimestamp(text);
         return moment ? std::optional(DateTime{.days = 0, .micros = moment->micros}) : std::nullopt;
     }
-    default: return DateTime::parseTimestamp(text);
+    default: {
+        const auto moment = DateTime::parseTimestamp(text);
+        return moment ? moment : DateTime::parseDate(text); // a date with blanks between its parts
+    }
     }
 }
 
@@ -264,6 +267,8 @@ void Data::setDateTime(DateTime value, DataType type, DataType nativeType) {
 void Data::setBinary(Binary value, bool forceBinaryType) {
     hold(std::move(value), DataType::binary, forceBinaryType ? DataType::binary : type_);
 }
+
+void Data::showAs(Text text) { readings().text = std::move(text); }
 
 void Data::clear(DataType type) { hold(Text(), DataType::text, type); }
 

@@ -74,7 +74,7 @@ std::optional<Fields> fieldsOf(std::u16string_view text) {
 }
 
 bool isDateSeparator(char16_t sign) {
-    return u_isalpha(sign) == 0 && std::u16string_view(u" :+").find(sign) == std::u16string_view::npos;
+    return u_isalpha(sign) == 0 && std::u16string_view(u":+").find(sign) == std::u16string_view::npos;
 }
 
 /// The year that a group of digits means.
@@ -209,13 +209,13 @@ std::u16string DateTime::secondsText() const {
     return text;
 }
 
-std::u16string DateTime::timestampText() const {
+std::u16string DateTime::timestampText(bool showsZeroSeconds) const {
     constexpr std::int64_t noon = 12;
     const Formats& local = formats();
     const bool isHalved = !local.afternoon.empty();
     const std::int64_t hours = !isHalved ? hour() : hour() % noon == 0 ? noon : hour() % noon;
     std::u16string text = dateText() + u' ' + printed("%lld:%02d", static_cast<long long>(hours), minute());
-    if (second() != 0 || microsecond() != 0) text += secondsText();
+    if (showsZeroSeconds || second() != 0 || microsecond() != 0) text += secondsText();
     if (isHalved) text += u' ' + (hour() < noon ? local.morning : local.afternoon);
     return text;
 }

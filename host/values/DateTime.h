@@ -46,13 +46,13 @@ struct DateTime {
     static std::optional<DateTime> fromDate(std::int64_t year, std::int64_t month, std::int64_t day);
 
     /// In the formats that are set; in US English "7/4/0033", "16:05:09" (hours at least one digit, a
-    /// fraction only when there is one: "0:00:01.5"), "11/21/2026 4:05:09 PM" (no seconds where they are 0:
-    /// "4:05 PM").
+    /// fraction only when there is one: "0:00:01.5"), "11/21/2026 4:05:09 PM" (no seconds where they are 0,
+    /// "4:05 PM", unless they are asked for).
     [[nodiscard]] std::u16string dateText() const;
     [[nodiscard]] std::u16string timeText() const;
-    [[nodiscard]] std::u16string timestampText() const;
-    /// Read texts in the formats that are set. In a date any sign but a letter, a blank, a colon or a plus
-    /// may separate the parts. The year may be left out, which means this year; one of two digits lies
+    [[nodiscard]] std::u16string timestampText(bool showsZeroSeconds = false) const;
+    /// Read texts in the formats that are set. In a date any sign but a letter, a colon or a plus may
+    /// separate the parts. The year may be left out, which means this year; one of two digits lies
     /// between 69 years ago and 30 years ahead. A time has hours, minutes, seconds and a fraction, of which
     /// all but the hours may be left out, and AM or PM; minutes and seconds above 59 carry over. A timestamp
     /// is a date, a blank and a time of day, or a date alone. Nothing for any other text or a date that does
