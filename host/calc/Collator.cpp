@@ -1,6 +1,7 @@
 #include "host/calc/Collator.h"
 
 #include "host/calc/Engine.h"
+#include "host/values/Formats.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,7 @@ struct Language {
     const char* locale;       ///< ICU's
 };
 constexpr std::array kLanguages{
-    Language{u"", "en"},
+    Language{u"", nullptr}, // the file's
     Language{u"arabic", "ar"},
     Language{u"bengali", "bn"},
     Language{u"bulgarian", "bg"},
@@ -101,7 +102,8 @@ std::optional<Collator> Collator::of(std::u16string_view language, Counting coun
     Collator result;
     if (row->locale == kByCode) return result;
     UErrorCode status = U_ZERO_ERROR;
-    result.collator_.reset(ucol_open(row->locale, &status));
+    const char* const locale = row->locale == nullptr ? formats().locale.c_str() : row->locale;
+    result.collator_.reset(ucol_open(locale, &status));
     if (U_FAILURE(status)) throw Error{error::unspecific};
     ucol_setStrength(result.collator_.get(), counting == Counting::letters ? UCOL_PRIMARY : UCOL_SECONDARY);
     return result;

@@ -16,7 +16,7 @@ public:
     enum class Counting { letters, lettersAndAccents };
 
     /// Names are the calculation language's ("English", "Spanish_Traditional"), in upper or lower case; ""
-    /// is English. std::nullopt for an unknown name.
+    /// is the file's language. std::nullopt for an unknown name.
     static std::optional<Collator> of(std::u16string_view language, Counting counting);
 
     /// Bytes that compare as the texts do; equal bytes mean texts without a difference that counts.
