@@ -69,7 +69,7 @@ TEST_F(CalcTest, WrongExpressionsGiveTheirErrorCode) {
         {"1 + nothing", missingField, 4},      {"Let ( 1 = 1 ; 2 )", nameMissing, 6},
         {"1 + Abs ( )", tooFewParameters, 4},  {"$ + 1", nameMissing, 0},
         {"Abs", tooFewParameters, 0},          {"Abs ( [ 1 ; 2 ] )", listNotAllowed, 6},
-        {"1 # 2", operatorExpected, 2},        {"Get ( 1 )", operandExpected, 6}};
+        {"1 # 2", operatorExpected, 2},        {"Get ( 1 )", invalidGetParameter, 6}};
     for (const Wrong& example : examples) {
         const Parsed parsed = parse(fromUtf8(example.source), table);
         EXPECT_EQ(parsed.error, example.error) << example.source;

@@ -40,6 +40,7 @@ class Evaluation; // one run of it
 /// How the parameters of a function are written.
 enum class Form : std::uint8_t {
     values,     ///< calculations
+    field,      ///< calculations; the first one is a field or a variable by itself
     word,       ///< one bare word, the name that Get asks for
     triggers,   ///< a list in brackets is read and dropped
     assignment, ///< Let ( [ name = value ; … ] ; calculation )
@@ -62,8 +63,8 @@ struct Function {
     Lazy lazy = {};
     std::shared_ptr<const CustomFunction> custom = {};
     Form form = Form::values;
-    /// The number of arguments that may stand together in brackets, `[ a ; b ]`; they count and come one by
-    /// one. 0: none may.
+    /// The number of arguments, the last ones, that may stand together in brackets, `[ a ; b ]`. Only in
+    /// brackets they may be given several times; they count and come one by one. 0: none may.
     int listSize = 0;
     /// Of a function of the form `word`: whether it has a value for a folded word.
     bool (*knowsWord)(FileContext& file, std::u16string_view word) = nullptr;

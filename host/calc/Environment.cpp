@@ -15,6 +15,16 @@ DataRef Variables::value(std::u16string_view name, int repetition) const {
     return value == repetitions.end() ? empty : value->second;
 }
 
+DataVect Variables::values(std::u16string_view name) const {
+    const auto variable = values_.find(foldName(name));
+    if (variable == values_.end() || variable->second.repetitions.empty()) return {};
+    const auto& repetitions = variable->second.repetitions;
+    DataVect values(static_cast<std::size_t>(repetitions.rbegin()->first), std::make_shared<const Data>());
+    for (const auto& [repetition, value] : repetitions)
+        values[static_cast<std::size_t>(repetition - 1)] = value;
+    return values;
+}
+
 DataRef Variables::lastValue(std::u16string_view name) const {
     const auto variable = values_.find(foldName(name));
     if (variable != values_.end()) {

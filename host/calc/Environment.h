@@ -21,6 +21,8 @@ class Variables {
 public:
     static constexpr int maximumRepetition = 32'000;
     [[nodiscard]] DataRef value(std::u16string_view name, int repetition = 1) const;
+    /// Every repetition up to the highest that was set.
+    [[nodiscard]] DataVect values(std::u16string_view name) const;
     /// The last repetition that is not empty; empty text where all are.
     [[nodiscard]] DataRef lastValue(std::u16string_view name) const;
     /// A repetition out of range is refused with false.

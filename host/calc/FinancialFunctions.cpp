@@ -62,17 +62,10 @@ DataRef payment(Arguments arguments) {
     return ones ? result(terms.amount.dividedBy(*ones), terms.precision) : questionMark();
 }
 
-/// NPV ( payment ; interestRate ): the first payment comes after one period.
-DataRef netPresentValue(Arguments arguments) {
-    const Decimal growth = arguments[1]->asNumber().plus(Decimal(1));
-    return optionalResult(arguments[0]->asNumber().dividedBy(growth));
-}
-
 constexpr std::array rows{
     EagerRow{u"PMT", ofValid<payment>},
     EagerRow{u"PV", ofValid<valueOfPayments<true>>},
     EagerRow{u"FV", ofValid<valueOfPayments<false>>},
-    EagerRow{u"NPV", ofValid<netPresentValue>},
 };
 
 } // namespace

@@ -208,7 +208,6 @@ DataRef listElements(Arguments arguments) {
 /// brackets, done in order.
 DataRef setElement(Arguments arguments) {
     constexpr std::size_t mostNulls = 100'000, nullsOfStep = 4;
-    if (arguments.size() % 3 != 1) throw Error{error::tooFewParameters};
     Json root;
     if (!arguments[0]->isEmpty())
         root = copyOf(arguments[0]);

@@ -161,7 +161,8 @@ Token Lexer::number() {
             ++at_;
     };
     digits();
-    if (unit() == u'.') {
+    // A second point makes the whole unreadable, which the parser finds.
+    while (unit() == u'.') {
         ++at_;
         digits();
     }

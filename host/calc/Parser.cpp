@@ -61,7 +61,7 @@ ExpressionRef Parser::parse() {
     if (at(Token::Kind::end)) return expression_;
     expression_->root = expression();
     if (at(Token::Kind::rightParenthesis)) fail(error::unbalancedParenthesis);
-    if (!at(Token::Kind::end)) fail(error::operatorExpected);
+    if (!at(Token::Kind::end)) failForOperator();
     return expression_;
 }
 
@@ -86,17 +86,17 @@ bool Parser::take(Token::Kind kind) {
 /// Takes the bracket that closes what was opened at a position.
 void Parser::close(Token::Kind kind, std::uint32_t opening) {
     if (take(kind)) return;
-    if (!at(Token::Kind::end)) fail(error::operatorExpected);
+    if (!at(Token::Kind::end)) failForOperator();
     stop_.opening = opening;
     fail(kind == Token::Kind::rightParenthesis ? error::unbalancedParenthesis : error::unexpectedEnd);
 }
 
 void Parser::fail(int code) const { throw Error{code}; }
 
-void Parser::fail(int code, const Token& token) {
-    stop_.position = token.position;
-    stop_.length = token.length;
-    fail(code);
+/// An operator is missing; for a parenthesis in its place there is a code of its own.
+void Parser::failForOperator() const {
+    if (!at(Token::Kind::leftParenthesis)) fail(error::operatorExpected);
+    throw Error{error::functionNotFound, "an operator is missing before `(`"};
 }
 
 Node& Parser::add(Node::Kind kind, const Token& token) {

@@ -45,7 +45,13 @@ private:
     bool take(Token::Kind kind);
     void close(Token::Kind kind, std::uint32_t opening);
     [[noreturn]] void fail(int code) const;
-    [[noreturn]] void fail(int code, const Token& token);
+    template<typename Part> // a token or a node
+    [[noreturn]] void fail(int code, const Part& part) {
+        stop_.position = part.position;
+        stop_.length = part.length;
+        fail(code);
+    }
+    [[noreturn]] void failForOperator() const;
     Node& add(Node::Kind kind, const Token& token);
 
     const Node* expression();
@@ -64,6 +70,7 @@ private:
 
     const Node* call(const std::shared_ptr<const Function>& function, const Token& name);
     void arguments(Node& call);
+    void withLists(Node& call);
     void list(Node& call);
     void triggers(Node& call);
     void word(Node& call);

@@ -1,11 +1,24 @@
 #include "host/calc/BuiltIns.h"
 #include "host/calc/Parser.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 /// Calls of functions, and the forms that their parameters may have.
 
 namespace host::calc {
+
+namespace {
+
+/// Whether a node calculates its value, so that it is no field and no variable.
+bool calculates(const Node& node) {
+    constexpr std::array kinds{Node::Kind::literal, Node::Kind::binding,    Node::Kind::chain,
+                               Node::Kind::negate,  Node::Kind::logicalNot, Node::Kind::call};
+    return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
+}
+
+} // namespace
 
 const Node* Parser::call(const std::shared_ptr<const Function>& function, const Token& name) {
     const std::uint32_t opening = token_.position;
@@ -39,29 +52,47 @@ void Parser::checkCount(const std::shared_ptr<const Function>& function, std::si
 
 void Parser::arguments(Node& call) {
     if (at(Token::Kind::rightParenthesis)) return;
+    if (call.function->listSize > 0) return withLists(call);
     do {
         const Form form = call.function->form;
-        if (form == Form::word)
+        if (form == Form::word) {
             word(call);
-        else if (form == Form::triggers && !call.children.empty() && at(Token::Kind::leftBracket))
+        } else if (form == Form::triggers && !call.children.empty() && at(Token::Kind::leftBracket)) {
             triggers(call);
-        else if (call.function->listSize > 0 && at(Token::Kind::leftBracket))
+        } else {
+            call.children.push_back(expression());
+            const Node& first = *call.children[0];
+            if (form == Form::field && calculates(first)) fail(error::fieldExpected, first);
+        }
+    } while (take(Token::Kind::semicolon));
+}
+
+/// The arguments before those that may stand in brackets, then either lists or one argument each.
+void Parser::withLists(Node& call) {
+    const auto before = static_cast<std::size_t>(call.function->minimum - call.function->listSize);
+    bool hasLists = false;
+    do {
+        if (call.children.size() == before && at(Token::Kind::leftBracket)) hasLists = true;
+        if (hasLists)
             list(call);
         else
             call.children.push_back(expression());
+        if (!hasLists && std::cmp_greater(call.children.size(), call.function->minimum))
+            fail(error::tooManyParameters, call);
     } while (take(Token::Kind::semicolon));
 }
 
 /// Arguments in brackets, `[ a ; b ]`.
 void Parser::list(Node& call) {
     const std::uint32_t opening = token_.position;
-    advance();
+    if (!take(Token::Kind::leftBracket)) fail(error::tooFewParameters);
     call.children.push_back(expression());
     for (int given = 1; given < call.function->listSize; ++given) {
         if (at(Token::Kind::rightBracket)) fail(error::tooFewParameters);
         if (!take(Token::Kind::semicolon)) close(Token::Kind::rightBracket, opening);
         call.children.push_back(expression());
     }
+    if (at(Token::Kind::semicolon)) fail(error::tooManyParameters);
     close(Token::Kind::rightBracket, opening);
 }
 
@@ -79,7 +110,8 @@ void Parser::triggers(Node& call) {
 }
 
 void Parser::word(Node& call) {
-    if (!at(Token::Kind::name) || token_.isQualified) fail(error::operandExpected);
+    if (at(Token::Kind::end) || at(Token::Kind::semicolon)) fail(error::operandExpected);
+    if (!at(Token::Kind::name) || token_.isQualified) fail(error::invalidGetParameter);
     Node& node = add(Node::Kind::word, token_);
     node.name = foldName(token_.text);
     if (file_ != nullptr && !call.function->knowsWord(*file_, node.name)) fail(error::invalidGetParameter);

@@ -119,7 +119,7 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
                   const FunctionTable& functions, const FileContext* file) {
     const Parser::Stop& stop = parser.stop();
     Problem problem = placed(source, stop.position, stop.length);
-    problem.message = hintFor(problem.near);
+    problem.message = error.message.empty() ? hintFor(problem.near) : error.message;
     if (!problem.message.empty()) return problem;
     Nearest nearest(problem.near);
     switch (error.code) {
@@ -141,7 +141,6 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
     case error::invalidGetParameter: problem.message = "`Get` knows no " + named(problem.near); break;
     default: problem.message = bracketHint(stop, source);
     }
-    if (problem.message.empty()) problem.message = error.message;
     if (problem.message.empty()) problem.message = errorMessage(error.code);
     return problem;
 }

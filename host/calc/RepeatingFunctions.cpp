@@ -1,6 +1,8 @@
 #include "host/calc/BuiltIns.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 
 /// Functions of values with repetitions, which variables have.
 
@@ -39,10 +41,36 @@ DataRef last(Evaluation& evaluation, Nodes arguments) {
     return named.variables.lastValue(named.name);
 }
 
+/// Payments at the ends of periods, at one rate of interest, as they are worth before the first period.
+DataRef presentValue(const DataVect& payments, const Data& rate) {
+    constexpr int places = 60; // more than the result keeps, since every period rounds
+    Work::charge(payments.size());
+    Decimal growth = rate.asNumber().plus(Decimal(1));
+    int precision = growth.precision();
+    growth.setPrecision(places);
+    std::optional<Decimal> value = Decimal();
+    for (auto payment = payments.rbegin(); value && payment != payments.rend(); ++payment) {
+        if (!(*payment)->isValid()) return questionMark();
+        precision = std::max(precision, (*payment)->asNumber().precision());
+        value = value->plus((*payment)->asNumber()).dividedBy(growth);
+    }
+    if (!value || !rate.isValid()) return questionMark();
+    value->setPrecision(precision);
+    return numberResult(std::move(*value));
+}
+
+/// NPV ( payments ; interestRate ): the repetitions are the payments.
+DataRef netPresentValue(Evaluation& evaluation, Nodes arguments) {
+    const Named named(evaluation, *arguments[0]);
+    const DataRef rate = evaluation.evaluate(*arguments[1]);
+    return presentValue(named.variables.values(named.name), *rate);
+}
+
 constexpr std::array rows{
-    LazyRow{u"Extend", extend},
-    LazyRow{u"GetRepetition", getRepetition},
-    LazyRow{u"Last", last},
+    LazyRow{u"Extend", extend, Form::field},
+    LazyRow{u"GetRepetition", getRepetition, Form::field},
+    LazyRow{u"Last", last, Form::field},
+    LazyRow{u"NPV", netPresentValue, Form::field},
 };
 
 } // namespace
