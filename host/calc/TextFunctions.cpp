@@ -1,9 +1,11 @@
 #include "host/calc/Arguments.h"
 #include "host/calc/BuiltIns.h"
+#include "host/calc/Pieces.h"
 #include "host/values/Search.h"
 
 #include <algorithm>
 #include <array>
+#include <unicode/uchar.h>
 #include <unicode/utf16.h>
 #include <vector>
 
@@ -24,6 +26,13 @@ std::vector<UChar32> charactersOf(std::u16string_view units) {
         U16_NEXT(units.data(), at, units.size(), points.back());
     }
     return points;
+}
+
+std::u16string unitsOf(UChar32 point) {
+    std::array<char16_t, 2> units{};
+    std::size_t size = 0;
+    U16_APPEND_UNSAFE(units.data(), size, point);
+    return {units.data(), size};
 }
 
 DataRef length(Arguments arguments) { return numberResult(arguments[0]->asText().size()); }
@@ -94,7 +103,6 @@ Text substituteOne(const Text& text, const Text& wanted, const Text& replacement
 }
 
 DataRef substitute(Arguments arguments) {
-    if (arguments.size() % 2 == 0) throw Error{error::tooFewParameters};
     Text text = arguments[0]->asText();
     for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
         text = substituteOne(text, arguments[i]->asText(), arguments[i + 1]->asText());
@@ -113,7 +121,26 @@ DataRef replace(Arguments arguments) {
 
 DataRef upper(Arguments arguments) { return textResult(arguments[0]->asText().withCase(Text::Case::upper)); }
 DataRef lower(Arguments arguments) { return textResult(arguments[0]->asText().withCase(Text::Case::lower)); }
-DataRef proper(Arguments arguments) { return textResult(arguments[0]->asText().withCase(Text::Case::title)); }
+
+/// The first letter of each word in upper case unless a digit is before it, all others in lower case.
+DataRef proper(Arguments arguments) {
+    const Text text = arguments[0]->asText().withCase(Text::Case::lower);
+    Text result;
+    std::uint32_t from = 0;
+    for (const Piece& word : wordsOf(text.units())) {
+        UChar32 point = 0;
+        std::uint32_t at = word.start, next = at;
+        do {
+            at = next;
+            U16_NEXT(text.units().data(), next, text.size(), point);
+        } while (next < word.start + word.size && u_isalnum(point) == 0);
+        result.append(text, from, at - from);
+        result.append(unitsOf(u_totitle(point)), text.lookAt(at));
+        from = next;
+    }
+    result.append(text, from);
+    return textResult(std::move(result));
+}
 
 /// The characters of a text that occur in another one.
 DataRef filter(Arguments arguments) {
@@ -159,10 +186,7 @@ DataRef character(Arguments arguments) {
             code = code * 10 + (digit - u'0');
         digits.resize(start);
         if (code == 0) continue;
-        std::array<char16_t, 2> pair{};
-        int size = 0;
-        U16_APPEND_UNSAFE(pair.data(), size, code);
-        units.append(pair.data(), static_cast<std::size_t>(size));
+        units += unitsOf(code);
     }
     return textResult(std::move(units));
 }
