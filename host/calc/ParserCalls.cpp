@@ -55,7 +55,7 @@ void Parser::arguments(Node& call) {
     if (call.function->listSize > 0) return withLists(call);
     do {
         const Form form = call.function->form;
-        if (form == Form::word) {
+        if (form == Form::word && call.children.empty()) {
             word(call);
         } else if (form == Form::triggers && !call.children.empty() && at(Token::Kind::leftBracket)) {
             triggers(call);
