@@ -27,7 +27,7 @@ bool hasLine(const fmx::Text& lines, const fmx::Text& line) {
 bool isScriptOf(const fmx::Text& fileName, const fmx::Text& scriptName, const fmx::ExprEnv& env) {
     constexpr std::string_view kNamesOfFile = "ScriptNames( \"\" )";
     const fmx::TextUniquePtr expression;
-    expression->Assign(kNamesOfFile.data());
+    expression->AssignWithLength(kNamesOfFile.data(), kNamesOfFile.size());
     expression->InsertText(fileName, kNamesOfFile.find('"') + 1);
     const fmx::DataUniquePtr names;
     return env.Evaluate(*expression, *names) == 0 && hasLine(names->GetAsText(), scriptName);
