@@ -120,7 +120,8 @@ StepOutcome Session::runStep(const RegisteredStep& step, const std::vector<StepA
         outcome.error = error.code;
         outcome.message = error.message;
     }
-    *lastError_ = {.code = outcome.error, .detail = fromUtf8(outcome.message)};
+    lastError_->code = outcome.error;
+    if (outcome.error != calc::error::none) lastError_->detail = fromUtf8(outcome.message);
     return outcome;
 }
 
@@ -181,7 +182,7 @@ calc::Environment Session::topLevel() const {
 
 calc::Result Session::evaluate(std::u16string_view source) {
     calc::Result result = calc::evaluate(source, topLevel(), functions_);
-    *lastError_ = result.lastError();
+    result.setLastError(*lastError_);
     return result;
 }
 
@@ -213,7 +214,7 @@ void Session::run(const Script& script, const ScriptCall& call, const std::share
     for (std::size_t i = 0; i < script.calculations.size(); ++i) {
         if (i > 0) idle(kFMXT_ScriptRunning);
         result = calc::evaluate(script.calculations[i], scope, functions_);
-        *lastError_ = result.lastError();
+        result.setLastError(*lastError_);
         if (result.error != calc::error::none && onScriptError)
             onScriptError(
                 {.call = call, .calculation = i + 1, .source = script.calculations[i], .result = result});

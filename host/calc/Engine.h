@@ -122,9 +122,11 @@ struct Result {
     DataRef value;            ///< never null: empty text on an error
     Problem problem;          ///< set on an error
     ExternalError external{}; ///< set where the calculation went on after it
-    /// What Get ( LastError ) and its detail are after the calculation.
-    [[nodiscard]] LastError lastError() const {
-        return {.code = error != error::none ? error : external.code, .detail = external.detail};
+    /// Sets what Get ( LastError ) answers after the calculation. The detail stays until the next error that
+    /// a plug-in answers.
+    void setLastError(LastError& last) const {
+        last.code = error != error::none ? error : external.code;
+        if (external.code != error::none) last.detail = external.detail;
     }
 };
 Result evaluate(const Expression& expression, const Environment& environment);

@@ -74,11 +74,12 @@ void writeScriptCall(const ScriptCall& call) {
 } // namespace
 
 std::vector<std::filesystem::path> SessionOptions::libraries() const {
-    if (!plugIns.empty()) return plugIns;
     const char* const usual = std::getenv("KESTREL_PLUGIN");
-    if (usual == nullptr || *usual == '\0')
+    std::vector<std::filesystem::path> libraries = plugIns;
+    if (libraries.empty()) libraries.emplace_back(usual == nullptr ? "" : usual);
+    if (libraries.front().empty())
         throw std::runtime_error("no plug-in is named: --plugin FILE, or KESTREL_PLUGIN");
-    return {usual};
+    return libraries;
 }
 
 void addPlugInOption(CLI::App& command, SessionOptions& options) {

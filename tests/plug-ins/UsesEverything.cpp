@@ -1,0 +1,532 @@
+// Uses every function of the interface and every message. Each function of the plug-in checks the effects of
+// one class and gives "ok", or the checks that failed. It stands for the plug-ins of others, so GCC builds
+// it.
+#include "FMWrapper/FMXBinaryData.h"
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXDateTime.h"
+#include "FMWrapper/FMXExtern.h"
+#include "FMWrapper/FMXFixPt.h"
+#include "FMWrapper/FMXText.h"
+#include "FMWrapper/FMXTextStyle.h"
+#include "FMWrapper/FMXTypes.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <future>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+using fmx::BinaryDataUniquePtr;
+using fmx::CharacterStyle;
+using fmx::CharacterStyleUniquePtr;
+using fmx::ColorUniquePtr;
+using fmx::Data;
+using fmx::DataUniquePtr;
+using fmx::DataVectUniquePtr;
+using fmx::DateTimeUniquePtr;
+using fmx::ExprEnv;
+using fmx::ExprEnvUniquePtr;
+using fmx::FixPtUniquePtr;
+using fmx::LocaleUniquePtr;
+using fmx::QuadCharUniquePtr;
+using fmx::RowVectUniquePtr;
+using fmx::Text;
+using fmx::TextUniquePtr;
+
+FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
+
+namespace {
+
+std::string gFailures, gMessages;
+
+#define EXPECT(condition)                                                                                    \
+    if (!(condition)) gFailures += std::string(gFailures.empty() ? "" : "; ") + #condition
+
+struct Words : TextUniquePtr {
+    Words(const char* utf8 = "") { (*this)->Assign(utf8, Text::kEncoding_UTF8); }
+};
+
+std::string utf8(const Text& text) {
+    std::string bytes(text.GetSize() * 3 + 1, '\0');
+    bytes.resize(text.GetBytesEx(bytes.data(), static_cast<fmx::uint32>(bytes.size())));
+    return bytes;
+}
+
+void setText(Data& data, const std::string& text) {
+    data.SetAsText(*Words(text.c_str()), *LocaleUniquePtr());
+}
+
+QuadCharUniquePtr creator() { return {'U', 'S', 'E', 'S'}; }
+
+template<class Value>
+bool isOrdered(const Value& less, const Value& more) {
+    return less == less && less != more && less < more && less <= more && more > less && more >= less;
+}
+
+void checkTypes(const ExprEnv&) {
+    const QuadCharUniquePtr letters('a', 'b', 'c', 'd'), copy(*letters), empty, more('a', 'b', 'c', 'e');
+    EXPECT((*letters)[1] == 'b');
+    EXPECT((*static_cast<const fmx::QuadChar*>(copy.get()))[3] == 'd');
+    EXPECT(isOrdered(*letters, *more) && *copy == *letters);
+    EXPECT(letters->GetMacType() == 0x61626364);
+    more->SetMacType(0x61626364);
+    EXPECT(*more == *letters);
+    *empty = *letters;
+    EXPECT(*empty == *letters);
+    const LocaleUniquePtr german(fmx::Locale::kType_DEU), system;
+    *system = *LocaleUniquePtr(*german);
+    DataUniquePtr data;
+    EXPECT(data->SetAsText(*Words("x"), *system) == 0 && utf8(data->GetAsText()) == "x");
+    EXPECT(&data->GetLocale() != nullptr);
+}
+
+void checkTextCalls(const ExprEnv&) {
+    const Words text("Größe"), other("größe");
+    EXPECT(text->GetSize() == 5);
+    EXPECT(isOrdered(*text, *other));
+    char bytes[8];
+    text->GetBytes(bytes, sizeof bytes, 0, Text::kSize_End, Text::kEncoding_ISO_8859_1);
+    EXPECT(std::string(bytes) == "Gr\xF6\xDF"
+                                 "e");
+    fmx::uint16 units[2];
+    text->GetUnicode(units, 2, 2);
+    EXPECT(units[0] == 0xF6 && units[1] == 0xDF);
+    const TextUniquePtr made;
+    made->AssignWide(L"wide");
+    EXPECT(utf8(*made) == "wide");
+    made->AssignWideWithLength(L"wide", 2);
+    EXPECT(utf8(*made) == "wi");
+    const fmx::uint16 letters[] = {'a', 'b', 'c', 0};
+    made->AssignUnicode(letters);
+    EXPECT(utf8(*made) == "abc");
+    made->AssignUnicodeWithLength(letters, 2);
+    EXPECT(utf8(*made) == "ab");
+    made->AssignWithLength("\xCF\xF0\xE8\xE2\xE5\xF2", 6, Text::kEncoding_Cyrillic_Win);
+    EXPECT(utf8(*made) == "Привет");
+    made->SetText(*text, 1, 2);
+    made->AppendText(*text, 4);
+    made->InsertText(*other, 0);
+    EXPECT(utf8(*made) == "größeröe");
+    made->DeleteText(5);
+    EXPECT(utf8(*made) == "größe");
+    EXPECT(made->Find(*Words("e"), 0) == 4 && made->Find(*Words("E"), 0) == Text::kSize_Invalid);
+    EXPECT(made->FindPrev(*Words("r"), 4) == 1);
+    EXPECT(made->FindIgnoringCase(*Words("R"), 0) == 1 && made->FindPrevIgnoringCase(*Words("R"), 4) == 1);
+    made->Uppercase();
+    EXPECT(utf8(*made) == "GRÖSSE");
+    made->Lowercase();
+    EXPECT(utf8(*made) == "grösse");
+    const CharacterStyleUniquePtr bold, seen;
+    bold->SetFace(CharacterStyle::kFace_Bold);
+    made->SetStyle(*bold, 1, 1);
+    made->GetStyle(*seen, 1);
+    EXPECT(*seen == *bold);
+    made->GetDefaultStyle(*seen);
+    EXPECT(seen->IsAllDisabled());
+    made->RemoveStyle(*bold);
+    made->GetStyle(*seen, 1);
+    EXPECT(!seen->IsFaceEnabled(CharacterStyle::kFace_Bold));
+    made->SetStyle(*bold);
+    made->ResetAllStyleBuffers();
+    made->GetStyle(*seen, 1);
+    EXPECT(seen->IsAllDisabled());
+}
+
+void checkStyles(const ExprEnv&) {
+    const ColorUniquePtr color(1, 2, 3), copy(*color), none;
+    EXPECT(color->GetRed() == 1 && color->GetGreen() == 2 && color->GetBlue() == 3 &&
+           color->GetAlpha() == 255);
+    EXPECT(*copy == *color && *copy != CharacterStyle::Color::White());
+    copy->SetRed(255);
+    copy->SetGreen(128);
+    copy->SetBlue(0);
+    copy->SetAlpha(1);
+    EXPECT(copy->GetRedUpsample() == 65535 && copy->GetGreenUpsample() == 128 * 257);
+    EXPECT(copy->GetBlueUpsample() == 0 && copy->GetAlphaUpsample() == 257);
+    *none = CharacterStyle::Color::Black();
+    EXPECT(none->GetRed() == 0);
+    const CharacterStyleUniquePtr style, red(7, CharacterStyle::kFace_Italic, 12, *color), twin(*red);
+    EXPECT(style->IsAllDisabled() && *twin == *red && *style != *red);
+    EXPECT(red->GetFont() == 7 && red->GetFace() == CharacterStyle::kFace_Italic && red->GetSize() == 12);
+    EXPECT(red->GetColor() == *color);
+    style->EnableFont();
+    style->EnableFace(CharacterStyle::kFace_Bold);
+    style->EnableSize();
+    style->EnableColor();
+    EXPECT(style->IsFontEnabled() && style->IsFaceEnabled(CharacterStyle::kFace_Bold) &&
+           style->IsSizeEnabled());
+    EXPECT(style->IsColorEnabled() && style->IsAnyFaceEnabled());
+    style->DisableFont();
+    style->DisableFace(CharacterStyle::kFace_Bold);
+    style->DisableSize();
+    style->DisableColor();
+    style->DisableAllFaces();
+    EXPECT(style->IsAllDisabled() && !style->IsAnyFaceEnabled());
+    style->SetFontInformation(1, CharacterStyle::kFace_Bold, 9);
+    CharacterStyle::FontID font = 0;
+    CharacterStyle::Face face = 0;
+    CharacterStyle::FontSize size = 0;
+    style->GetFontInformation(font, face, size);
+    EXPECT(font == 1 && face == CharacterStyle::kFace_Bold && size == 9);
+    style->DisableAll();
+    style->SetFont(7);
+    style->SetFace(CharacterStyle::kFace_Italic);
+    style->SetSize(12);
+    style->SetColor(*color);
+    EXPECT(*style == *red);
+    style->DisableAll();
+    *style = *red;
+    EXPECT(*style == *red);
+}
+
+void checkNumbers(const ExprEnv&) {
+    const FixPtUniquePtr six(6), four(4, *six), result;
+    EXPECT(isOrdered(*four, *six));
+    six->Add(*four, *result);
+    EXPECT(result->AsLong() == 10);
+    six->Subtract(*four, *result);
+    EXPECT(result->AsLong64() == 2);
+    six->Multiply(*four, *result);
+    EXPECT(result->AsFloat() == 24);
+    EXPECT(six->Divide(*four, *result) == 0 && result->AsFloat() == 1.5);
+    result->AssignInt(5);
+    result->Increment(2);
+    result->Decrement(1);
+    result->Increment64(10);
+    result->Decrement64(4);
+    EXPECT(result->AsLong() == 12);
+    result->AssignInt64(1L << 40);
+    EXPECT(result->AsLong64() == 1L << 40);
+    result->AssignDouble(-2.5);
+    result->Negate();
+    EXPECT(result->AsFloat() == 2.5 && result->AsBool());
+    result->AssignFixPt(*six);
+    result->SetPrecision(20);
+    EXPECT(*result == *six && result->GetPrecision() == 20);
+}
+
+void checkDates(const ExprEnv&) {
+    const fmx::unichar16 leapDay[] = {'2', '/', '2', '9', '/', '2', '0', '2', '4'};
+    const LocaleUniquePtr system;
+    const DateTimeUniquePtr date(leapDay, 9, *system), same(*Words("2/29/2024"), *system), moment;
+    EXPECT(*date == *same && date->IsLeapYear() == 1);
+    EXPECT(date->GetYear() == 2024 && date->GetMonth() == 2 && date->GetDay() == 29);
+    EXPECT(date->DayOfWeek() == 5 && date->DayOfYear() == 60 && date->WeekOfYear() == 9);
+    moment->Now();
+    EXPECT(*moment != *date && moment->GetYear() > 2023);
+    EXPECT(moment->SetNormalizedTime(1, 2, 3, 4) == 0);
+    EXPECT(moment->GetHour() == 1 && moment->GetMinute() == 2 && moment->GetSec() == 3 &&
+           moment->GetUSec() == 4);
+    moment->SetDate(*date);
+    EXPECT(moment->GetDay() == 29 && moment->GetHour() == 1);
+    date->SetTime(*moment);
+    EXPECT(date->GetMinute() == 2);
+    const FixPtUniquePtr number, day(1), month(14), year(2023);
+    moment->GetSeconds(*number);
+    EXPECT(number->AsLong() == 3);
+    moment->GetSecsSinceMidnight(*number);
+    EXPECT(number->AsLong() == 3723);
+    moment->GetSecondsSinceEpoch(*number);
+    same->SetSecondsSinceEpoch(*number);
+    EXPECT(*same == *moment);
+    same->SetSecsSinceMidnight(*FixPtUniquePtr(60));
+    EXPECT(same->GetMinute() == 1 && same->GetHour() == 0);
+    same->SetDaysSinceEpoch(moment->GetDaysSinceEpoch() + 1);
+    EXPECT(same->GetMonth() == 3 && same->GetDay() == 1);
+    EXPECT(same->SetNormalizedDate(2, 30, 2024) == 0 && same->GetMonth() == 3);
+    EXPECT(same->SetNormalizedDate(*year, *month, *day) == 0 && same->GetYear() == 2024 &&
+           same->GetMonth() == 2);
+    EXPECT(same->SetNormalizedTime(*day, *FixPtUniquePtr(61), *day) == 0 && same->GetHour() == 2);
+}
+
+void checkContainers(const ExprEnv&) {
+    char file[] = "plain", png[] = "\x89PNG\r\n\x1A\n", gif[] = "GIF89a", pdf[] = "%PDF-1.7";
+    // Segments of a JPEG file: start, a frame of 3 x 2 pixels, end.
+    char jpeg[] = "\xFF\xD8\xFF\xC0\0\x11\x08\0\2\0\3\3\1\x22\0\2\x11\1\3\x11\1\xFF\xD9";
+    struct {
+        char* bytes;
+        fmx::uint32 size;
+        const char* kind;
+    } kinds[] = {{file, 5, "FILE"},
+                 {png, 8, "PNGf"},
+                 {gif, 6, "GIFf"},
+                 {pdf, 8, "PDF "},
+                 {jpeg, sizeof jpeg - 1, "JPEG"}};
+    short width = 0, height = 0;
+    for (const auto& [bytes, size, kind] : kinds) {
+        const BinaryDataUniquePtr data(*Words("name"), size, bytes);
+        const bool isJpeg = kind[0] == 'J';
+        EXPECT(data->GetIndex(*QuadCharUniquePtr(kind[0], kind[1], kind[2], kind[3])) == 1);
+        EXPECT(data->GetIndex(*QuadCharUniquePtr('F', 'N', 'A', 'M')) == 0);
+        EXPECT(data->GetCount() == (isJpeg ? 3 : 2));
+        EXPECT((data->GetSIZEData(width, height) == 0) == isJpeg);
+    }
+    EXPECT(width == 3 && height == 2);
+    fmx::uint32 context = 0;
+    const BinaryDataUniquePtr pieces(*Words("name"), &context), empty, whole(*Words("name"), 5, file);
+    EXPECT(pieces->AddAppend(context, 2, file) == 0 && pieces->AddAppend(context, 3, file + 2) == 0);
+    EXPECT(*pieces != *whole);
+    EXPECT(pieces->AddFinish(context) == 0 && *pieces == *whole && pieces->AddFinish(context) != 0);
+    const QuadCharUniquePtr own('O', 'W', 'N', ' '), kind;
+    EXPECT(pieces->AddBegin(*own, &context) == 0 && pieces->AddAppend(context, 5, file) == 0);
+    EXPECT(pieces->AddFinish(context) == 0 && pieces->GetCount() == 3 && pieces->GetTotalSize() == 14);
+    pieces->GetType(2, *kind);
+    char read[3] = {};
+    EXPECT(*kind == *own && pieces->GetSize(2) == 5);
+    EXPECT(pieces->GetData(2, 1, 2, read) == 0 && std::string(read) == "la");
+    EXPECT(pieces->Remove(*own) && !pieces->Remove(*own));
+    const TextUniquePtr name;
+    EXPECT(pieces->AddFNAMData(*Words("other")) == 0 && pieces->GetFNAMData(*name) == 0 &&
+           utf8(*name) == "other");
+    EXPECT(pieces->AddSIZEData(640, -1) == 0 && pieces->GetSIZEData(width, height) == 0);
+    EXPECT(width == 640 && height == -1);
+    pieces->RemoveAll();
+    EXPECT(pieces->GetCount() == 0 && pieces->Add(*own, 5, file) == 0 && pieces->GetCount() == 1);
+    *empty = *pieces;
+    EXPECT(*BinaryDataUniquePtr(*empty) == *pieces);
+}
+
+void checkValues(const ExprEnv& env) {
+    const DataUniquePtr data;
+    EXPECT(data->IsEmpty() && data->IsValid() && !data->IsFindRequest());
+    data->SetAsNumber(*FixPtUniquePtr(45351));
+    EXPECT(data->GetNativeType() == Data::kDTNumber && data->GetAsBoolean() &&
+           data->GetAsNumber().AsLong() == 45351);
+    data->ConvertData(Data::kDTText);
+    EXPECT(data->GetNativeType() == Data::kDTText && utf8(data->GetAsText()) == "45351");
+    const DateTimeUniquePtr moment;
+    moment->SetNormalizedDate(2, 29, 2024);
+    moment->SetNormalizedTime(1, 2, 3);
+    data->SetAsDate(*moment);
+    EXPECT(data->GetAsDate().GetDay() == 29);
+    data->SetAsTime(*moment);
+    EXPECT(data->GetAsTime().GetMinute() == 2);
+    data->SetAsTimeStamp(*moment);
+    EXPECT(data->GetAsTimeStamp() == *moment);
+    data->SetDateTime(*moment, Data::kDTDate, Data::kDTText);
+    EXPECT(data->GetNativeType() == Data::kDTText && utf8(data->GetAsText()) == "2/29/2024");
+    char file[] = "plain";
+    const BinaryDataUniquePtr container(*Words("name"), 5, file);
+    data->SetBinaryData(*container);
+    EXPECT(data->GetBinaryData() == *container && data->GetNativeType() == Data::kDTBinary);
+    const TextUniquePtr name;
+    const CharacterStyle::FontID font = data->GetFontID(*Words("Arial"), CharacterStyle::kRoman, env);
+    CharacterStyle::FontScript script = 9;
+    EXPECT(data->GetFontID(*Words("Arial"), env) == font && data->GetFontInfo(font, *name, env));
+    EXPECT(data->GetFontInfo(font, *name, script, env) && utf8(*name) == "Arial");
+    const DataVectUniquePtr values;
+    EXPECT(values->IsEmpty());
+    setText(*data, "12");
+    values->PushBack(*data);
+    data->SetBinaryData(*container);
+    values->PushBack(*data);
+    data->SetAsTimeStamp(*moment);
+    values->PushBack(*data);
+    EXPECT(values->Size() == 3 && &values->At(0) != &values->At(1));
+    EXPECT(utf8(values->AtAsText(0)) == "12" && values->AtAsNumber(0).AsLong() == 12 &&
+           values->AtAsBoolean(0));
+    EXPECT(values->AtAsBinaryData(1) == *container && values->AtAsDate(2).GetDay() == 29);
+    EXPECT(values->AtAsTime(2).GetHour() == 1 && values->AtAsTimeStamp(2) == *moment);
+    const std::unique_ptr<Data> last(values->PopBack());
+    EXPECT(last->GetAsTimeStamp() == *moment && values->Size() == 2);
+    values->Clear();
+    EXPECT(values->IsEmpty());
+    data->Clear();
+    EXPECT(data->GetNativeType() == Data::kDTInvalid);
+}
+
+void checkEngine(const ExprEnv& env) {
+    const DataUniquePtr data;
+    EXPECT(env.Evaluate(*Words("1 + 1"), *data) == 0 && data->GetAsNumber().AsLong() == 2);
+    EXPECT(env.Evaluate(*Words("1 +"), *data) == 1203 || env.Evaluate(*Words("1 +"), *data) == 1204);
+    EXPECT(env.SessionID() != 0 && env.FileID() != 0);
+    const ExprEnvUniquePtr own;
+    EXPECT(own->Evaluate(*Words("1"), *data) == 100);
+    EXPECT(FMX_SetToCurrentEnv(own.get()) == 0 && own->FileID() == env.FileID());
+    const DataVectUniquePtr none;
+    const RowVectUniquePtr rows;
+    EXPECT(rows->IsEmpty());
+    EXPECT(env.ExecuteFileSQL(*Words("VALUES (1, 2), (3, 4)"), *Words(), *none, *rows) == 0 &&
+           rows->Size() == 2);
+    EXPECT(utf8(rows->At(1).AtAsText(1)) == "4");
+    EXPECT(env.ExecuteFileSQLTextResult(*Words("VALUES (1, 2), (3, 4)"), *Words(), *none, *data, ',', ';') ==
+           0);
+    EXPECT(utf8(data->GetAsText()) == "1,2;3,4");
+    EXPECT(env.EvaluateGetFunction(1005, *data) == 0 && utf8(data->GetAsText()) == "Untitled");
+    EXPECT(env.EvaluateGetFunction(1, *data) == 1215);
+    const struct {
+        int form;
+        const char *system, *app;
+    } paths[] = {{ExprEnv::kConvert_PosixPath, "/a b/c", "file:/a b/c"},
+                 {ExprEnv::kConvert_WinPath, "C:\\a b\\c", "file:/C:/a b/c"},
+                 {ExprEnv::kConvert_WinPath, "\\\\server\\c", "file://server/c"},
+                 {ExprEnv::kConvert_URLPath, "file:///a%20b/%C3%A9", "file:/a b/é"},
+                 {ExprEnv::kConvert_URLPath, "file://server/c", "file://server/c"}};
+    const TextUniquePtr path;
+    for (const auto& [form, system, app] : paths) {
+        EXPECT(env.EvaluateConvertToFileMakerPath(*Words(system), form, *path) == 0 && utf8(*path) == app);
+        EXPECT(env.EvaluateConvertFromFileMakerPath(*Words(app), form, *path) == 0 && utf8(*path) == system);
+    }
+    EXPECT(env.EvaluateConvertToFileMakerPath(*Words("x"), 4, *path) != 0);
+    EXPECT(env.EvaluateConvertFromFileMakerPath(*Words("/x"), 1, *path) != 0 &&
+           utf8(*path) == "file://server/c");
+    EXPECT(FMX_StartScript(Words("Untitled").get(), Words("None").get(), kFMXT_Resume, data.get()) == 104);
+}
+
+/// Objects are made and given back on several threads at once; the host's count comes out even. Exceptions of
+/// this library's kind pass through threads and containers of it.
+void checkThreads(const ExprEnv&) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (int turn = 0; turn < 10'000; ++turn)
+                Words("x")->AppendText(*Words("y"));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    const auto messageOf = [](const auto& work) -> std::string {
+        try {
+            work();
+        } catch (const std::out_of_range&) {
+            return "range";
+        } catch (const std::exception& problem) {
+            return problem.what();
+        }
+        return "nothing";
+    };
+    EXPECT(messageOf([] { (void)std::vector<int>().at(1); }) == "range");
+    EXPECT(messageOf([] { throw std::runtime_error(std::string()); }).empty());
+    EXPECT(messageOf([] { (void)std::stoi("no number"); }) == "stoi");
+    EXPECT(messageOf([] {
+               std::async(std::launch::async, [] { throw std::logic_error("from a thread"); }).get();
+           }) == "from a thread");
+    EXPECT(messageOf([] { std::rethrow_exception(std::make_exception_ptr(std::domain_error("kept"))); }) ==
+           "kept");
+}
+
+struct Group {
+    const char* name;
+    void (*check)(const ExprEnv& env);
+};
+constexpr Group kGroups[] = {
+    {"Uses_Types", checkTypes},     {"Uses_Text", checkTextCalls}, {"Uses_Styles", checkStyles},
+    {"Uses_Numbers", checkNumbers}, {"Uses_Dates", checkDates},    {"Uses_Containers", checkContainers},
+    {"Uses_Values", checkValues},   {"Uses_Engine", checkEngine},  {"Uses_Threads", checkThreads}};
+constexpr short kGroupCount = std::size(kGroups), kFails = 20, kWithdrawn = 21, kMessages = 22, kJoin = 1;
+
+FMX_PROC(fmx::errcode) runGroup(short id, const ExprEnv& env, const fmx::DataVect&, Data& result) try {
+    gFailures.clear();
+    kGroups[id].check(env);
+    setText(result, gFailures.empty() ? "ok" : gFailures);
+    return 0;
+} catch (const std::exception& problem) {
+    std::fprintf(stderr, "%s: %s %s\n", kGroups[id].name, problem.what(), gFailures.c_str());
+    return 1200;
+}
+
+/// Answers the error that it is asked for, with a sentence about it.
+FMX_PROC(fmx::errcode) fail(short, const ExprEnv&, const fmx::DataVect& arguments, Data& result) try {
+    setText(result, "it was asked to");
+    return static_cast<fmx::errcode>(arguments.AtAsNumber(0).AsLong());
+} catch (const std::exception&) {
+    return 1200;
+}
+
+FMX_PROC(fmx::errcode) listMessages(short, const ExprEnv&, const fmx::DataVect&, Data& result) try {
+    setText(result, gMessages);
+    return 0;
+} catch (const std::exception&) {
+    return 1200;
+}
+
+/// The step: its parameters with bars between.
+FMX_PROC(fmx::errcode) join(short, const ExprEnv&, const fmx::DataVect& arguments, Data& result) try {
+    std::string joined;
+    for (fmx::uint32 i = 0; i < arguments.Size(); ++i)
+        joined += (i > 0 ? "|" : "") + utf8(arguments.AtAsText(i));
+    setText(result, joined);
+    return joined.starts_with("fail") ? kPluginErrResult2 : 0;
+} catch (const std::exception&) {
+    return 1200;
+}
+
+constexpr const char* kStep = R"(<PluginStep>
+  <Parameter Type="list" ID="3" Label="Sign"><Value>plus</Value><Value>minus</Value></Parameter>
+  <Parameter Type="calc" ID="0" Label="First" DataType="text" ShowInline="true"/>
+  <Parameter Type="bool" ID="1" Label="Loud" Default="True"/>
+  <Parameter Type="calc" ID="2" Label="Number" DataType="number" Default="7"/>
+  <Parameter Type="target" ID="4" Label="Result"/>
+</PluginStep>)";
+
+bool registerAll() {
+    const auto id = creator();
+    const auto add = [&](short number, const char* name, const char* prototype, short counts,
+                         fmx::ExtPluginType handler) {
+        return ExprEnv::RegisterExternalFunction(*id, number, *Words(name), *Words(prototype), counts, counts,
+                                                 ExprEnv::kDisplayInAllDialogs, handler);
+    };
+    int faults = 0;
+    for (short i = 0; i < kGroupCount; ++i)
+        faults += add(i, kGroups[i].name, kGroups[i].name, 0, runGroup);
+    faults += add(kFails, "Uses_Fail", "Uses_Fail( error )", 1, fail);
+    faults += add(kWithdrawn, "Uses_Withdrawn", "Uses_Withdrawn", 0, runGroup);
+    faults += ExprEnv::UnRegisterExternalFunction(*id, kWithdrawn);
+    faults += ExprEnv::RegisterExternalFunctionEx(
+        *id, kMessages, *Words("Uses_Messages"), *Words("Uses_Messages"),
+        *Words("protocol list|The messages that the plug-in has received."), 0, 0, 0xFF00, listMessages);
+    faults += ExprEnv::RegisterScriptStep(*id, kJoin, *Words("Join Values"), *Words(kStep), *Words("Joins."),
+                                          0xFF00, join);
+    faults +=
+        ExprEnv::RegisterScriptStep(*id, 2, *Words("Other"), *Words("<PluginStep/>"), *Words(), 0xFF00, join);
+    faults += ExprEnv::UnRegisterScriptStep(*id, 2);
+    // Both are refused: the identifier is taken, the definition is none.
+    add(0, "Uses_Twin", "Uses_Twin", 0, runGroup);
+    ExprEnv::RegisterScriptStep(*id, 3, *Words("Broken"), *Words("<Step/>"), *Words(), 0xFF00, join);
+    return faults == 0;
+}
+
+void answerString(FMX_ExternCallPtr call) {
+    const char* text = call->parm1 == kFMXT_NameStr        ? "Uses Everything"
+                       : call->parm1 == kFMXT_AppConfigStr ? "Uses the whole interface."
+                       : call->parm1 == kFMXT_OptionsStr   ? "USES1YnYYYn"
+                                                           : "https://example.org/help?id=";
+    auto* units = reinterpret_cast<fmx::unichar16*>(call->result);
+    for (; *text != '\0'; ++text)
+        *units++ = static_cast<unsigned char>(*text);
+    *units = 0;
+}
+
+/// The name of a message; that of a string has its number.
+std::string nameOf(const FMX_ExternCallStruct& call) {
+    switch (call.whichCall) {
+    case kFMXT_Init: return "init" + std::to_string(call.parm1) + "/" + std::to_string(call.extnVersion);
+    case kFMXT_Idle: return "idle" + std::to_string(call.parm1);
+    case kFMXT_Shutdown: return "shutdown";
+    case kFMXT_DoAppPreferences: return "preferences";
+    case kFMXT_GetString: return "string" + std::to_string(call.parm1);
+    case kFMXT_SessionShutdown: return "session";
+    case kFMXT_FileShutdown: return "file";
+    default: return "unknown";
+    }
+}
+
+} // namespace
+
+void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr call) {
+    gFMX_ExternCallPtr = call;
+    gMessages += nameOf(*call) + " ";
+    if (call->whichCall == kFMXT_GetString) answerString(call);
+    if (call->whichCall == kFMXT_Init)
+        call->result = registerAll() ? static_cast<FMX_PtrType>(k190ExtnVersion)
+                                     : static_cast<FMX_PtrType>(kDoNotEnable);
+    if (call->whichCall != kFMXT_Shutdown) return;
+    if (std::getenv("USES_EVERYTHING_TELLS") != nullptr) std::fprintf(stderr, "%s\n", gMessages.c_str());
+    for (const short id : {short{0}, short{1}, short{2}, short{3}, short{4}, short{5}, short{6}, short{7},
+                           short{8}, kFails, kMessages})
+        ExprEnv::UnRegisterExternalFunction(*creator(), id);
+    ExprEnv::UnRegisterScriptStep(*creator(), kJoin);
+}
