@@ -2,6 +2,7 @@
 
 #include "host/values/Encoding.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -42,6 +43,15 @@ const RegisteredFunction* LoadedPlugIn::findFunction(std::u16string_view name) c
         for (const RegisteredFunction& function : plugIn->functions())
             if (function.name == name) return &function;
     return nullptr;
+}
+
+const PlugIn* LoadedPlugIn::ownerOf(const QuadChar& creator) const {
+    const auto isOwn = [&](const auto& plugIn) {
+        return (!plugIn->functions().empty() && plugIn->functions().front().creator == creator) ||
+               (!plugIn->steps().empty() && plugIn->steps().front()->creator == creator);
+    };
+    const auto found = std::ranges::find_if(plugIns_, isOwn);
+    return found == plugIns_.end() ? nullptr : found->get();
 }
 
 const RegisteredFunction& LoadedPlugIn::function(std::u16string_view name) const {

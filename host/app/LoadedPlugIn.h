@@ -44,6 +44,8 @@ public:
     [[nodiscard]] const RegisteredFunction& function(std::u16string_view name) const;
     /// The same; null when there is none.
     [[nodiscard]] const RegisteredFunction* findFunction(std::u16string_view name) const;
+    /// The plug-in that has registered under an identifier's four characters; null when none has.
+    [[nodiscard]] const PlugIn* ownerOf(const QuadChar& creator) const;
 
 private:
     Announcement announcement_;

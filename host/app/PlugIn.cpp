@@ -7,6 +7,7 @@
 #include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/Bridge.h"
 #include "host/fmwrapper/Versions.h"
+#include "host/values/Encoding.h"
 
 #include <algorithm>
 #include <array>
@@ -158,7 +159,11 @@ void PlugIn::askForStrings() {
     name_ = readString(kFMXT_NameStr).text;
     readString(kFMXT_AppConfigStr);
     options_ = readPlugInOptions(readString(kFMXT_OptionsStr).text);
-    readString(kFMXT_HelpURLStr);
+    helpAddress_ = readString(kFMXT_HelpURLStr).text;
+}
+
+std::u16string PlugIn::helpAddress(std::int16_t id) const {
+    return helpAddress_.ends_with(u'=') ? helpAddress_ + fromUtf8(std::to_string(id)) : helpAddress_;
 }
 
 std::string PlugIn::refusalFor(std::int64_t answer) const {

@@ -72,6 +72,10 @@ public:
     /// The plug-in's name; empty before init and when the plug-in gives none.
     [[nodiscard]] const std::u16string& name() const { return name_; }
 
+    /// Where there is help for a function or script step; empty when the plug-in gives no address. One that
+    /// ends in "=" has the identifier appended.
+    [[nodiscard]] std::u16string helpAddress(std::int16_t id) const;
+
     [[nodiscard]] bool isEnabled() const { return enabled_; }
     [[nodiscard]] const std::vector<RegisteredFunction>& functions() const { return functions_; }
     [[nodiscard]] const std::vector<Violation>& violations() const { return violations_; }
@@ -134,7 +138,7 @@ private:
     std::int16_t hostVersion_ = currentHostVersion;
     bool enabled_ = false;
     bool hasStrings_ = false;
-    std::u16string name_;
+    std::u16string name_, helpAddress_;
     PlugInOptions options_;
     std::string refusal_;
     std::vector<RegisteredFunction> functions_;

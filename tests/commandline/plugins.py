@@ -59,8 +59,11 @@ answer = run("repl", "--plugin", everything, "--host-version", 62, "--applicatio
 strings = "string128 string129 string131 string132 "
 check("messages", (answer[1].startswith(strings + "init3/62 "), True), ("idle0 " in answer[2], True),
       (answer[2].split("idle0 ")[-1].split(), ["file", "session", "shutdown"]), ("preferences " in answer[2], True))
-check("help", (run("help", "Uses_Messages", "--plugin", everything)[1].splitlines()[1],
-               "The messages that the plug-in has received."),
+check("help", (run("help", "Uses_Messages", "--plugin", everything)[1].splitlines()[1:],
+               ["The messages that the plug-in has received.", "0 parameters", "https://example.org/help?id=22"]),
+      (run("help", "Join Values", "--plugin", everything)[1].splitlines(),
+       ["Join Values (script step)", "Joins.", "  First", "  Loud", "  Number", "  Sign: plus, minus",
+        "  Result (receives the result)", "https://example.org/help?id=1"]),
       (run("repl", "--plugin", everything, given=":functions protocol\n")[1], "Uses_Messages\n"))
 
 # Errors of functions and steps, and the parameters of steps.
