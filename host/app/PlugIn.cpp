@@ -106,10 +106,11 @@ bool beginsWithName(std::u16string_view prototype, std::u16string_view name) {
 
 PlugIn::PlugIn(Session& session, const std::filesystem::path& library) : session_(session), path_(library) {
     const std::filesystem::path path = std::filesystem::absolute(library);
-    if (const std::string missing = missingFunctions(path); !missing.empty())
-        throw std::runtime_error(library.string() + ": " + missing);
     library_ = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library_ == nullptr) throw std::runtime_error(::dlerror());
+    if (library_ == nullptr) {
+        const std::string reason = ::dlerror(), missing = missingFunctions(path);
+        throw std::runtime_error(missing.empty() ? reason : library.string() + ": " + missing);
+    }
     entryPoint_ = reinterpret_cast<FMX_ExternCallProc>(::dlsym(library_, entryPointName));
     if (entryPoint_ == nullptr) {
         ::dlclose(library_);

@@ -44,7 +44,7 @@ check("exports", (exported - interface, queue), (len(interface), 251))
 check("uses", ({name for name in symbols(everything, "--undefined-only") if name.startswith("FM_")}, interface))
 
 # Each function checks the effects of a class; `check` passes, and no object is left.
-groups = ["Types", "Text", "Styles", "Numbers", "Dates", "Containers", "Values", "Engine", "Threads"]
+groups = ["Types", "Text", "Styles", "Numbers", "Dates", "Containers", "Values", "Engine", "Threads", "Encodings"]
 answer = run("eval", "--objects", *both, *(f"Uses_{group}" for group in groups), "Kestrel_ValueType ( 1 )")
 check("effects", (answer[:2], (0, "ok\n" * len(groups) + "Number\n")), ("host objects left: none" in answer[2], True),
       ('refused to register 0 "Uses_Twin": its identifier is taken' in answer[2], True),
