@@ -49,6 +49,9 @@ answer = run("eval", "--objects", *both, *(f"Uses_{group}" for group in groups),
 check("effects", (answer[:2], (0, "ok\n" * len(groups) + "Number\n")), ("host objects left: none" in answer[2], True),
       ('refused to register 0 "Uses_Twin": its identifier is taken' in answer[2], True),
       ('refused to register 3 "Broken": the definition\'s root is not PluginStep' in answer[2], True))
+# The same built with the other standard library: both kinds of exceptions work in one process.
+other = foreign / "UsesEverything-libc++.so"
+check("libc++", (run("eval", "--plugin", other, *(f"Uses_{group}" for group in groups))[1], "ok\n" * len(groups)))
 check("known-calls", ("FM_ExprEnv_EvaluateGetFunction (since 60)" in
                       run("check", everything, "--level", 1, "--host-version", 57)[1], True))
 
