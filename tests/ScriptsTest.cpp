@@ -79,7 +79,7 @@ TEST_F(Scripts, DelaysAreExactToTheSecondAndAtMostADay) {
     const std::string ahead = "\"First\" ; \"\" ; Get ( CurrentTimestamp ) + ";
     host::clock().set(1'700'000'000s);
     start(ahead + "86400");
-    EXPECT_EQ(evaluate("Kestrel_DoFileMakerScript ( " + ahead + "86401 )").external.code, -1001);
+    EXPECT_EQ(textOf("Kestrel_DoFileMakerScript ( " + ahead + "86401 )"), "error -1001");
     EXPECT_EQ(textOf("$$Kestrel_LastErrorMessage"), "Wrong timestamp");
     start(ahead + "-1"); // never due in practice
     EXPECT_EQ(host::mainQueue().pending(), 1U);

@@ -56,7 +56,7 @@ fmx::BinaryData* FM_BinaryData_Constructor4(const fmx::Text& name, fmx::uint32* 
     return gate::construct<fmx::BinaryData, ObjectClass::binaryData>(_x, [&] {
         Binary data;
         data.setFileName(in<host::Text>(&name));
-        *checked(context) = data.begin(std::nullopt);
+        if (context != nullptr) *context = data.begin(std::nullopt);
         return data;
     });
 }

@@ -209,10 +209,11 @@ fmx::errcode FM_ExprEnv_EvaluateGetFunction(const void* _self, short getFunction
                                             fmx::_fmxcpt& _x) {
     host::checkVersion<"FM_ExprEnv_EvaluateGetFunction">();
     return gate::code(_x, [&]() -> int {
+        const Environment& env = in<Environment>(_self);
+        Data& target = in<Data>(&result);
         const std::u16string_view name = host::getFunctionName(getFunctionId);
         if (name.empty()) return host::calc::error::invalidGetParameter;
-        return evaluate(in<Environment>(_self), Text(u"Get ( " + std::u16string(name) + u" )"),
-                        in<Data>(&result));
+        return evaluate(env, Text(u"Get ( " + std::u16string(name) + u" )"), target);
     });
 }
 fmx::errcode FM_ExprEnv_EvaluateConvertToFileMakerPath(const void* _self, const fmx::Text& inPath,

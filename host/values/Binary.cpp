@@ -28,8 +28,7 @@ std::string_view charactersOf(std::span<const std::byte> bytes) {
 } // namespace
 
 const Binary::Stream& Binary::at(std::size_t index) const {
-    if (!hasName()) return streams_.at(index);
-    return index == 0 ? nameStream_ : streams_.at(index - 1);
+    return hasName() && index == streams_.size() ? nameStream_ : streams_.at(index);
 }
 
 int Binary::indexOf(const QuadChar& type) const {

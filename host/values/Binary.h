@@ -23,7 +23,7 @@ inline constexpr QuadChar kFileStream{{'F', 'I', 'L', 'E'}}, kNameStream{{'F', '
     kSizeStream{{'S', 'I', 'Z', 'E'}};
 
 /// A container's value: a file name and byte streams, each under a kind of its own, in the order they were
-/// added. For plug-ins the name is a stream too, the first one.
+/// added. For plug-ins the name is a stream too, the last one.
 class Binary {
 public:
     struct Stream {

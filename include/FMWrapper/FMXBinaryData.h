@@ -59,7 +59,7 @@ public:
     explicit BinaryDataUniquePtr(const BinaryData& that);
     /// A file. Its bytes say what kind the stream is: "PNGf", "JPEG", "GIFf", "PDF " or else "FILE".
     BinaryDataUniquePtr(const Text& name, uint32 amount, void* buffer);
-    /// Begins a file whose bytes come in pieces, by AddAppend and AddFinish.
+    /// Begins a file whose bytes come in pieces; with a null context the name alone.
     BinaryDataUniquePtr(const Text& name, uint32* context);
 };
 
