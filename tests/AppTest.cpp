@@ -301,7 +301,7 @@ TEST_F(LoadedSample, RegistrationsAreChecked) {
         EXPECT_EQ(Session::current()->registerFunction(row(3, name)), 1200) << toUtf8(name);
     EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 0; }), 1200);
     EXPECT_EQ(with([](F& f) { f.creator.bytes[3] = 'X'; }), 1200);
-    EXPECT_EQ(with([](F& f) { f.id = 0; }), 1200);
+    EXPECT_EQ(with([](F& f) { f.id = -1; }), 1200);
     EXPECT_EQ(with([](F& f) { f.minimum = -1; }), 1200);
     EXPECT_EQ(with([](F& f) { f.minimum = 2, f.maximum = 1; }), 1200);
     EXPECT_EQ(with([](F& f) { f.handler = nullptr; }), 1200);
@@ -318,9 +318,12 @@ TEST_F(LoadedSample, RegisteredFunctionsWorkUntilWithdrawn) {
     for (const RegisteredFunction& function : {row(3, u"MyCount"), row(98, u"MyRefuse"), row(99, u"MyThrow")})
         ASSERT_EQ(Session::current()->registerFunction(function), 0);
     EXPECT_EQ(textOf(session, u"mycount ( 1 ; 2 ) + Sample_First"), "3");
-    EXPECT_EQ(session.evaluate(u"MyRefuse").error, 14);
+    const calc::Result refused = session.evaluate(u"MyRefuse & \"!\"");
+    EXPECT_EQ(refused.value->asText(), Text(u"?!"));
+    EXPECT_EQ(refused.external.code, 14);
+    EXPECT_EQ(textOf(session, u"Get ( LastError )"), "14");
     EXPECT_EQ(textOf(session, u"EvaluationError ( MyRefuse ( ) )"), "14");
-    EXPECT_EQ(session.evaluate(u"MyThrow").error, 1200);
+    EXPECT_EQ(session.evaluate(u"MyThrow").external.code, 1200);
     EXPECT_EQ(plugIn->violations(), std::vector{PlugIn::Violation::threwFromHandler});
 
     const auto kept = calc::parse(u"Sample_First", session.functions()).expression;

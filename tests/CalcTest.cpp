@@ -20,7 +20,7 @@ class CalcTest : public testing::Test {
 protected:
     CalcTest() {
         scope.script = std::make_shared<const ScriptFrame>(ScriptFrame{u"Greet", numberResult(5)});
-        *scope.lastError = 104;
+        scope.lastError->code = 104;
     }
     Result run(const std::string& source) const { return calc::evaluate(fromUtf8(source), scope, table); }
     std::string textOf(const std::string& source) const {

@@ -29,10 +29,11 @@ protected:
     host::calc::Result evaluate(const std::string& calculation) {
         return session.evaluate(host::fromUtf8(calculation));
     }
-    /// The result as text; "error N" for a calculation that fails.
+    /// The result as text; "error N" for a calculation that fails, or that a plug-in's function failed in.
     std::string textOf(const std::string& calculation) {
         const host::calc::Result result = evaluate(calculation);
-        return result.error == 0 ? result.value->asText().utf8() : "error " + std::to_string(result.error);
+        const int error = result.error != 0 ? result.error : result.external.code;
+        return error == 0 ? result.value->asText().utf8() : "error " + std::to_string(error);
     }
     /// The last error that the solution sees: "code message".
     std::string lastError() { return textOf("$$Kestrel_LastError & \" \" & $$Kestrel_LastErrorMessage"); }

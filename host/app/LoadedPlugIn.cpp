@@ -10,42 +10,69 @@
 
 namespace host {
 
-namespace {
-
-/// Files are open before the plug-in is loaded, as in the app.
-Session& opened(Session& session, std::vector<Solution> solutions) {
+LoadedPlugIn::LoadedPlugIn(const std::vector<std::filesystem::path>& libraries,
+                           std::vector<Solution> solutions, Start start, const Announcement& announcement)
+    : announcement_(announcement) {
+    // Files are open before the plug-ins are loaded, as in the app.
     if (solutions.empty()) solutions.emplace_back();
     for (Solution& solution : solutions)
-        session.open(std::move(solution));
-    return session;
-}
-
-} // namespace
-
-LoadedPlugIn::LoadedPlugIn(const std::filesystem::path& library, std::vector<Solution> solutions, Start start)
-    : plugIn_(opened(session_, std::move(solutions)), library) {
+        session_.open(std::move(solution));
+    for (const std::filesystem::path& library : libraries)
+        plugIns_.push_back(std::make_unique<PlugIn>(session_, library));
     if (start == Start::now) this->start();
 }
 
+LoadedPlugIn::~LoadedPlugIn() {
+    session_.end();
+    while (!plugIns_.empty())
+        plugIns_.pop_back();
+}
+
 void LoadedPlugIn::start() {
-    const std::int64_t answer = plugIn_.init();
-    if (!plugIn_.isEnabled())
-        throw std::runtime_error("the plug-in does not want to be enabled: it answered init with " +
-                                 std::to_string(answer));
+    for (const auto& plugIn : plugIns_) {
+        plugIn->init(announcement_.version, announcement_.application);
+        if (plugIn->isEnabled()) continue;
+        std::string words = plugIn->path().string() + ": " + plugIn->refusal();
+        for (const std::string& refused : refusedRegistrations(*plugIn))
+            words += "; " + refused;
+        throw std::runtime_error(words);
+    }
+}
+
+const RegisteredFunction* LoadedPlugIn::findFunction(std::u16string_view name) const {
+    for (const auto& plugIn : plugIns_)
+        for (const RegisteredFunction& function : plugIn->functions())
+            if (function.name == name) return &function;
+    return nullptr;
+}
+
+const PlugIn* LoadedPlugIn::ownerOf(const QuadChar& creator) const {
+    const auto isOwn = [&](const auto& plugIn) {
+        return (!plugIn->functions().empty() && plugIn->functions().front().creator == creator) ||
+               (!plugIn->steps().empty() && plugIn->steps().front()->creator == creator);
+    };
+    const auto found = std::ranges::find_if(plugIns_, isOwn);
+    return found == plugIns_.end() ? nullptr : found->get();
 }
 
 const RegisteredFunction& LoadedPlugIn::function(std::u16string_view name) const {
-    const auto& functions = plugIn_.functions();
-    const auto found = std::find_if(functions.begin(), functions.end(),
-                                    [name](const RegisteredFunction& row) { return row.name == name; });
-    if (found == functions.end()) throw std::runtime_error(toUtf8(name) + " is not registered");
+    const RegisteredFunction* found = findFunction(name);
+    if (found == nullptr) throw std::runtime_error(toUtf8(name) + " is not registered");
     return *found;
 }
 
 fmx::errcode LoadedPlugIn::call(const RegisteredFunction& function, const DataVect& arguments, Data& result) {
     const calc::Environment environment = session_.environment(session_.front());
-    return plugIn_.call(function, bridge::out<fmx::ExprEnv>(environment),
-                        bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
+    return plugIn().call(function, bridge::out<fmx::ExprEnv>(environment),
+                         bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
+}
+
+std::vector<std::string> refusedRegistrations(const PlugIn& plugIn) {
+    std::vector<std::string> sentences;
+    for (const PlugIn::RefusedRegistration& refused : plugIn.refusedRegistrations())
+        sentences.push_back("the host refused to register " + std::to_string(refused.id) + " \"" +
+                            toUtf8(refused.name) + "\": " + refused.reason);
+    return sentences;
 }
 
 } // namespace host

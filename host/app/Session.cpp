@@ -5,6 +5,7 @@
 #include "host/app/PlugIn.h"
 #include "host/calc/Stack.h"
 #include "host/dispatch/MainQueue.h"
+#include "host/fmwrapper/Bridge.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ constexpr std::u16string_view fileExtension = u".fmp12";
 
 Session::Session()
     : id_(nextId()), functions_(std::make_shared<calc::FunctionTable>()),
-      topLevel_(std::make_shared<calc::Variables>()), lastError_(std::make_shared<int>(0)) {
+      topLevel_(std::make_shared<calc::Variables>()), lastError_(std::make_shared<calc::LastError>()) {
     calc::enlargeStack();
     if (currentSession != nullptr) throw std::logic_error("a process has one session at a time");
     currentSession = this;
@@ -54,7 +55,7 @@ void Session::end() {
         close(files_.back()->id());
     waiting_.clear();
     if (!std::exchange(hasEnded_, true))
-        for (PlugIn* plugIn : enabledPlugIns())
+        for (PlugIn* plugIn : plugInsThatWant(&PlugInOptions::closing))
             plugIn->sessionShutdown();
     mainQueue().clear();
 }
@@ -62,17 +63,66 @@ void Session::end() {
 Session* Session::current() { return currentSession; }
 
 std::int16_t Session::registerFunction(RegisteredFunction function) {
-    if (auto* plugIn = static_cast<PlugIn*>(WorkOwner::running()))
-        return plugIn->registerFunction(std::move(function));
-    // A plug-in may also register from its own timer, while no message runs.
-    if (plugIns_.size() != 1) return calc::error::unspecific;
-    return plugIns_.front()->registerFunction(std::move(function));
+    PlugIn* plugIn = callingPlugIn();
+    return plugIn == nullptr ? std::int16_t{calc::error::unspecific}
+                             : plugIn->registerFunction(std::move(function));
 }
 
 std::int16_t Session::unregisterFunction(const QuadChar& creator, std::int16_t id) {
     const auto withdraws = [&](PlugIn* plugIn) { return plugIn->unregisterFunction(creator, id); };
     const bool isWithdrawn = std::any_of(plugIns_.begin(), plugIns_.end(), withdraws);
     return static_cast<std::int16_t>(isWithdrawn ? calc::error::none : calc::error::unspecific);
+}
+
+std::int16_t Session::registerStep(RegisteredStep step) {
+    PlugIn* plugIn = callingPlugIn();
+    return plugIn == nullptr ? std::int16_t{calc::error::unspecific} : plugIn->registerStep(std::move(step));
+}
+
+std::int16_t Session::unregisterStep(const QuadChar& creator, std::int16_t id) {
+    const auto withdraws = [&](PlugIn* plugIn) { return plugIn->unregisterStep(creator, id); };
+    const bool isWithdrawn = std::any_of(plugIns_.begin(), plugIns_.end(), withdraws);
+    return static_cast<std::int16_t>(isWithdrawn ? calc::error::none : calc::error::unspecific);
+}
+
+/// A plug-in may also register from its own timer, while no message runs.
+PlugIn* Session::callingPlugIn() const {
+    if (auto* plugIn = static_cast<PlugIn*>(WorkOwner::running())) return plugIn;
+    return plugIns_.size() == 1 ? plugIns_.front() : nullptr;
+}
+
+std::shared_ptr<const RegisteredStep> Session::registeredStep(std::u16string_view name) const {
+    const std::u16string wanted = calc::foldName(name);
+    for (const PlugIn* plugIn : plugIns_)
+        for (const auto& step : plugIn->steps())
+            if (calc::foldName(step->name) == wanted) return step;
+    return nullptr;
+}
+
+StepOutcome Session::runStep(const RegisteredStep& step, const std::vector<StepArgument>& arguments,
+                             const calc::Environment& environment) {
+    const auto owns = [&step](const PlugIn* plugIn) {
+        return std::ranges::any_of(plugIn->steps(), [&](const auto& row) { return row.get() == &step; });
+    };
+    const auto owner = std::ranges::find_if(plugIns_, owns);
+    auto result = std::make_shared<Data>();
+    StepOutcome outcome{.error = 0, .message = {}, .result = result};
+    try {
+        if (owner == plugIns_.end()) throw calc::Error{calc::error::unspecific, "the step is withdrawn"};
+        const auto kept = registeredStep(step.name); // the handler may withdraw its own step
+        const DataVect values = stepValues(step, arguments);
+        outcome.error = (*owner)->call(step, bridge::out<fmx::ExprEnv>(environment),
+                                       bridge::out<fmx::DataVect>(values), bridge::out<fmx::Data>(*result));
+        const bool isOwnError =
+            outcome.error >= calc::error::plugInFirst && outcome.error <= calc::error::plugInLast;
+        if (isOwnError) outcome.message = result->asText().utf8();
+    } catch (const calc::Error& error) {
+        outcome.error = error.code;
+        outcome.message = error.message;
+    }
+    lastError_->code = outcome.error;
+    if (outcome.error != calc::error::none) lastError_->detail = fromUtf8(outcome.message);
+    return outcome;
 }
 
 std::uint64_t Session::open(Solution solution) {
@@ -86,7 +136,7 @@ bool Session::close(std::uint64_t fileId) {
     const auto found = std::find_if(files_.begin(), files_.end(),
                                     [fileId](const auto& file) { return file->id() == fileId; });
     if (found == files_.end()) return false;
-    for (PlugIn* plugIn : enabledPlugIns())
+    for (PlugIn* plugIn : plugInsThatWant(&PlugInOptions::closing))
         plugIn->fileShutdown(fileId);
     (*found)->markClosed();
     files_.erase(found);
@@ -132,7 +182,7 @@ calc::Environment Session::topLevel() const {
 
 calc::Result Session::evaluate(std::u16string_view source) {
     calc::Result result = calc::evaluate(source, topLevel(), functions_);
-    *lastError_ = result.error;
+    result.setLastError(*lastError_);
     return result;
 }
 
@@ -164,7 +214,7 @@ void Session::run(const Script& script, const ScriptCall& call, const std::share
     for (std::size_t i = 0; i < script.calculations.size(); ++i) {
         if (i > 0) idle(kFMXT_ScriptRunning);
         result = calc::evaluate(script.calculations[i], scope, functions_);
-        *lastError_ = result.error;
+        result.setLastError(*lastError_);
         if (result.error != calc::error::none && onScriptError)
             onScriptError(
                 {.call = call, .calculation = i + 1, .source = script.calculations[i], .result = result});
@@ -194,16 +244,23 @@ std::size_t Session::runWaitingScripts() {
     return count;
 }
 
-std::vector<PlugIn*> Session::enabledPlugIns() const {
-    std::vector<PlugIn*> enabled;
-    std::copy_if(plugIns_.begin(), plugIns_.end(), std::back_inserter(enabled),
-                 [](const PlugIn* plugIn) { return plugIn->isEnabled(); });
-    return enabled;
+std::vector<PlugIn*> Session::plugInsThatWant(bool PlugInOptions::* message) const {
+    std::vector<PlugIn*> wanting;
+    std::copy_if(plugIns_.begin(), plugIns_.end(), std::back_inserter(wanting),
+                 [&](const PlugIn* plugIn) { return plugIn->isEnabled() && plugIn->options().*message; });
+    return wanting;
 }
 
 void Session::idle(unsigned char level) {
-    for (PlugIn* plugIn : enabledPlugIns())
+    for (PlugIn* plugIn : plugInsThatWant(&PlugInOptions::idle))
         plugIn->idle(level);
+}
+
+std::size_t Session::preferences() {
+    const std::vector<PlugIn*> wanting = plugInsThatWant(&PlugInOptions::preferences);
+    for (PlugIn* plugIn : wanting)
+        plugIn->preferences();
+    return wanting.size();
 }
 
 Session::Turn Session::turn() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/app/Solution.h"
+#include "host/app/StepCall.h"
 #include "host/calc/Engine.h"
 #include "host/fmwrapper/Application.h"
 
@@ -17,6 +18,7 @@ namespace host {
 /// as something refers to it, but nothing can be evaluated in it.
 class File;
 class PlugIn;
+struct PlugInOptions;
 
 /// A start-script call and its result.
 struct ScriptCall {
@@ -54,6 +56,14 @@ public:
     }
     std::int16_t registerFunction(RegisteredFunction function) override;
     std::int16_t unregisterFunction(const QuadChar& creator, std::int16_t id) override;
+    std::int16_t registerStep(RegisteredStep step) override;
+    std::int16_t unregisterStep(const QuadChar& creator, std::int16_t id) override;
+
+    /// A script step that a plug-in has registered, by name in any case; null when there is none.
+    [[nodiscard]] std::shared_ptr<const RegisteredStep> registeredStep(std::u16string_view name) const;
+    /// Runs a step of a plug-in, as StepCall.h says, and sets what Get ( LastError ) answers.
+    StepOutcome runStep(const RegisteredStep& step, const std::vector<StepArgument>& arguments,
+                        const calc::Environment& environment);
 
     /// Opens a solution and gives the file's identifier. Calculations run in the first open file. Throws
     /// std::runtime_error with the cause when the tables cannot be made or a file of that name is open.
@@ -104,8 +114,10 @@ public:
         std::size_t scripts = 0;     ///< scripts run
     };
     Turn turn();
-    /// Sends an idle message of the level to the enabled plug-ins.
+    /// Sends an idle message of the level to the plug-ins that asked for idle messages.
     void idle(unsigned char level);
+    /// Sends the preferences message to the plug-ins that asked for it; gives their number.
+    std::size_t preferences();
 
     /// Called when a file has closed.
     std::function<void(std::uint64_t fileId)> onFileClosed;
@@ -116,7 +128,10 @@ public:
     [[nodiscard]] const std::vector<PlugIn*>& plugIns() const { return plugIns_; }
 
 private:
-    [[nodiscard]] std::vector<PlugIn*> enabledPlugIns() const;
+    /// The enabled plug-ins that asked for a kind of message.
+    [[nodiscard]] std::vector<PlugIn*> plugInsThatWant(bool PlugInOptions::* message) const;
+    /// The plug-in whose code runs; where none does, the only one that is loaded; else null.
+    [[nodiscard]] PlugIn* callingPlugIn() const;
     void useFrontFormats() const;
     void run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file);
 
@@ -127,7 +142,7 @@ private:
     std::shared_ptr<calc::FunctionTable> functions_;
     std::vector<std::shared_ptr<File>> files_;
     std::shared_ptr<calc::Variables> topLevel_;
-    std::shared_ptr<int> lastError_;
+    std::shared_ptr<calc::LastError> lastError_;
     std::deque<ScriptCall> waiting_;
     std::vector<PlugIn*> plugIns_;
 };

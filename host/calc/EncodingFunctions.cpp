@@ -69,7 +69,7 @@ struct EncodingName {
 constexpr std::array encodingNames{
     EncodingName{u"utf-8", Encoding::utf8},
     EncodingName{u"iso-8859-1", Encoding::iso8859_1},
-    EncodingName{u"windows-1251", Encoding::windows1251},
+    EncodingName{u"windows-1251", Encoding::cyrillicWin},
     EncodingName{u"windows-1252", Encoding::asciiWindows},
     EncodingName{u"shift_jis", Encoding::shiftJisWin},
     EncodingName{u"gb18030", Encoding::gb18030},

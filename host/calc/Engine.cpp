@@ -44,6 +44,7 @@ constexpr std::array messages{
     Message{error::unreadableNumber, "the number cannot be evaluated"},
     Message{error::notImplemented, "the function is not implemented"},
     Message{error::notSupported, "the function is not supported in this context"},
+    Message{error::plugInFirst, "the plug-in failed"},
     Message{8309, "SQL statement was refused"},
     Message{8310, "syntax error in SQL statement"},
 };
@@ -59,6 +60,7 @@ Function function(const Row& row) {
 } // namespace
 
 std::string_view errorMessage(int code) {
+    if (code > error::plugInFirst && code <= error::plugInLast) code = error::plugInFirst;
     for (const Message& message : messages)
         if (message.code == code) return message.text;
     return "unknown error";
@@ -165,6 +167,7 @@ Result evaluate(const Expression& expression, const Environment& environment) {
             result.value = evaluation.run(expression);
             if (evaluation.isUnending()) result.value = questionMark();
             result.error = error::none;
+            result.external = evaluation.externalError();
         } catch (const Error& error) {
             result.error = error.code;
             result.problem = problemOf(error, evaluation.failedCall(), expression.source);

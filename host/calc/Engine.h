@@ -24,7 +24,7 @@ inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 1
                      functionNotFound = 1208, nameMissing = 1209, alreadyRegistered = 1210,
                      listNotAllowed = 1211, operatorExpected = 1212, fieldExpected = 1214,
                      invalidGetParameter = 1215, unreadableNumber = 1218, notImplemented = 1223,
-                     notSupported = 1225;
+                     notSupported = 1225, plugInFirst = 1552, plugInLast = 1559;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
 std::string_view errorMessage(int code);
@@ -111,10 +111,24 @@ struct Parsed {
 Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTable>& functions,
              FileContext* file = nullptr);
 
+/// The last plug-in's function in a calculation that answered an error. Its value in the calculation is "?".
+struct ExternalError {
+    int code = 0; ///< 0: there was none
+    std::u16string function;
+    std::u16string detail; ///< what the plug-in says about an error of its own (1552 to 1559)
+};
+
 struct Result {
     int error = 0;
-    DataRef value;   ///< never null: empty text on an error
-    Problem problem; ///< set on an error
+    DataRef value;            ///< never null: empty text on an error
+    Problem problem;          ///< set on an error
+    ExternalError external{}; ///< set where the calculation went on after it
+    /// Sets what Get ( LastError ) answers after the calculation. The detail stays until the next error that
+    /// a plug-in answers.
+    void setLastError(LastError& last) const {
+        last.code = error != error::none ? error : external.code;
+        if (external.code != error::none) last.detail = external.detail;
+    }
 };
 Result evaluate(const Expression& expression, const Environment& environment);
 /// Parses and evaluates. `functions` also serves what the calculation itself evaluates.

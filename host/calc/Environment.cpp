@@ -1,5 +1,6 @@
 #include "host/calc/Environment.h"
 
+#include "host/calc/BuiltIns.h"
 #include "host/values/CaseFolding.h"
 
 namespace host::calc {
@@ -41,6 +42,19 @@ bool Variables::set(std::u16string_view name, int repetition, DataRef value) {
     if (variable.name.empty()) variable.name = name;
     variable.repetitions[repetition] = std::move(value);
     return true;
+}
+
+Text SqlAnswer::joined(const Text& betweenColumns, const Text& betweenRows) const {
+    Text result;
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        if (row > 0) result.append(betweenRows);
+        for (std::size_t column = 0; column < rows[row].size(); ++column) {
+            if (column > 0) result.append(betweenColumns);
+            result.append(rows[row][column]->asText());
+            checkTextSize(result.size());
+        }
+    }
+    return result;
 }
 
 } // namespace host::calc

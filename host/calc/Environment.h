@@ -43,6 +43,8 @@ private:
 struct SqlAnswer {
     int error = 0; ///< 0, 100 (no such file), 8309 (refused), 8310 (syntax)
     RowVect rows;
+    /// The values as texts, with these between columns and rows. Throws `Error` 1200 where it gets too long.
+    [[nodiscard]] Text joined(const Text& betweenColumns, const Text& betweenRows) const;
 };
 
 struct Function;
@@ -80,6 +82,12 @@ struct ScriptFrame {
     DataRef parameter;
 };
 
+/// What Get ( LastError ) and Get ( LastExternalErrorDetail ) answer.
+struct LastError {
+    int code = 0;
+    std::u16string detail;
+};
+
 /// Where a calculation is evaluated: session, file, variables, script. Plug-ins get it as fmx::ExprEnv, so
 /// that the calculations that they evaluate see the caller's variables. Copies share the variables.
 struct Environment {
@@ -88,7 +96,7 @@ struct Environment {
     std::shared_ptr<FileContext> file; ///< none: nothing can be evaluated (error 100)
     std::shared_ptr<Variables> locals; ///< the `$` variables
     std::shared_ptr<const ScriptFrame> script;
-    std::shared_ptr<int> lastError; ///< what Get ( LastError ) answers
+    std::shared_ptr<LastError> lastError;
 };
 
 } // namespace host::calc

@@ -115,6 +115,12 @@ DataRef Evaluation::failed(int code) {
     return questionMark();
 }
 
+DataRef Evaluation::failed(ExternalError error) {
+    if (environment_.lastError) *environment_.lastError = {.code = error.code, .detail = error.detail};
+    externalError_ = std::move(error);
+    return failed(externalError_.code);
+}
+
 DataRef Evaluation::evaluate(const Node& node, bool isTail) {
     Work::charge();
     if (isUnending_) return questionMark();

@@ -127,6 +127,9 @@ public:
     void setInnerError(int code) { innerError_ = code; }
     /// The "?" of a part that failed, whose code EvaluationError then gives.
     DataRef failed(int code);
+    /// The "?" of a plug-in's function that answered an error. The calculation goes on.
+    DataRef failed(ExternalError error);
+    [[nodiscard]] const ExternalError& externalError() const { return externalError_; }
 
     /// The innermost call that an `Error` passed through; null when there was none.
     [[nodiscard]] const Node* failedCall() const { return failedCall_; }
@@ -156,6 +159,7 @@ private:
     Settings settings_;
     bool isUnending_ = false;
     int innerError_ = error::none;
+    ExternalError externalError_;
     const Node* failedCall_ = nullptr;
     /// Whether the value of the lazy function that runs is the result of the custom function around it.
     bool isTail_ = false;

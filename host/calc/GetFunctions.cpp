@@ -33,8 +33,13 @@ DataRef scriptParameter(Evaluation& evaluation) {
 }
 
 DataRef lastError(Evaluation& evaluation) {
-    const auto& code = evaluation.environment().lastError;
-    return numberResult(code ? *code : 0);
+    const auto& last = evaluation.environment().lastError;
+    return numberResult(last ? last->code : 0);
+}
+
+DataRef lastExternalErrorDetail(Evaluation& evaluation) {
+    const auto& last = evaluation.environment().lastError;
+    return last ? textResult(last->detail) : emptyResult();
 }
 
 /// A random universal identifier (version 4), in capitals.
@@ -59,6 +64,7 @@ constexpr std::array answers{
     Answer{u"scriptname", scriptName},
     Answer{u"scriptparameter", scriptParameter},
     Answer{u"lasterror", lastError},
+    Answer{u"lastexternalerrordetail", lastExternalErrorDetail},
     Answer{u"currentdate", current<DataType::date>},
     Answer{u"currenttime", current<DataType::time>},
     Answer{u"currenttimestamp", current<DataType::timestamp>},
@@ -103,16 +109,7 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     const DataVect parameters(arguments.begin() + 3, arguments.end());
     const SqlAnswer answer = evaluation.file().executeSql(arguments[0]->asText().units(), {}, parameters);
     if (answer.error != error::none) return questionMark();
-    Text result;
-    for (std::size_t row = 0; row < answer.rows.size(); ++row) {
-        if (row > 0) result.append(betweenRows);
-        for (std::size_t column = 0; column < answer.rows[row].size(); ++column) {
-            if (column > 0) result.append(betweenColumns);
-            result.append(answer.rows[row][column]->asText());
-            checkTextSize(result.size());
-        }
-    }
-    return textResult(std::move(result));
+    return textResult(answer.joined(betweenColumns, betweenRows));
 }
 
 constexpr std::array evaluationRows{

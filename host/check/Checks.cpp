@@ -1,14 +1,19 @@
 #include "host/check/Checks.h"
 
 #include "host/app/File.h"
+#include "host/app/Imports.h"
 #include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Bridge.h"
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
+#include "host/fmwrapper/Versions.h"
 #include "host/values/Encoding.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -17,11 +22,15 @@ namespace host::check {
 
 namespace {
 
-using std::filesystem::path;
-
 /// A session with an empty file, and the plug-in loaded into it, before init.
 struct Loaded : LoadedPlugIn {
-    explicit Loaded(const path& library) : LoadedPlugIn(library, {}, Start::later) {}
+    explicit Loaded(const Subject& subject)
+        : LoadedPlugIn(subject.library, {}, Start::later, subject.announcement) {}
+
+    /// Sends init; gives the answer.
+    std::int64_t init(const Subject& subject) {
+        return plugIn().init(subject.announcement.version, subject.announcement.application);
+    }
 
     [[nodiscard]] Finding violation() {
         for (const PlugIn::Violation violation : plugIn().violations())
@@ -34,44 +43,91 @@ struct Loaded : LoadedPlugIn {
 
 /// The same after init; without ground when the plug-in refuses it.
 struct Running : Loaded {
-    explicit Running(const path& library) : Loaded(library) {
-        if (const std::int64_t answer = plugIn().init(); !plugIn().isEnabled())
-            throw NoGround("init was answered with " + std::to_string(answer));
+    explicit Running(const Subject& subject) : Loaded(subject) {
+        init(subject);
+        if (!plugIn().isEnabled()) throw NoGround(plugIn().refusal());
     }
 };
 
-/// The same with a function at least.
-struct WithFunctions : Running {
-    explicit WithFunctions(const path& library) : Running(library) {
-        if (plugIn().functions().empty()) throw NoGround("no function is registered");
-    }
+/// A function or a script step that can be called.
+struct Callable {
+    std::string name;
+    std::size_t fewest; ///< parameters that it takes at least
+    std::function<fmx::errcode(const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&)> call;
 };
 
-Finding loads(const path& library) {
-    Loaded loaded(library);
+/// The same with a function or a step at least.
+struct WithCalls : Running {
+    explicit WithCalls(const Subject& subject) : Running(subject) {
+        PlugIn& loaded = plugIn();
+        for (const RegisteredFunction& function : loaded.functions())
+            calls.push_back({toUtf8(function.name), static_cast<std::size_t>(function.minimum),
+                             [&loaded, function](const fmx::ExprEnv& place, const fmx::DataVect& arguments,
+                                                 fmx::Data& result) {
+                                 return loaded.call(function, place, arguments, result);
+                             }});
+        for (const auto& step : loaded.steps())
+            calls.push_back({toUtf8(step->name), stepValues(*step, {}).size(),
+                             [&loaded, step](const fmx::ExprEnv& place, const fmx::DataVect& arguments,
+                                             fmx::Data& result) {
+                                 return loaded.call(*step, place, arguments, result);
+                             }});
+        if (calls.empty()) throw NoGround("no function and no script step is registered");
+    }
+
+    void callOnce(const Callable& callable, const DataVect& arguments) {
+        const calc::Environment environment = session().environment(session().front());
+        Data result;
+        callable.call(bridge::out<fmx::ExprEnv>(environment), bridge::out<fmx::DataVect>(arguments),
+                      bridge::out<fmx::Data>(result));
+    }
+
+    std::vector<Callable> calls;
+};
+
+Finding loads(const Subject& subject) {
+    Loaded loaded(subject);
     return {};
 }
 
-Finding acceptsHost(const path& library) {
-    Loaded loaded(library);
-    const std::int64_t answer = loaded.plugIn().init();
-    if (answer == kBadExtnVersion) return "init refuses the host's version (answer -1)";
-    if (answer == kDoNotEnable) return "init asks not to be enabled (answer -2)";
-    if (answer < kMinExtnVersion || answer > kMaxExtnVersion)
-        return "init answers " + std::to_string(answer) + ", which is no version from " +
-               std::to_string(int{kMinExtnVersion}) + " to " + std::to_string(int{kMaxExtnVersion});
+Finding acceptsHost(const Subject& subject) {
+    Loaded loaded(subject);
+    loaded.init(subject);
+    if (!loaded.plugIn().options().problem.empty()) throw NoGround(loaded.plugIn().refusal());
+    if (!loaded.plugIn().isEnabled()) return loaded.plugIn().refusal();
     return loaded.violation();
 }
 
-Finding bearsIdleBeforeInit(const path& library) {
-    Loaded loaded(library);
+/// The functions of the interface that the plug-in needs, and those that it has called by now, must be in the
+/// announced version.
+Finding callsWhatIsThere(const Subject& subject) {
+    Loaded loaded(subject);
+    loaded.init(subject);
+    std::set<std::string> beyond;
+    for (const NewerFunction* row : callsBeyondVersion())
+        beyond.emplace(row->name);
+    for (const std::string& name : importsOf(subject.library, "FM_")) {
+        const NewerFunction* row = newerFunction(name);
+        if (row != nullptr && row->since > subject.announcement.version) beyond.insert(name);
+    }
+    if (beyond.empty()) return {};
+    Finding finding = "version " + std::to_string(subject.announcement.version) + " of the host lacks";
+    for (const std::string& name : beyond)
+        finding += " " + name + " (since " + std::to_string(newerFunction(name)->since) + ")";
+    return finding;
+}
+
+Finding survivesIdleBeforeInit(const Subject& subject) {
+    Loaded loaded(subject);
+    if (!readPlugInOptions(loaded.plugIn().readString(kFMXT_OptionsStr).text).idle)
+        throw NoGround("the plug-in asks for no idle messages");
     for (const unsigned char level : {0, 1, 2, 3, 4})
         loaded.plugIn().idle(level);
     return loaded.violation();
 }
 
-Finding ignoresUnknownMessages(const path& library) {
-    Running running(library);
+Finding ignoresUnknownMessages(const Subject& subject) {
+    Running running(subject);
     for (const unsigned char message : {2, 3, 6, 10, 77, 255}) {
         FMX_ExternCallStruct block{};
         block.extnVersion = PlugIn::currentHostVersion;
@@ -84,162 +140,180 @@ Finding ignoresUnknownMessages(const path& library) {
     return running.violation();
 }
 
-Finding readsString(const path& library, int request, const std::string& what, PlugIn::StringAnswer& answer) {
-    Running running(library);
-    answer = running.plugIn().readString(request);
+/// Reads a string. Only the help address may be left out.
+Finding readsString(const Subject& subject, int request, const std::string& what) {
+    Running running(subject);
+    const PlugIn::StringAnswer answer = running.plugIn().readString(request);
+    const bool isOptional = request == kFMXT_HelpURLStr;
     if (answer.overrun) return "the " + what + " string is written past the end of the host's buffer";
-    if (!answer.answered) return "the " + what + " string is never answered";
-    if (answer.text.empty()) return "the " + what + " string is empty";
+    if (!answer.answered && !isOptional) return "the " + what + " string is never answered";
+    if (answer.text.empty() && !isOptional) return "the " + what + " string is empty";
     return running.violation();
 }
 
-Finding answersName(const path& library) {
-    PlugIn::StringAnswer answer;
-    return readsString(library, kFMXT_NameStr, "name", answer);
+Finding answersName(const Subject& subject) { return readsString(subject, kFMXT_NameStr, "name"); }
+
+Finding answersDescription(const Subject& subject) {
+    return readsString(subject, kFMXT_AppConfigStr, "description");
 }
 
-Finding answersDescription(const path& library) {
-    PlugIn::StringAnswer answer;
-    return readsString(library, kFMXT_AppConfigStr, "description", answer);
+Finding answersHelp(const Subject& subject) { return readsString(subject, kFMXT_HelpURLStr, "help address"); }
+
+Finding answersOptions(const Subject& subject) {
+    Loaded loaded(subject);
+    const PlugIn::StringAnswer answer = loaded.plugIn().readString(kFMXT_OptionsStr);
+    if (answer.overrun) return "the options string is written past the end of the host's buffer";
+    if (!answer.answered) return "the options string is never answered";
+    const Finding problem = readPlugInOptions(answer.text).problem;
+    return problem.empty() ? loaded.violation() : problem;
 }
 
-Finding answersOptions(const path& library) {
-    PlugIn::StringAnswer answer;
-    Finding finding = readsString(library, kFMXT_OptionsStr, "options", answer);
-    if (!finding.empty()) return finding;
-    if (answer.text.size() != 11) return "the options string has not 11 characters";
-    if (answer.text[4] != u'1') return "the options string's fifth character is not 1";
-    for (const char16_t flag : answer.text.substr(5))
-        if (flag != u'Y' && flag != u'n') return "the options string has a flag that is neither Y nor n";
-    return {};
+Finding registersCleanly(const Subject& subject) {
+    Running running(subject);
+    const std::vector<std::string> refused = refusedRegistrations(running.plugIn());
+    return refused.empty() ? running.violation() : refused.front();
 }
 
-Finding registersCleanly(const path& library) {
-    Running running(library);
-    if (!running.plugIn().refusedRegistrations().empty())
-        return "the registration of function " +
-               std::to_string(running.plugIn().refusedRegistrations().front()) +
-               " was refused (taken, or its name, prototype or counts make no sense)";
-    return running.violation();
-}
-
-Finding registersItsCreator(const path& library) {
-    WithFunctions running(library);
+Finding registersItsCreator(const Subject& subject) {
+    WithCalls running(subject);
     const std::u16string options = running.plugIn().readString(kFMXT_OptionsStr).text;
+    const auto check = [&options](const auto& row, const std::string& what) -> Finding {
+        const auto& bytes = row.creator.bytes;
+        if (std::equal(bytes.begin(), bytes.end(), options.begin(), options.begin() + bytes.size()))
+            return {};
+        return what + std::to_string(row.id) +
+               " is registered under another identifier than the options string names";
+    };
+    Finding finding;
     for (const RegisteredFunction& function : running.plugIn().functions())
-        for (std::size_t i = 0; i < function.creator.bytes.size(); ++i)
-            if (i >= options.size() || options[i] != function.creator.bytes[i])
-                return "function " + std::to_string(function.id) +
-                       " is registered under another creator than the options string names";
-    return {};
+        if (finding.empty()) finding = check(function, "function ");
+    for (const auto& step : running.plugIn().steps())
+        if (finding.empty()) finding = check(*step, "script step ");
+    return finding;
 }
 
-Finding loadsAgain(const path& library) {
+Finding loadsAgain(const Subject& subject) {
     Finding finding;
     for (int round = 0; round < 3 && finding.empty(); ++round) {
-        Running running(library);
-        running.plugIn().idle(0);
-        running.plugIn().preferences();
+        Running running(subject);
+        const PlugInOptions& wants = running.plugIn().options();
+        if (wants.idle) running.plugIn().idle(kFMXT_UserIdle);
+        if (wants.preferences) running.plugIn().preferences();
         running.plugIn().shutdown();
-        running.plugIn().idle(0);
         finding = running.violation();
     }
     return finding;
 }
 
-/// Arguments a function is called with: the fewest it takes, all of one kind.
-std::vector<DataVect> argumentLists(const RegisteredFunction& function) {
+/// Arguments for a call: the fewest it takes, all of one kind.
+std::vector<DataVect> argumentLists(const Callable& callable) {
     std::vector<DataVect> lists;
     for (const Data& value : {Data(Text(u"a")), Data(Text(u"")), Data(Decimal(-1)), Data(Binary{})})
-        lists.emplace_back(static_cast<std::size_t>(function.minimum), std::make_shared<const Data>(value));
+        lists.emplace_back(callable.fewest, std::make_shared<const Data>(value));
     return lists;
 }
 
-void callOnce(Running& running, const RegisteredFunction& function, const DataVect& arguments) {
-    const calc::Environment environment = running.session().environment(running.session().front());
-    Data result;
-    running.plugIn().call(function, bridge::out<fmx::ExprEnv>(environment),
-                          bridge::out<fmx::DataVect>(arguments), bridge::out<fmx::Data>(result));
-}
-
-Finding bearsCalls(const path& library) {
-    WithFunctions running(library);
-    for (const RegisteredFunction& function : running.plugIn().functions())
-        for (const DataVect& arguments : argumentLists(function)) {
-            callOnce(running, function, arguments);
+Finding survivesCalls(const Subject& subject) {
+    WithCalls running(subject);
+    for (const Callable& callable : running.calls)
+        for (const DataVect& arguments : argumentLists(callable)) {
+            running.callOnce(callable, arguments);
             if (const Finding finding = running.violation(); !finding.empty())
-                return toUtf8(function.name) + ": " + finding;
+                return callable.name + ": " + finding;
         }
     return {};
 }
 
-Finding givesBack(const path& library) {
+Finding givesBack(const Subject& subject) {
     constexpr int rounds = 4;
-    WithFunctions running(library);
-    for (const RegisteredFunction& function : running.plugIn().functions())
-        for (const DataVect& arguments : argumentLists(function)) {
-            callOnce(running, function,
-                     arguments); // what a plug-in keeps for good, it makes at its first call
+    WithCalls running(subject);
+    for (const Callable& callable : running.calls)
+        for (const DataVect& arguments : argumentLists(callable)) {
+            running.callOnce(callable,
+                             arguments); // what a plug-in keeps for good, it makes at its first call
             const ObjectCounts before = objectCounts();
             for (int round = 0; round < rounds; ++round)
-                callOnce(running, function, arguments);
+                running.callOnce(callable, arguments);
             const ObjectCounts kept = objectCounts() - before;
             if (kept.total() >= rounds)
-                return toUtf8(function.name) + " keeps host objects at each call: " + kept.describe() +
-                       " after " + std::to_string(rounds) + " calls";
+                return callable.name + " keeps host objects at each call: " + kept.describe() + " after " +
+                       std::to_string(rounds) + " calls";
         }
     return {};
 }
 
-/// Calls a function with each of its host calls failing in turn.
-Finding callsUnderFaults(Running& running, const RegisteredFunction& function, const DataVect& arguments,
-                         Faults::Kind kind, bool fromThenOn) {
+/// Makes a call with each of its host calls failing in turn.
+Finding callsUnderFaults(WithCalls& running, const Callable& callable, Faults::Kind kind, bool fromThenOn) {
     constexpr std::uint64_t mostPoints = 2'000;
+    const DataVect arguments = argumentLists(callable).front();
     for (std::uint64_t nth = 1; nth <= mostPoints; ++nth) {
         const ObjectCounts before = objectCounts();
         faults().arm(nth, kind, fromThenOn);
-        callOnce(running, function, arguments);
+        running.callOnce(callable, arguments);
         const bool fired = faults().fired();
         faults().disarm();
         Finding finding = running.violation();
         if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
             finding = "it keeps " + kept.describe();
         if (!finding.empty())
-            return toUtf8(function.name) + ", when host call " + std::to_string(nth) + " fails: " + finding;
+            return callable.name + ", when host call " + std::to_string(nth) + " fails: " + finding;
         if (!fired) return {};
     }
     return {};
 }
 
-Finding bearsAFailingHost(const path& library) {
-    WithFunctions running(library);
-    for (const RegisteredFunction& function : running.plugIn().functions())
+Finding survivesAFailingHost(const Subject& subject) {
+    WithCalls running(subject);
+    for (const Callable& callable : running.calls)
         for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
             for (const bool fromThenOn : {false, true})
-                if (Finding finding = callsUnderFaults(running, function, argumentLists(function).front(),
-                                                       kind, fromThenOn);
-                    !finding.empty())
+                if (Finding finding = callsUnderFaults(running, callable, kind, fromThenOn); !finding.empty())
                     return finding;
     return {};
 }
 
+constexpr std::string_view kWithinBuffer =
+    "Answer message 7 with a zero-terminated text of at most parm3 units, its zero included.";
 constexpr std::array table{
-    Check{1, "loads", "the library loads and has the entry point FMExternCallProc", loads},
-    Check{2, "accepts-host", "init accepts a current host", acceptsHost},
-    Check{2, "idle-before-init", "idle messages before init are borne", bearsIdleBeforeInit},
-    Check{2, "unknown-messages", "messages that do not exist get no answer", ignoresUnknownMessages},
-    Check{2, "name-string", "the name is answered within the buffer", answersName},
-    Check{2, "description-string", "the description is answered within the buffer", answersDescription},
+    Check{1, "loads", "the library loads and has the entry point FMExternCallProc",
+          "Link all that the library needs, and export FMExternCallProc with C linkage.", "", loads},
+    Check{1, "known-calls", "every function of the host that it calls is in the announced version",
+          "Look newer functions up at run time when init announces a version that has them, or refuse the "
+          "version.",
+          "", callsWhatIsThere},
     Check{2, "options-string", "the options are answered, 11 characters in the host's layout",
+          "Answer string 131 with the identifier, 1, and a Y or n for each of the six options.", "",
           answersOptions},
-    Check{3, "registers-cleanly", "every registration is one the host can accept", registersCleanly},
-    Check{3, "one-creator", "functions are registered under the options string's creator",
+    Check{2, "accepts-host", "init accepts a current host",
+          "Answer init with the version of the interface that the plug-in implements.", "", acceptsHost},
+    Check{2, "idle-before-init", "idle messages before init do no harm",
+          "Do nothing in idle messages until init has come.", "", survivesIdleBeforeInit},
+    Check{2, "unknown-messages", "messages that do not exist get no answer",
+          "Leave the call block unchanged for a message that the plug-in does not know.", "",
+          ignoresUnknownMessages},
+    Check{2, "name-string", "the name is answered within the buffer", kWithinBuffer, "", answersName},
+    Check{2, "description-string", "the description is answered within the buffer", kWithinBuffer, "",
+          answersDescription},
+    Check{2, "help-string", "the help address stays within the buffer", kWithinBuffer, "", answersHelp},
+    Check{
+        3, "registers-cleanly", "every registration is one the host can accept",
+        "Give each function and step an identifier and a name of its own, and look at what the call answers.",
+        "", registersCleanly},
+    Check{3, "one-creator", "functions and steps are registered under the options string's identifier",
+          "Register under the four characters with which the options string begins.", "",
           registersItsCreator},
-    Check{3, "loads-again", "load, use, shutdown and unload work three times over", loadsAgain},
-    Check{4, "bears-calls", "no exception leaves a function, whatever its arguments", bearsCalls},
-    Check{4, "gives-back", "a call gives back every host object", givesBack},
+    Check{3, "loads-again", "load, use, shutdown and unload work three times over",
+          "Withdraw at shutdown what init has registered, and free what it has made.", "", loadsAgain},
+    Check{4, "survives-calls", "no exception leaves a function or step, whatever its arguments",
+          "Catch every exception in the handler, and test arguments before they are used.", "",
+          survivesCalls},
+    Check{4, "gives-back", "a call gives back every host object",
+          "Keep host objects in their owner classes, which give them back.", "survives-calls", givesBack},
     Check{5, "failing-host", "each host call of each function may fail: nothing escapes, nothing is kept",
-          bearsAFailingHost},
+          "Expect std::bad_alloc and std::exception from every call of the host, and own objects before the "
+          "next "
+          "call.",
+          "gives-back", survivesAFailingHost},
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "host/check/Checks.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -35,12 +36,12 @@ void leaveTheNetwork() {
 
 constexpr char kSkipped = '-', kJudged = '=';
 
-[[noreturn]] void runInChild(const Check& check, const std::filesystem::path& library, int answer) {
+[[noreturn]] void runInChild(const Check& check, const Subject& subject, int answer) {
     Finding finding;
     char kind = kJudged;
     leaveTheNetwork();
     try {
-        finding = check.run(library);
+        finding = check.run(subject);
     } catch (const NoGround& reason) {
         finding = reason.what();
         kind = kSkipped;
@@ -75,7 +76,7 @@ bool readAnswer(int descriptor, int secondsAllowed, std::string& answer) {
 
 } // namespace
 
-Outcome runIsolated(const Check& check, const std::filesystem::path& library, int secondsAllowed) {
+Outcome runIsolated(const Check& check, const Subject& subject, int secondsAllowed) {
     const auto failed = [](std::string words) {
         return Outcome{.verdict = Verdict::failed, .words = std::move(words)};
     };
@@ -85,7 +86,7 @@ Outcome runIsolated(const Check& check, const std::filesystem::path& library, in
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(pipe[0]);
-        runInChild(check, library, pipe[1]);
+        runInChild(check, subject, pipe[1]);
     }
     ::close(pipe[1]);
     if (child < 0) {
@@ -107,6 +108,28 @@ Outcome runIsolated(const Check& check, const std::filesystem::path& library, in
     const std::string words = answer.substr(1, answer.size() - 2);
     if (answer.front() == kSkipped) return {.verdict = Verdict::skipped, .words = words};
     return words.empty() ? Outcome{} : failed(words);
+}
+
+std::vector<Judgement> runChecks(const Subject& subject, int level,
+                                 const std::function<void(const Judgement&)>& onJudged) {
+    std::vector<Judgement> judged;
+    const auto hasPassed = [&](std::string_view name) {
+        return name.empty() || std::ranges::any_of(judged, [name](const Judgement& row) {
+                   return row.check->name == name && row.outcome.verdict == Verdict::passed;
+               });
+    };
+    for (const Check& check : checks()) {
+        if (check.level > level) break;
+        judged.push_back({.check = &check,
+                          .outcome = hasPassed(check.needs)
+                                         ? runIsolated(check, subject)
+                                         : Outcome{.verdict = Verdict::skipped,
+                                                   .words = std::string(check.needs) + " has not passed"}});
+        onJudged(judged.back());
+        const bool isLoaded = judged.front().outcome.verdict == Verdict::passed;
+        if (!isLoaded) break;
+    }
+    return judged;
 }
 
 } // namespace host::check

@@ -30,6 +30,11 @@ public:
     void offer(std::u16string_view name, std::u16string_view ending = {}) {
         if (calc::foldName(name).starts_with(folded_)) texts_.push_back(toUtf8(name) + toUtf8(ending));
     }
+    void offerByWords(std::u16string_view name, std::u16string_view words, std::u16string_view ending) {
+        const std::u16string folded = u' ' + calc::foldName(words);
+        const bool hasWord = !folded_.empty() && folded.find(u' ' + folded_) != std::u16string::npos;
+        if (hasWord) texts_.push_back(toUtf8(name) + toUtf8(ending));
+    }
     Completions take() && {
         std::sort(texts_.begin(), texts_.end());
         texts_.erase(std::unique(texts_.begin(), texts_.end()), texts_.end());
@@ -82,9 +87,15 @@ void offerScripts(Matches& matches, Runner& runner) {
             matches.offer(script.name);
 }
 
+std::u16string_view endingOf(int maximum) { return maximum == 0 ? u"" : u" ( "; }
+
+/// A plug-in's function is also found by each of the words that describe it.
 void offerFunctions(Matches& matches, Runner& runner) {
     for (const auto& [folded, function] : runner.session().functions()->rows())
-        matches.offer(function->name, function->maximum == 0 ? u"" : u" ( ");
+        matches.offer(function->name, endingOf(function->maximum));
+    for (const auto& plugIn : runner.loaded().plugIns())
+        for (const RegisteredFunction& function : plugIn->functions())
+            matches.offerByWords(function.name, function.words, endingOf(function.maximum));
 }
 
 Completions variables(std::u16string_view typed, Runner& runner) {

@@ -40,10 +40,11 @@ std::string optionsOf(const CLI::App& command) {
 }
 
 std::string functionNames(const SessionOptions& options) {
-    LoadedPlugIn loaded(options.library());
+    LoadedPlugIn loaded(options.libraries());
     std::string names;
-    for (const RegisteredFunction& function : loaded.plugIn().functions())
-        names += " " + toUtf8(function.name);
+    for (const auto& plugIn : loaded.plugIns())
+        for (const RegisteredFunction& function : plugIn->functions())
+            names += " " + toUtf8(function.name);
     return names;
 }
 

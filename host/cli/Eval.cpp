@@ -10,6 +10,7 @@
 #include <cctype>
 #include <chrono>
 #include <memory>
+#include <variant>
 
 namespace host::cli {
 
@@ -19,8 +20,9 @@ struct EvalOptions {
     SessionOptions session;
     std::optional<double> serveSeconds; ///< how long delayed scripts are served; unset: until none is left
     double idleAfterSeconds = 0;        ///< how long the user stays busy after the last calculation
-    /// The calculations in their order. Before each further stage, the scripts that are started are done.
-    std::vector<std::vector<Runner::Calculation>> stages{1};
+    /// What is done in its order. Before each further stage, the scripts that are started are done.
+    using Item = std::variant<Runner::Calculation, Runner::Step>;
+    std::vector<std::vector<Item>> stages{1};
 
     /// Means of testing: a host call that fails, and a report of the objects that are left.
     std::uint64_t failAt = 0; ///< 0: none
@@ -37,8 +39,17 @@ bool looksLikeOption(const std::string& argument) {
                        [](unsigned char letter) { return std::islower(letter) != 0 || letter == '-'; });
 }
 
-/// Takes calculations and files, whose order counts, out of the arguments behind the command's name; the
-/// other options stay.
+/// Adds a calculation: a parameter of the step that is being read, if there is one.
+void add(std::vector<EvalOptions::Item>& stage, const std::string& text) {
+    auto* step = stage.empty() ? nullptr : std::get_if<Runner::Step>(&stage.back());
+    if (step != nullptr)
+        step->parameters.push_back(text);
+    else
+        stage.emplace_back(Runner::Calculation{.text = text, .file = {}});
+}
+
+/// Takes calculations, steps and files, whose order counts, out of the arguments behind the command's name;
+/// the other options stay.
 void takeCalculations(const CLI::App& command, EvalOptions& options, std::vector<std::string>& arguments) {
     std::vector<std::string> left{arguments.front()};
     bool onlyCalculations = false;
@@ -49,14 +60,16 @@ void takeCalculations(const CLI::App& command, EvalOptions& options, std::vector
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (onlyCalculations || (!looksLikeOption(argument) && argument != "--")) {
-            options.stages.back().push_back({.text = argument, .file = {}});
+            add(options.stages.back(), argument);
         } else if (argument == "--") {
             onlyCalculations = true;
         } else if (argument == "-f" || argument == "--file") {
             const std::string& file = valueOf(i);
-            options.stages.back().push_back({.text = contentOf(file), .file = file});
+            options.stages.back().emplace_back(Runner::Calculation{.text = contentOf(file), .file = file});
+        } else if (argument == "--step") {
+            options.stages.back().emplace_back(Runner::Step{.name = valueOf(i), .parameters = {}});
         } else if (argument == "--then") {
-            options.stages.emplace_back().push_back({.text = valueOf(i), .file = {}});
+            add(options.stages.emplace_back(), valueOf(i));
         } else {
             left.push_back(argument);
             const CLI::Option* option = command.get_option_no_throw(argument);
@@ -66,6 +79,11 @@ void takeCalculations(const CLI::App& command, EvalOptions& options, std::vector
     arguments = left;
 }
 
+bool perform(Runner& runner, const EvalOptions::Item& item) {
+    if (const auto* step = std::get_if<Runner::Step>(&item)) return runner.runAndPrint(*step);
+    return runner.evaluateAndPrint(std::get<Runner::Calculation>(item));
+}
+
 /// True when every calculation has evaluated, those of scripts too.
 bool evaluateAll(const EvalOptions& options) {
     Runner runner(options.session);
@@ -73,8 +91,8 @@ bool evaluateAll(const EvalOptions& options) {
     if (options.failAt > 0)
         faults().arm(options.failAt, static_cast<Faults::Kind>(options.failWith), options.failFromThenOn);
     for (const auto& stage : options.stages) {
-        for (const Runner::Calculation& calculation : stage)
-            allGood = runner.evaluateAndPrint(calculation) && allGood;
+        for (const EvalOptions::Item& item : stage)
+            allGood = perform(runner, item) && allGood;
         constexpr double aDay = 86'400;
         using Seconds = std::chrono::duration<double>;
         runner.serve(Seconds(options.serveSeconds.value_or(aDay)), Seconds(options.idleAfterSeconds));
@@ -84,7 +102,8 @@ bool evaluateAll(const EvalOptions& options) {
 }
 
 int evaluate(const EvalOptions& options) {
-    if (options.stages.front().empty()) throw std::runtime_error("eval wants a calculation or -f FILE");
+    if (options.stages.front().empty())
+        throw std::runtime_error("eval wants a calculation, -f FILE or --step NAME");
     const bool isGood = evaluateAll(options);
     if (options.reportsObjects) {
         const std::string left = objectCounts().describe();
@@ -123,7 +142,7 @@ Command addEval(CLI::App& application) {
     addSessionOptions(command, options->session);
     command.add_flag("--json", options->session.json, "one JSON object a line");
     command.add_flag("--trace", options->session.trace, "report scripts that start and end");
-    // These three are read by takeCalculations; here they are described.
+    // These four are read by takeCalculations; here they are described.
     static std::string described;
     command.add_option("calculation", described, "a calculation, several allowed")->type_name("CALC...");
     command.add_option("-f,--file", described, "a file that holds one calculation; - is standard input")
@@ -133,6 +152,12 @@ Command addEval(CLI::App& application) {
             "--then", described,
             "a calculation for when the scripts that were started so far are done; so are those after it")
         ->type_name("CALC...");
+    command
+        .add_option(
+            "--step", described,
+            "a plug-in's script step; the calculations after it are its parameters, in their order or "
+            "each as LABEL: CALC")
+        ->type_name("NAME");
     command.add_option("--for", options->serveSeconds, "serve delayed scripts for so many seconds at most")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.0, 1e9, ""));

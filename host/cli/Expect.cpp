@@ -38,14 +38,15 @@ std::string onOneLine(const std::string& text) {
 class Evaluator {
 public:
     explicit Evaluator(const SessionOptions& options)
-        : plugIn_(options.library()), solutions_(loadSolutions(options)) {
+        : plugIns_(options.libraries()), announcement_(options.announcement),
+          solutions_(loadSolutions(options)) {
         prepareMachine(options);
     }
 
     std::string resultOf(const Example& example) {
         if (example.beginsSession || !loaded_) {
             loaded_.reset(); // there is one session at a time
-            loaded_.emplace(plugIn_, solutions_);
+            loaded_.emplace(plugIns_, solutions_, LoadedPlugIn::Start::now, announcement_);
         }
         const calc::Result result = loaded_->session().evaluate(fromUtf8(example.calculation));
         return result.error == calc::error::none ? result.value->asText().utf8()
@@ -53,7 +54,8 @@ public:
     }
 
 private:
-    std::filesystem::path plugIn_;
+    std::vector<std::filesystem::path> plugIns_;
+    Announcement announcement_;
     std::vector<Solution> solutions_;
     std::optional<LoadedPlugIn> loaded_;
 };

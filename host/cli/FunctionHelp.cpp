@@ -19,13 +19,6 @@ std::filesystem::path documents() {
     return folder != nullptr ? folder : KESTREL_DOCS_DIR;
 }
 
-const RegisteredFunction* registered(std::u16string_view name, const PlugIn& plugIn) {
-    const auto& functions = plugIn.functions();
-    const auto found = std::find_if(functions.begin(), functions.end(),
-                                    [name](const RegisteredFunction& row) { return row.name == name; });
-    return found == functions.end() ? nullptr : &*found;
-}
-
 std::string countsOf(int minimum, int maximum) {
     if (maximum < 0) return std::to_string(minimum) + " or more parameters";
     if (maximum == minimum) return std::to_string(minimum) + (minimum == 1 ? " parameter" : " parameters");
@@ -44,22 +37,53 @@ std::string builtInHelp(std::u16string_view name, const calc::Function* function
            (function != nullptr ? "" : "The host does not have this function of the app" + needs + ".\n");
 }
 
+/// The address of a plug-in's own help, on a line; empty: there is none.
+std::string addressOf(const QuadChar& creator, std::int16_t id, const LoadedPlugIn& loaded) {
+    const PlugIn* owner = loaded.ownerOf(creator);
+    const std::string address = owner == nullptr ? std::string() : toUtf8(owner->helpAddress(id));
+    return address.empty() ? address : address + "\n";
+}
+
+std::string stepHelp(const RegisteredStep& step, const LoadedPlugIn& loaded) {
+    std::string text = toUtf8(step.name) + " (script step)\n";
+    if (!step.description.empty()) text += toUtf8(step.description) + "\n";
+    for (const StepParameter& parameter : step.parameters) {
+        const bool isTarget = parameter.type == StepParameter::Type::target;
+        text += "  " + toUtf8(parameter.label) + (isTarget ? " (receives the result)" : "");
+        for (const std::u16string& value : parameter.values)
+            text += (&value == &parameter.values.front() ? ": " : ", ") + toUtf8(value);
+        text += "\n";
+    }
+    return text + addressOf(step.creator, step.id, loaded);
+}
+
+/// Whether the words that a plug-in gave to its function have this folded text in them.
+bool isDescribedBy(std::u16string_view folded, const calc::Function& function, const LoadedPlugIn& loaded) {
+    const RegisteredFunction* row = loaded.findFunction(function.name);
+    return row != nullptr && calc::foldName(row->words).find(folded) != std::u16string::npos;
+}
+
 } // namespace
 
 std::string helpFor(std::u16string_view name, LoadedPlugIn& loaded) {
     const auto function = loaded.session().functions()->find(name);
-    const RegisteredFunction* row = function ? registered(function->name, loaded.plugIn()) : nullptr;
+    const RegisteredFunction* row = function ? loaded.findFunction(function->name) : nullptr;
+    if (const auto step = function ? nullptr : loaded.session().registeredStep(name))
+        return stepHelp(*step, loaded);
     if (row == nullptr) return builtInHelp(name, function.get());
     const std::filesystem::path page = documents() / "functions" / (toUtf8(row->name) + ".md");
     if (std::filesystem::exists(page)) return contentOf(page);
-    return toUtf8(row->prototype) + "\n" + countsOf(row->minimum, row->maximum) + "\n";
+    const std::string sentence = row->sentence.empty() ? "" : toUtf8(row->sentence) + "\n";
+    return toUtf8(row->prototype) + "\n" + sentence + countsOf(row->minimum, row->maximum) + "\n" +
+           addressOf(row->creator, row->id, loaded);
 }
 
 std::string functionList(std::u16string_view word, LoadedPlugIn& loaded) {
     const std::u16string folded = calc::foldName(word);
     std::string list;
     for (const auto& [name, function] : loaded.session().functions()->rows())
-        if (name.find(folded) != std::u16string::npos) list += toUtf8(function->name) + "\n";
+        if (name.find(folded) != std::u16string::npos || isDescribedBy(folded, *function, loaded))
+            list += toUtf8(function->name) + "\n";
     return list;
 }
 

@@ -36,7 +36,7 @@ int help(const CLI::App& application, const HelpOptions& options) {
         write(textOf(*command, application.get_name() + " " + command->get_name()));
         return kSucceeded;
     }
-    LoadedPlugIn loaded(options.session.library());
+    LoadedPlugIn loaded(options.session.libraries());
     const std::string text = helpFor(fromUtf8(options.topic), loaded);
     if (text.empty()) throw std::runtime_error("there is no command and no function " + options.topic);
     write(text);

@@ -29,10 +29,18 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
+std::string elementOf(const TestCase& test) {
+    if (!test.failure.empty()) return "<failure message=\"" + escaped(test.failure) + "\"/>";
+    return test.skipped.empty() ? "" : "<skipped message=\"" + escaped(test.skipped) + "\"/>";
+}
+
 std::string counts(std::vector<TestCase>::const_iterator begin, std::vector<TestCase>::const_iterator end) {
     const auto failures =
         std::count_if(begin, end, [](const TestCase& test) { return !test.failure.empty(); });
-    return " tests=\"" + std::to_string(end - begin) + "\" failures=\"" + std::to_string(failures) + "\">\n";
+    const auto skipped =
+        std::count_if(begin, end, [](const TestCase& test) { return !test.skipped.empty(); });
+    return " tests=\"" + std::to_string(end - begin) + "\" failures=\"" + std::to_string(failures) +
+           (skipped > 0 ? "\" skipped=\"" + std::to_string(skipped) : "") + "\">\n";
 }
 
 } // namespace
@@ -47,9 +55,8 @@ std::string junitReport(const std::vector<TestCase>& tests) {
         report += "  <testsuite name=\"" + suite + "\"" + counts(begin, end);
         for (; begin != end; ++begin) {
             report += "    <testcase classname=\"" + suite + "\" name=\"" + escaped(begin->name) + "\"";
-            report += begin->failure.empty() ? "/>\n"
-                                             : ">\n      <failure message=\"" + escaped(begin->failure) +
-                                                   "\"/>\n    </testcase>\n";
+            const std::string element = elementOf(*begin);
+            report += element.empty() ? "/>\n" : ">\n      " + element + "\n    </testcase>\n";
         }
         report += "  </testsuite>\n";
     }

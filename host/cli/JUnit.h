@@ -10,7 +10,8 @@ namespace host::cli {
 struct TestCase {
     std::string suite; ///< tests of the same suite stand next to each other
     std::string name;
-    std::string failure; ///< empty: it passed
+    std::string failure;   ///< empty: it did not fail
+    std::string skipped{}; ///< why it was left out; empty: it was not
 };
 
 /// A report in JUnit's XML.

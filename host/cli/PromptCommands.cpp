@@ -84,12 +84,18 @@ void showTypes(Runner& runner, const std::string& argument) {
     runner.showTypes(argument == "on");
 }
 
+void sendPreferences(Runner& runner, const std::string& /*argument*/) {
+    if (runner.session().preferences() == 0) throw std::runtime_error("no plug-in asks for preferences");
+}
+
 constexpr std::array kCommands{
     PromptCommand{":help", "[NAME]", "this text, or a function's page", help},
     PromptCommand{":functions", "[WORD]", "the functions, or those whose names contain a word", functions},
     PromptCommand{":vars", "", "the variables", variables},
     PromptCommand{":scripts", "", "the scripts of the open files", scripts},
     PromptCommand{":run", "SCRIPT [PARAMETER]", "run a script of the first file", runScript},
+    PromptCommand{":preferences", "", "send plug-ins the message of the preferences' button",
+                  sendPreferences},
     PromptCommand{":type", "on|off", "show results with their types", showTypes},
 };
 

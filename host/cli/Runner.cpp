@@ -31,6 +31,15 @@ void chooseNativeEncoding(const std::string& name) {
     throw std::runtime_error("no native encoding is called " + name);
 }
 
+/// The application that init announces; throws std::runtime_error for an unknown name.
+FMX_UChar applicationNamed(const std::string& name) {
+    constexpr std::array<std::string_view, 8> names{"developer", "pro",    "runtime", "server",
+                                                    "web",       "mobile", "xdbc",    "sase"};
+    const auto* found = std::find(names.begin(), names.end(), name);
+    if (found == names.end()) throw std::runtime_error("no application is called " + name);
+    return static_cast<FMX_UChar>(found - names.begin());
+}
+
 std::string utf8(const DataRef& value) { return value ? value->asText().utf8() : std::string(); }
 
 /// The beginning of every object that is about a script.
@@ -43,6 +52,18 @@ std::string scriptInWords(const ScriptCall& call) {
     return "script \"" + toUtf8(call.scriptName) + "\" of \"" + toUtf8(call.fileName) + "\"";
 }
 
+/// A step's parameter that begins with the label of one of its parameters and a colon, in its two parts.
+std::pair<std::u16string, std::u16string> splitLabel(const RegisteredStep& step, const std::u16string& text) {
+    const std::size_t colon = text.find(u':');
+    if (colon == std::u16string::npos) return {{}, text};
+    const std::u16string label = text.substr(0, colon);
+    const auto isMeant = [folded = calc::foldName(label)](const StepParameter& parameter) {
+        return calc::foldName(parameter.label) == folded;
+    };
+    if (std::ranges::none_of(step.parameters, isMeant)) return {{}, text};
+    return {label, text.substr(colon + 1)};
+}
+
 void writeScriptCall(const ScriptCall& call) {
     nlohmann::ordered_json object = scriptObject(call);
     object["parameter"] = utf8(call.parameter);
@@ -52,14 +73,35 @@ void writeScriptCall(const ScriptCall& call) {
 
 } // namespace
 
-const std::filesystem::path& SessionOptions::library() const {
-    if (plugIn.empty()) throw std::runtime_error("no plug-in is named: --plugin FILE, or KESTREL_PLUGIN");
-    return plugIn;
+std::vector<std::filesystem::path> SessionOptions::libraries() const {
+    const char* const usual = std::getenv("KESTREL_PLUGIN");
+    std::vector<std::filesystem::path> libraries = plugIns;
+    if (libraries.empty()) libraries.emplace_back(usual == nullptr ? "" : usual);
+    if (libraries.front().empty())
+        throw std::runtime_error("no plug-in is named: --plugin FILE, or KESTREL_PLUGIN");
+    return libraries;
 }
 
 void addPlugInOption(CLI::App& command, SessionOptions& options) {
-    if (const char* plugIn = std::getenv("KESTREL_PLUGIN")) options.plugIn = plugIn;
-    command.add_option("--plugin", options.plugIn, "the plug-in's library")->type_name("FILE");
+    command.add_option("--plugin", options.plugIns, "a plug-in's library; repeat it for more plug-ins")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    command
+        .add_option("--host-version", options.announcement.version,
+                    "the version of the interface that the host announces")
+        ->type_name("N")
+        ->check(CLI::Range(int{kMinExtnVersion}, int{kMaxExtnVersion}, ""))
+        ->group("Testing");
+    command
+        .add_option_function<std::string>(
+            "--application",
+            [&options](const std::string& name) {
+                options.announcement.application = applicationNamed(name);
+            },
+            "the application that the host announces: developer, pro, runtime, server, web, mobile, xdbc or "
+            "sase")
+        ->type_name("NAME")
+        ->group("Testing");
 }
 
 void addSessionOptions(CLI::App& command, SessionOptions& options) {
@@ -93,10 +135,13 @@ std::vector<Solution> loadSolutions(const SessionOptions& options) {
 
 Runner::Runner(const SessionOptions& options) : json_(options.json), isTraced_(options.trace) {
     prepareMachine(options);
-    loaded_ =
-        std::make_unique<LoadedPlugIn>(options.library(), loadSolutions(options), LoadedPlugIn::Start::later);
+    loaded_ = std::make_unique<LoadedPlugIn>(options.libraries(), loadSolutions(options),
+                                             LoadedPlugIn::Start::later, options.announcement);
     watchScripts();
     loaded_->start();
+    for (const auto& plugIn : loaded_->plugIns())
+        for (const std::string& refused : refusedRegistrations(*plugIn))
+            report(plugIn->path().string() + ": " + refused);
 }
 
 void Runner::watchScripts() {
@@ -141,13 +186,48 @@ bool Runner::evaluateAndPrint(const Calculation& calculation) {
     return print(session().evaluate(fromUtf8(calculation.text)), calculation);
 }
 
+void Runner::printValue(const Data& value, const calc::ExternalError& external) {
+    const std::string type(typeWord(value.nativeType())), text = value.asText().utf8();
+    if (json_) {
+        nlohmann::ordered_json object{{"type", type}, {"text", text}, {"error", 0}};
+        if (external.code != 0) object["plugInError"] = external.code;
+        if (!external.detail.empty()) object["detail"] = toUtf8(external.detail);
+        writeJson(object);
+    } else {
+        writeLine((showsTypes_ ? "[" + type + "] " : "") + shown(text));
+    }
+    if (external.code == 0) return;
+    report(toUtf8(external.function) + " answers error " + std::to_string(external.code) +
+           (external.detail.empty() ? "" : ": " + toUtf8(external.detail)));
+}
+
+bool Runner::runAndPrint(const Step& step) {
+    const auto found = session().registeredStep(fromUtf8(step.name));
+    if (!found) throw std::runtime_error("no plug-in has a script step \"" + step.name + "\"");
+    std::vector<StepArgument> arguments;
+    for (const std::string& text : step.parameters) {
+        const auto [label, calculation] = splitLabel(*found, fromUtf8(text));
+        const calc::Result result = session().evaluate(calculation);
+        if (result.error != calc::error::none)
+            return print(result, {.text = toUtf8(calculation), .file = step.name});
+        arguments.push_back({.label = label, .value = result.value});
+    }
+    const StepOutcome outcome = session().runStep(*found, arguments, session().topLevel());
+    if (outcome.error == calc::error::none) {
+        printValue(*outcome.result, {});
+        return true;
+    }
+    if (json_)
+        writeJson({{"type", ""}, {"text", ""}, {"error", outcome.error}, {"message", outcome.message}});
+    const std::string message =
+        outcome.message.empty() ? std::string(calc::errorMessage(outcome.error)) : outcome.message;
+    report("step \"" + step.name + "\": error " + std::to_string(outcome.error) + ": " + message);
+    return false;
+}
+
 bool Runner::print(const calc::Result& result, const Calculation& calculation) {
     if (result.error == calc::error::none) {
-        const std::string type(typeWord(result.value->nativeType())), text = utf8(result.value);
-        if (json_)
-            writeJson({{"type", type}, {"text", text}, {"error", 0}});
-        else
-            writeLine((showsTypes_ ? "[" + type + "] " : "") + shown(text));
+        printValue(*result.value, result.external);
         return true;
     }
     const Explanation explanation = explain(result, fromUtf8(calculation.text), session().functions());

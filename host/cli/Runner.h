@@ -14,17 +14,19 @@
 namespace host::cli {
 
 struct SessionOptions {
-    /// The plug-in's library; throws std::runtime_error when none is named.
-    [[nodiscard]] const std::filesystem::path& library() const;
+    /// The plug-ins' libraries: those of the option, else the one that the environment variable
+    /// KESTREL_PLUGIN names. Throws std::runtime_error when there is none.
+    [[nodiscard]] std::vector<std::filesystem::path> libraries() const;
 
-    std::filesystem::path plugIn;                 ///< preset from the environment variable KESTREL_PLUGIN
+    std::vector<std::filesystem::path> plugIns;
+    Announcement announcement;
     std::vector<std::filesystem::path> solutions; ///< the first one calculates
     bool json = false, trace = false;
     std::optional<std::int64_t> clockSeconds; ///< since 1970; held still
     std::string nativeEncoding;
 };
 
-/// Adds `--plugin` alone, or all options of a session.
+/// Adds the options about plug-ins alone, or all options of a session.
 void addPlugInOption(CLI::App& command, SessionOptions& options);
 void addSessionOptions(CLI::App& command, SessionOptions& options);
 
@@ -40,7 +42,6 @@ public:
 
     [[nodiscard]] LoadedPlugIn& loaded() { return *loaded_; }
     [[nodiscard]] Session& session() { return loaded_->session(); }
-    [[nodiscard]] PlugIn& plugIn() { return loaded_->plugIn(); }
 
     /// A calculation, UTF-8, and the file it was read from ("" for none).
     struct Calculation {
@@ -48,6 +49,14 @@ public:
     };
     /// Evaluates and writes the result, or the error to standard error; true when it evaluated.
     bool evaluateAndPrint(const Calculation& calculation);
+    /// A script step of a plug-in with its parameters: calculations, which may begin with a parameter's label
+    /// and a colon.
+    struct Step {
+        std::string name;
+        std::vector<std::string> parameters;
+    };
+    /// Runs a step and writes its result, or its error to standard error; true when it went well.
+    bool runAndPrint(const Step& step);
     /// Writes a result of a calculation in the same way.
     bool print(const calc::Result& result, const Calculation& calculation);
     /// Whether results are shown with their type.
@@ -68,6 +77,7 @@ public:
 
 private:
     void watchScripts();
+    void printValue(const Data& value, const calc::ExternalError& external);
     void reportScriptError(const ScriptError& failure);
 
     bool json_, isTraced_, showsTypes_ = false;

@@ -1,12 +1,17 @@
 #include "FMWrapper/FMXCalcEngine.h"
 
 #include "host/calc/Engine.h"
+#include "host/calc/Paths.h"
 #include "host/fmwrapper/Application.h"
 #include "host/fmwrapper/Gate.h"
+#include "host/fmwrapper/GetNumbers.h"
+#include "host/fmwrapper/Versions.h"
 #include "host/values/Data.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 using host::Binary;
@@ -32,6 +37,55 @@ fmx::errcode evaluate(const Environment& environment, const Text& expression, Da
     const auto answer = host::calc::evaluate(expression.units(), environment, application->functions());
     if (answer.error == 0) result = *answer.value;
     return static_cast<fmx::errcode>(answer.error);
+}
+
+/// Runs a statement; 0 where `rows` has the answer.
+int executeSql(const void* self, const fmx::Text& statement, const fmx::Text& fileName,
+               const fmx::DataVect& parameters, host::calc::SqlAnswer& answer) {
+    const Environment& env = in<Environment>(self);
+    const auto sql = in<Text>(&statement).units(), name = in<Text>(&fileName).units();
+    const DataVect& values = in<DataVect>(&parameters);
+    if (!env.file) return host::calc::error::missingFile;
+    answer = env.file->executeSql(sql, name, values);
+    return answer.error;
+}
+
+/// A change of what the calling plug-in has registered; 1200 where no host runs.
+template<class Change>
+fmx::errcode registration(fmx::_fmxcpt& slot, const Change& change) {
+    return gate::code(slot, [&]() -> int {
+        host::Application* application = host::Application::current();
+        return application == nullptr ? host::calc::error::unspecific : change(*application);
+    });
+}
+
+host::RegisteredFunction function(const fmx::QuadChar& creator, short id, const fmx::Text& name,
+                                  const fmx::Text& prototype, std::u16string_view description, short minimum,
+                                  short maximum, fmx::uint32 flags, fmx::ExtPluginType handler) {
+    host::RegisteredFunction row{.creator = in<host::QuadChar>(&creator),
+                                 .id = id,
+                                 .name = std::u16string(in<Text>(&name).units()),
+                                 .prototype = std::u16string(in<Text>(&prototype).units()),
+                                 .minimum = minimum,
+                                 .maximum = maximum,
+                                 .flags = flags,
+                                 .handler = handler};
+    row.describe(description);
+    return row;
+}
+
+using Convert = std::optional<std::u16string> (*)(std::u16string_view, host::calc::PathForm);
+
+/// Converts a path; the result stays unchanged on an error.
+fmx::errcode convertPath(fmx::_fmxcpt& slot, const fmx::Text& path, fmx::int32 form, fmx::Text& result,
+                         Convert convert) {
+    return gate::code(slot, [&]() -> int {
+        Text& target = in<Text>(&result);
+        auto converted = convert(in<Text>(&path).units(), static_cast<host::calc::PathForm>(form));
+        if (!converted) return host::calc::error::outOfRange;
+        target = Text(std::move(*converted));
+        return host::calc::error::none;
+    });
 }
 
 } // namespace
@@ -128,20 +182,60 @@ fmx::errcode FM_ExprEnv_ExecuteFileSQL(const void* _self, const fmx::Text& expre
                                        const fmx::Text& filename, const fmx::DataVect& parameters,
                                        fmx::RowVect& result, fmx::_fmxcpt& _x) {
     return gate::code(_x, [&]() -> int {
-        const Environment& env = in<Environment>(_self);
-        const auto statement = in<Text>(&expression).units(), fileName = in<Text>(&filename).units();
-        const DataVect& values = in<DataVect>(&parameters);
         RowVect& rows = in<RowVect>(&result);
-        if (!env.file) return host::calc::error::missingFile;
-        auto answer = env.file->executeSql(statement, fileName, values);
-        if (answer.error == 0) rows = std::move(answer.rows);
-        return static_cast<fmx::errcode>(answer.error);
+        host::calc::SqlAnswer answer;
+        const int error = executeSql(_self, expression, filename, parameters, answer);
+        if (error == 0) rows = std::move(answer.rows);
+        return error;
     });
 }
+fmx::errcode FM_ExprEnv_ExecuteFileSQLTextResult(const void* _self, const fmx::Text& expression,
+                                                 const fmx::Text& filename, const fmx::DataVect& parameters,
+                                                 fmx::Data& result, fmx::uint16 columnSeparator,
+                                                 fmx::uint16 rowSeparator, fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_ExecuteFileSQLTextResult">();
+    return gate::code(_x, [&]() -> int {
+        Data& target = in<Data>(&result);
+        host::calc::SqlAnswer answer;
+        const int error = executeSql(_self, expression, filename, parameters, answer);
+        const auto separator = [](fmx::uint16 unit) {
+            return Text(std::u16string(1, static_cast<char16_t>(unit)));
+        };
+        if (error == 0) target.setText(answer.joined(separator(columnSeparator), separator(rowSeparator)));
+        return error;
+    });
+}
+fmx::errcode FM_ExprEnv_EvaluateGetFunction(const void* _self, short getFunctionId, fmx::Data& result,
+                                            fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_EvaluateGetFunction">();
+    return gate::code(_x, [&]() -> int {
+        const Environment& env = in<Environment>(_self);
+        Data& target = in<Data>(&result);
+        const std::u16string_view name = host::getFunctionName(getFunctionId);
+        if (name.empty()) return host::calc::error::invalidGetParameter;
+        return evaluate(env, Text(u"Get ( " + std::u16string(name) + u" )"), target);
+    });
+}
+fmx::errcode FM_ExprEnv_EvaluateConvertToFileMakerPath(const void* _self, const fmx::Text& inPath,
+                                                       fmx::int32 format, fmx::Text& outPath,
+                                                       fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_EvaluateConvertToFileMakerPath">();
+    std::ignore = _self;
+    return convertPath(_x, inPath, format, outPath, host::calc::appPath);
+}
+fmx::errcode FM_ExprEnv_EvaluateConvertFromFileMakerPath(const void* _self, const fmx::Text& inPath,
+                                                         fmx::int32 format, fmx::Text& outPath,
+                                                         fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_EvaluateConvertFromFileMakerPath">();
+    std::ignore = _self;
+    return convertPath(_x, inPath, format, outPath, host::calc::systemPath);
+}
 fmx::ptrtype FM_ExprEnv_SessionID(const void* _self, fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_SessionID">();
     return gate::number<fmx::ptrtype>(_x, [&] { return in<Environment>(_self).sessionId; });
 }
 fmx::ptrtype FM_ExprEnv_FileID(const void* _self, fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_FileID">();
     return gate::number<fmx::ptrtype>(_x, [&] { return in<Environment>(_self).fileId; });
 }
 fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
@@ -149,26 +243,53 @@ fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, 
                                                  const fmx::Text& functionPrototype, short minArgs,
                                                  short maxArgs, fmx::uint32 compatibleFlags,
                                                  fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x) {
-    return gate::code(_x, [&]() -> int {
-        host::Application* application = host::Application::current();
-        if (application == nullptr) return host::calc::error::unspecific;
-        return application->registerFunction(
-            {.creator = in<host::QuadChar>(&pluginId),
-             .id = functionId,
-             .name = std::u16string(in<Text>(&functionName).units()),
-             .prototype = std::u16string(in<Text>(&functionPrototype).units()),
-             .minimum = minArgs,
-             .maximum = maxArgs,
-             .flags = compatibleFlags,
-             .handler = funcPtr});
+    return registration(_x, [&](host::Application& application) {
+        return application.registerFunction(function(pluginId, functionId, functionName, functionPrototype,
+                                                     {}, minArgs, maxArgs, compatibleFlags, funcPtr));
+    });
+}
+fmx::errcode FM_ExprEnv_RegisterExternalFunctionEx(const fmx::QuadChar& pluginId, short functionId,
+                                                   const fmx::Text& functionName,
+                                                   const fmx::Text& functionPrototype,
+                                                   const fmx::Text& functionDescription, short minArgs,
+                                                   short maxArgs, fmx::uint32 compatibleFlags,
+                                                   fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_RegisterExternalFunctionEx">();
+    return registration(_x, [&](host::Application& application) {
+        return application.registerFunction(function(pluginId, functionId, functionName, functionPrototype,
+                                                     in<Text>(&functionDescription).units(), minArgs, maxArgs,
+                                                     compatibleFlags, funcPtr));
     });
 }
 fmx::errcode FM_ExprEnv_UnRegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
                                                    fmx::_fmxcpt& _x) {
-    return gate::code(_x, [&]() -> int {
-        host::Application* application = host::Application::current();
-        if (application == nullptr) return host::calc::error::unspecific;
-        return application->unregisterFunction(in<host::QuadChar>(&pluginId), functionId);
+    return registration(_x, [&](host::Application& application) {
+        return application.unregisterFunction(in<host::QuadChar>(&pluginId), functionId);
+    });
+}
+fmx::errcode FM_ExprEnv_RegisterScriptStep(const fmx::QuadChar& pluginId, short scriptStepId,
+                                           const fmx::Text& scriptStepName,
+                                           const fmx::Text& scriptStepDefinition,
+                                           const fmx::Text& scriptStepDescription,
+                                           fmx::uint32 compatibleFlags, fmx::ExtPluginType funcPtr,
+                                           fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_RegisterScriptStep">();
+    return registration(_x, [&](host::Application& application) {
+        return application.registerStep(
+            {.creator = in<host::QuadChar>(&pluginId),
+             .id = scriptStepId,
+             .name = std::u16string(in<Text>(&scriptStepName).units()),
+             .definition = std::u16string(in<Text>(&scriptStepDefinition).units()),
+             .description = std::u16string(in<Text>(&scriptStepDescription).units()),
+             .flags = compatibleFlags,
+             .handler = funcPtr});
+    });
+}
+fmx::errcode FM_ExprEnv_UnRegisterScriptStep(const fmx::QuadChar& pluginId, short scriptStepId,
+                                             fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_ExprEnv_UnRegisterScriptStep">();
+    return registration(_x, [&](host::Application& application) {
+        return application.unregisterStep(in<host::QuadChar>(&pluginId), scriptStepId);
     });
 }
 

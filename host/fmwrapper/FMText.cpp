@@ -1,6 +1,7 @@
 #include "FMWrapper/FMXText.h"
 
 #include "host/fmwrapper/Gate.h"
+#include "host/fmwrapper/Versions.h"
 #include "host/values/Encoding.h"
 #include "host/values/Text.h"
 
@@ -107,6 +108,7 @@ void FM_Text_GetBytes(const void* _self, char* buffer, fmx::uint32 buffersize, f
 }
 fmx::uint32 FM_Text_GetBytesEx(const void* _self, char* buffer, fmx::uint32 buffersize, fmx::uint32 position,
                                fmx::uint32 size, fmx::int32 encoding, fmx::_fmxcpt& _x) {
+    host::checkVersion<"FM_Text_GetBytesEx">();
     return gate::number<fmx::uint32>(_x, [&] {
         return static_cast<fmx::uint32>(bytesOf(in<Text>(_self), position, size, encoding,
                                                 buffersize == 0 ? buffer : checked(buffer), buffersize));

@@ -9,6 +9,15 @@ using host::ObjectClass;
 using host::bridge::in;
 namespace gate = host::gate;
 
+namespace {
+
+using Channel16 = fmx::CharacterStyle::Color::ColorChannel16;
+
+/// 0 to 255 as 0 to 65535.
+unsigned upsampled(unsigned char channel) { return channel * 0x101U; }
+
+} // namespace
+
 extern "C" {
 
 fmx::CharacterStyle* FM_CharacterStyle_Constructor1(fmx::_fmxcpt& _x) {
@@ -182,6 +191,18 @@ unsigned char FM_Color_GetBlue(const void* _self, fmx::_fmxcpt& _x) {
 unsigned char FM_Color_GetAlpha(const void* _self, fmx::_fmxcpt& _x) {
     return gate::call(_x, static_cast<unsigned char>(0),
                       [&] { return static_cast<unsigned char>(in<Color>(_self).alpha); });
+}
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetRedUpsample(const void* _self, fmx::_fmxcpt& _x) {
+    return gate::number<Channel16>(_x, [&] { return upsampled(in<Color>(_self).red); });
+}
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetGreenUpsample(const void* _self, fmx::_fmxcpt& _x) {
+    return gate::number<Channel16>(_x, [&] { return upsampled(in<Color>(_self).green); });
+}
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetBlueUpsample(const void* _self, fmx::_fmxcpt& _x) {
+    return gate::number<Channel16>(_x, [&] { return upsampled(in<Color>(_self).blue); });
+}
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetAlphaUpsample(const void* _self, fmx::_fmxcpt& _x) {
+    return gate::number<Channel16>(_x, [&] { return upsampled(in<Color>(_self).alpha); });
 }
 const fmx::CharacterStyle::Color* FM_Color_operatorAS(void* _self, const fmx::CharacterStyle::Color& that,
                                                       fmx::_fmxcpt& _x) {

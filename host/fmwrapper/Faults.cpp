@@ -16,11 +16,11 @@ void Faults::disarm() {
 }
 
 std::int32_t Faults::next() {
-    ++calls_;
-    const bool fails = nth_ != 0 && (fromThenOn_ ? calls_ >= nth_ : calls_ == nth_);
+    const std::uint64_t call = ++calls_, nth = nth_;
+    const bool fails = nth != 0 && (fromThenOn_ ? call >= nth : call == nth);
     if (!fails) return 0;
     fired_ = true;
-    return static_cast<std::int32_t>(kind_);
+    return static_cast<std::int32_t>(kind_.load());
 }
 
 Faults& faults() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 namespace host {
@@ -21,9 +22,10 @@ public:
     std::int32_t next();
 
 private:
-    std::uint64_t calls_ = 0, nth_ = 0; ///< nth_ is 0 while no fault is armed
-    Kind kind_ = Kind::unknown;
-    bool fromThenOn_ = false, fired_ = false;
+    // Plug-ins make calls on threads of their own too.
+    std::atomic<std::uint64_t> calls_ = 0, nth_ = 0; ///< nth_ is 0 while no fault is armed
+    std::atomic<Kind> kind_ = Kind::unknown;
+    std::atomic<bool> fromThenOn_ = false, fired_ = false;
 };
 
 /// The faults of the process.

@@ -77,7 +77,7 @@ Opaque* construct(fmx::_fmxcpt& slot, Body&& body) {
     using Value = decltype(body());
     return reinterpret_cast<Opaque*>(call(slot, static_cast<Value*>(nullptr), [&] {
         auto* object = new Value(std::forward<Body>(body)());
-        objectCounts().add(which);
+        countObject(which, 1);
         return object;
     }));
 }
@@ -87,7 +87,7 @@ template<class Value, ObjectClass which>
 void destroy(void* object, fmx::_fmxcpt& slot) {
     slot.m_code = 0;
     if (object == nullptr) return;
-    objectCounts().remove(which);
+    countObject(which, -1);
     delete static_cast<Value*>(object);
 }
 

@@ -1,5 +1,7 @@
 #include "host/fmwrapper/ObjectCounts.h"
 
+#include <algorithm>
+#include <atomic>
 #include <numeric>
 
 namespace host {
@@ -9,6 +11,8 @@ namespace {
 constexpr std::array<std::string_view, objectClassCount> classNames{
     "QuadChar", "Locale",     "Text", "Color",    "CharacterStyle", "FixPt",
     "DateTime", "BinaryData", "Data", "DataVect", "RowVect",        "ExprEnv"};
+
+std::array<std::atomic<std::int64_t>, objectClassCount> gLive{};
 
 } // namespace
 
@@ -33,9 +37,12 @@ ObjectCounts ObjectCounts::operator-(const ObjectCounts& earlier) const {
     return difference;
 }
 
-ObjectCounts& objectCounts() {
-    static ObjectCounts instance;
-    return instance;
+ObjectCounts objectCounts() {
+    ObjectCounts now;
+    std::copy(gLive.begin(), gLive.end(), now.live.begin());
+    return now;
 }
+
+void countObject(ObjectClass which, int change) { gLive.at(static_cast<std::size_t>(which)) += change; }
 
 } // namespace host

@@ -27,8 +27,6 @@ inline constexpr std::size_t objectClassCount = 12;
 /// ownership, and have not destroyed. The host's own objects do not count.
 struct ObjectCounts {
     std::array<std::int64_t, objectClassCount> live{};
-    void add(ObjectClass which) { ++live[static_cast<std::size_t>(which)]; }
-    void remove(ObjectClass which) { --live[static_cast<std::size_t>(which)]; }
     [[nodiscard]] std::int64_t total() const;
     /// A list such as "2 Text, 1 Data"; empty when no object is live.
     [[nodiscard]] std::string describe() const;
@@ -36,7 +34,9 @@ struct ObjectCounts {
     ObjectCounts operator-(const ObjectCounts& earlier) const;
 };
 
-/// The object counts of the process.
-ObjectCounts& objectCounts();
+/// The object counts of the process at this moment.
+ObjectCounts objectCounts();
+/// Counts an object that a plug-in got (1) or gave back (-1). Plug-ins do both on any thread.
+void countObject(ObjectClass which, int change);
 
 } // namespace host

@@ -15,10 +15,18 @@ namespace {
 
 std::atomic<Encoding> nativeChoice = Encoding::asciiMac;
 
-/// ICU's names, in the order of the enumeration.
-constexpr std::array<const char*, 12> converterNames{
-    "macintosh", "UTF-8",       "IBM437",       "windows-1252", "macintosh",   "ISO-8859-1",
-    "Shift_JIS", "windows-31j", "windows-1251", "gb18030",      "windows-949", "Big5"};
+/// ICU's names, in the order of the enumeration. ICU has no tables for Johab and for the Macintosh's Arabic
+/// and Hebrew; the tables here agree with these in ASCII, the last two also in the letters of the alphabet.
+constexpr std::array converterNames{
+    "macintosh",      "UTF-8",         "IBM437",       "windows-1252",  "macintosh",
+    "ISO-8859-1",     "Shift_JIS",     "windows-31j",  "EUC-KR",        "ms949",
+    "ms949",          "Big5",          "ms950",        "GB2312",        "CP936",
+    "macos-7_3-10.2", "windows-1251",  "ISO-8859-5",   "macos-29-10.2", "windows-1250",
+    "ISO-8859-2",     "macos-35-10.2", "windows-1254", "ISO-8859-3",    "ISO-8859-9",
+    "windows-1257",   "ISO-8859-4",    "ISO-8859-6",   "windows-1256",  "ISO-8859-6",
+    "macos-6_2-10.4", "windows-1253",  "ISO-8859-7",   "windows-1255",  "windows-1255",
+    "ISO-8859-8",     "ISO-8859-15",   "gb18030",      "windows-949",   "Big5"};
+static_assert(converterNames.size() == static_cast<std::size_t>(Encoding::big5) + 1);
 
 struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
@@ -92,7 +100,7 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
 } // namespace
 
 Encoding encodingFromNumber(std::int32_t number) {
-    return number < 0 || number > static_cast<std::int32_t>(Encoding::shiftJisWin)
+    return number < 0 || number > static_cast<std::int32_t>(Encoding::iso8859_15)
                ? Encoding::native
                : static_cast<Encoding>(number);
 }

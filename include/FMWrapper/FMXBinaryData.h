@@ -33,9 +33,16 @@ public:
     /// Returns false when there was no stream of that kind.
     bool Remove(const QuadChar& dataType);
     void RemoveAll();
-    /// The file name, which is no stream.
+    /// The file name, in the stream "FNAM".
     errcode GetFNAMData(Text& filename) const;
     errcode AddFNAMData(const Text& filename);
+    /// A picture's size in pixels, in the stream "SIZE". Hosts of version 51 and later.
+    errcode GetSIZEData(short& width, short& height) const;
+    errcode AddSIZEData(short width, short height);
+    /// A stream in pieces: begin gives a context, finish adds the stream. Hosts of version 54 and later.
+    errcode AddBegin(const QuadChar& dataType, uint32* context);
+    errcode AddAppend(uint32 context, uint32 amount, void* buffer);
+    errcode AddFinish(uint32 context);
 
     static void operator delete(void* _self);
 
@@ -50,7 +57,9 @@ class BinaryDataUniquePtr : public std::unique_ptr<BinaryData> {
 public:
     BinaryDataUniquePtr();
     explicit BinaryDataUniquePtr(const BinaryData& that);
+    /// A file. Its bytes say what kind the stream is: "PNGf", "JPEG", "GIFf", "PDF " or else "FILE".
     BinaryDataUniquePtr(const Text& name, uint32 amount, void* buffer);
+    /// Begins a file whose bytes come in pieces; with a null context the name alone.
     BinaryDataUniquePtr(const Text& name, uint32* context);
 };
 
@@ -80,6 +89,13 @@ bool FM_BinaryData_Remove(void* _self, const fmx::QuadChar& dataType, fmx::_fmxc
 void FM_BinaryData_RemoveAll(void* _self, fmx::_fmxcpt& _x);
 fmx::errcode FM_BinaryData_GetFNAMData(const void* _self, fmx::Text& filename, fmx::_fmxcpt& _x);
 fmx::errcode FM_BinaryData_AddFNAMData(void* _self, const fmx::Text& filename, fmx::_fmxcpt& _x);
+fmx::errcode FM_BinaryData_GetSIZEData(const void* _self, short& width, short& height, fmx::_fmxcpt& _x);
+fmx::errcode FM_BinaryData_AddSIZEData(void* _self, short width, short height, fmx::_fmxcpt& _x);
+fmx::errcode FM_BinaryData_AddBegin(void* _self, const fmx::QuadChar& dataType, fmx::uint32* context,
+                                    fmx::_fmxcpt& _x);
+fmx::errcode FM_BinaryData_AddAppend(void* _self, fmx::uint32 context, fmx::uint32 amount, void* buffer,
+                                     fmx::_fmxcpt& _x);
+fmx::errcode FM_BinaryData_AddFinish(void* _self, fmx::uint32 context, fmx::_fmxcpt& _x);
 }
 
 namespace fmx {
@@ -163,6 +179,36 @@ inline errcode BinaryData::GetFNAMData(Text& filename) const {
 inline errcode BinaryData::AddFNAMData(const Text& filename) {
     _fmxcpt _x;
     const auto _rtn = FM_BinaryData_AddFNAMData(this, filename, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode BinaryData::GetSIZEData(short& width, short& height) const {
+    _fmxcpt _x;
+    const auto _rtn = FM_BinaryData_GetSIZEData(this, width, height, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode BinaryData::AddSIZEData(short width, short height) {
+    _fmxcpt _x;
+    const auto _rtn = FM_BinaryData_AddSIZEData(this, width, height, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode BinaryData::AddBegin(const QuadChar& dataType, uint32* context) {
+    _fmxcpt _x;
+    const auto _rtn = FM_BinaryData_AddBegin(this, dataType, context, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode BinaryData::AddAppend(uint32 context, uint32 amount, void* buffer) {
+    _fmxcpt _x;
+    const auto _rtn = FM_BinaryData_AddAppend(this, context, amount, buffer, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode BinaryData::AddFinish(uint32 context) {
+    _fmxcpt _x;
+    const auto _rtn = FM_BinaryData_AddFinish(this, context, _x);
     _x.Check();
     return _rtn;
 }

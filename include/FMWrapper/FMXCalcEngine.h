@@ -15,7 +15,7 @@ class ExprEnv;
 class DataVect;
 
 /// A function's handler. The host calls it when a calculation evaluates the function. It throws nothing. It
-/// returns 0, or an error code that becomes the calculation's error.
+/// returns 0, or an error code. With an error from kPluginErrResult1 to 8 the result is a text about it.
 FMX_PROCPTR(errcode, ExtPluginType)(short functionId, const ExprEnv& env, const DataVect& dataVect,
                                     Data& result);
 
@@ -70,6 +70,8 @@ class ExprEnv {
 public:
     /// Compatibility flags.
     enum : uint32 { kMayEvaluateOnServer = 0x0001, kDisplayInAllDialogs = 0xFF00 };
+    /// Forms of a system path.
+    enum { kConvert_PosixPath = 1, kConvert_WinPath = 2, kConvert_URLPath = 3 };
 
     /// The evaluation's error code; `result` is set when it is 0.
     errcode Evaluate(const Text& expression, Data& result) const;
@@ -84,7 +86,29 @@ public:
                                             const Text& functionName, const Text& functionPrototype,
                                             short minArgs, short maxArgs, uint32 compatibleFlags,
                                             ExtPluginType funcPtr);
+    /// The same with a description: "words for completion|sentence". Hosts of version 56 and later.
+    static errcode RegisterExternalFunctionEx(const QuadChar& pluginId, short functionId,
+                                              const Text& functionName, const Text& functionPrototype,
+                                              const Text& functionDescription, short minArgs, short maxArgs,
+                                              uint32 compatibleFlags, ExtPluginType funcPtr);
     static errcode UnRegisterExternalFunction(const QuadChar& pluginId, short functionId);
+    /// Registers a step of scripts; `scriptStepDefinition` is XML with the root PluginStep. Both: hosts of
+    /// version 57 and later.
+    static errcode RegisterScriptStep(const QuadChar& pluginId, short scriptStepId,
+                                      const Text& scriptStepName, const Text& scriptStepDefinition,
+                                      const Text& scriptStepDescription, uint32 compatibleFlags,
+                                      ExtPluginType funcPtr);
+    static errcode UnRegisterScriptStep(const QuadChar& pluginId, short scriptStepId);
+    /// As ExecuteFileSQL; the values of the answer become a text with these characters between columns and
+    /// rows. Hosts of version 54 and later.
+    errcode ExecuteFileSQLTextResult(const Text& expression, const Text& filename, const DataVect& parameters,
+                                     Data& result, uint16 columnSeparator, uint16 rowSeparator) const;
+    /// The value of a Get function by its number. Hosts of version 60 and later.
+    errcode EvaluateGetFunction(short getFunctionId, Data& result) const;
+    /// A system path of a form (kConvert_…) as a path of the host, and the other way round. Hosts of version
+    /// 62 and later.
+    errcode EvaluateConvertToFileMakerPath(const Text& inPath, int32 format, Text& outPath) const;
+    errcode EvaluateConvertFromFileMakerPath(const Text& inPath, int32 format, Text& outPath) const;
 
     static void operator delete(void* _self);
 
@@ -153,8 +177,34 @@ fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& pluginId, 
                                                  const fmx::Text& functionPrototype, short minArgs,
                                                  short maxArgs, fmx::uint32 compatibleFlags,
                                                  fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_RegisterExternalFunctionEx(const fmx::QuadChar& pluginId, short functionId,
+                                                   const fmx::Text& functionName,
+                                                   const fmx::Text& functionPrototype,
+                                                   const fmx::Text& functionDescription, short minArgs,
+                                                   short maxArgs, fmx::uint32 compatibleFlags,
+                                                   fmx::ExtPluginType funcPtr, fmx::_fmxcpt& _x);
 fmx::errcode FM_ExprEnv_UnRegisterExternalFunction(const fmx::QuadChar& pluginId, short functionId,
                                                    fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_RegisterScriptStep(const fmx::QuadChar& pluginId, short scriptStepId,
+                                           const fmx::Text& scriptStepName,
+                                           const fmx::Text& scriptStepDefinition,
+                                           const fmx::Text& scriptStepDescription,
+                                           fmx::uint32 compatibleFlags, fmx::ExtPluginType funcPtr,
+                                           fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_UnRegisterScriptStep(const fmx::QuadChar& pluginId, short scriptStepId,
+                                             fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_ExecuteFileSQLTextResult(const void* _self, const fmx::Text& expression,
+                                                 const fmx::Text& filename, const fmx::DataVect& parameters,
+                                                 fmx::Data& result, fmx::uint16 columnSeparator,
+                                                 fmx::uint16 rowSeparator, fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_EvaluateGetFunction(const void* _self, short getFunctionId, fmx::Data& result,
+                                            fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_EvaluateConvertToFileMakerPath(const void* _self, const fmx::Text& inPath,
+                                                       fmx::int32 format, fmx::Text& outPath,
+                                                       fmx::_fmxcpt& _x);
+fmx::errcode FM_ExprEnv_EvaluateConvertFromFileMakerPath(const void* _self, const fmx::Text& inPath,
+                                                         fmx::int32 format, fmx::Text& outPath,
+                                                         fmx::_fmxcpt& _x);
 }
 
 namespace fmx {
@@ -306,6 +356,64 @@ inline errcode ExprEnv::RegisterExternalFunction(const QuadChar& pluginId, short
     const auto _rtn =
         FM_ExprEnv_RegisterExternalFunction(pluginId, functionId, functionName, functionPrototype, minArgs,
                                             maxArgs, compatibleFlags, funcPtr, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::RegisterExternalFunctionEx(const QuadChar& pluginId, short functionId,
+                                                   const Text& functionName, const Text& functionPrototype,
+                                                   const Text& functionDescription, short minArgs,
+                                                   short maxArgs, uint32 compatibleFlags,
+                                                   ExtPluginType funcPtr) {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_RegisterExternalFunctionEx(pluginId, functionId, functionName,
+                                                            functionPrototype, functionDescription, minArgs,
+                                                            maxArgs, compatibleFlags, funcPtr, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::RegisterScriptStep(const QuadChar& pluginId, short scriptStepId,
+                                           const Text& scriptStepName, const Text& scriptStepDefinition,
+                                           const Text& scriptStepDescription, uint32 compatibleFlags,
+                                           ExtPluginType funcPtr) {
+    _fmxcpt _x;
+    const auto _rtn =
+        FM_ExprEnv_RegisterScriptStep(pluginId, scriptStepId, scriptStepName, scriptStepDefinition,
+                                      scriptStepDescription, compatibleFlags, funcPtr, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::UnRegisterScriptStep(const QuadChar& pluginId, short scriptStepId) {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_UnRegisterScriptStep(pluginId, scriptStepId, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::ExecuteFileSQLTextResult(const Text& expression, const Text& filename,
+                                                 const DataVect& parameters, Data& result,
+                                                 uint16 columnSeparator, uint16 rowSeparator) const {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_ExecuteFileSQLTextResult(this, expression, filename, parameters, result,
+                                                          columnSeparator, rowSeparator, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::EvaluateGetFunction(short getFunctionId, Data& result) const {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_EvaluateGetFunction(this, getFunctionId, result, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::EvaluateConvertToFileMakerPath(const Text& inPath, int32 format,
+                                                       Text& outPath) const {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_EvaluateConvertToFileMakerPath(this, inPath, format, outPath, _x);
+    _x.Check();
+    return _rtn;
+}
+inline errcode ExprEnv::EvaluateConvertFromFileMakerPath(const Text& inPath, int32 format,
+                                                         Text& outPath) const {
+    _fmxcpt _x;
+    const auto _rtn = FM_ExprEnv_EvaluateConvertFromFileMakerPath(this, inPath, format, outPath, _x);
     _x.Check();
     return _rtn;
 }

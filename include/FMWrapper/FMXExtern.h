@@ -145,6 +145,18 @@ enum {
     kFMXT_SASE = 7
 };
 
+/// Errors that mean what the plug-in wants; the text of the result says it.
+enum {
+    kPluginErrResult1 = 1552,
+    kPluginErrResult2 = 1553,
+    kPluginErrResult3 = 1554,
+    kPluginErrResult4 = 1555,
+    kPluginErrResult5 = 1556,
+    kPluginErrResult6 = 1557,
+    kPluginErrResult7 = 1558,
+    kPluginErrResult8 = 1559
+};
+
 /// Both are defined by the plug-in: the call block of the current message, and the entry point.
 extern FMX_ExternCallPtr gFMX_ExternCallPtr;
 void FMX_ENTRYPT FMExternCallProc(FMX_ExternCallPtr pb);

@@ -23,7 +23,36 @@ public:
         kEncoding_ASCII_Mac, ///< Mac Roman
         kEncoding_ISO_8859_1,
         kEncoding_ShiftJIS_Mac,
-        kEncoding_ShiftJIS_Win
+        kEncoding_ShiftJIS_Win,
+        kEncoding_Korean_Mac,
+        kEncoding_Korean_Win,
+        kEncoding_Korean_Johab,
+        kEncoding_ChineseTrad_Mac,
+        kEncoding_ChineseTrad_Win,
+        kEncoding_ChineseSimp_Mac,
+        kEncoding_ChineseSimp_Win,
+        kEncoding_Cyrillic_Mac,
+        kEncoding_Cyrillic_Win,
+        kEncoding_ISO_8859_5,
+        kEncoding_CentralEurope_Mac,
+        kEncoding_EasternEurope_Win,
+        kEncoding_ISO_8859_2,
+        kEncoding_Turkish_Mac,
+        kEncoding_Turkish_Win,
+        kEncoding_ISO_8859_3,
+        kEncoding_ISO_8859_9,
+        kEncoding_Baltic_Win,
+        kEncoding_ISO_8859_4,
+        kEncoding_Arabic_Mac,
+        kEncoding_Arabic_Win,
+        kEncoding_ISO_8859_6,
+        kEncoding_Greek_Mac,
+        kEncoding_Greek_Win,
+        kEncoding_ISO_8859_7,
+        kEncoding_Hebrew_Mac,
+        kEncoding_Hebrew_Win,
+        kEncoding_ISO_8859_8,
+        kEncoding_ISO_8859_15 ///< 36
     };
     /// A size that means all that follows, and a returned position that means not found.
     enum : uint32 { kSize_Invalid = 0xFFFFFFFF, kSize_End = 0xFFFFFFFF };

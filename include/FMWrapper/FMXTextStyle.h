@@ -90,6 +90,8 @@ private:
 /// A colour; channels run from 0 to 255, and an alpha of 255 is opaque.
 class CharacterStyle::Color {
 public:
+    typedef unsigned short ColorChannel16;
+
     void SetRed(unsigned char value);
     void SetGreen(unsigned char value);
     void SetBlue(unsigned char value);
@@ -98,6 +100,11 @@ public:
     unsigned char GetGreen() const;
     unsigned char GetBlue() const;
     unsigned char GetAlpha() const;
+    /// The channels with 16 bits: 255 is 65535.
+    ColorChannel16 GetRedUpsample() const;
+    ColorChannel16 GetGreenUpsample() const;
+    ColorChannel16 GetBlueUpsample() const;
+    ColorChannel16 GetAlphaUpsample() const;
     const Color& operator=(const Color& that);
     bool operator==(const Color& that) const;
     bool operator!=(const Color& that) const;
@@ -190,6 +197,10 @@ unsigned char FM_Color_GetRed(const void* _self, fmx::_fmxcpt& _x);
 unsigned char FM_Color_GetGreen(const void* _self, fmx::_fmxcpt& _x);
 unsigned char FM_Color_GetBlue(const void* _self, fmx::_fmxcpt& _x);
 unsigned char FM_Color_GetAlpha(const void* _self, fmx::_fmxcpt& _x);
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetRedUpsample(const void* _self, fmx::_fmxcpt& _x);
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetGreenUpsample(const void* _self, fmx::_fmxcpt& _x);
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetBlueUpsample(const void* _self, fmx::_fmxcpt& _x);
+fmx::CharacterStyle::Color::ColorChannel16 FM_Color_GetAlphaUpsample(const void* _self, fmx::_fmxcpt& _x);
 const fmx::CharacterStyle::Color* FM_Color_operatorAS(void* _self, const fmx::CharacterStyle::Color& that,
                                                       fmx::_fmxcpt& _x);
 bool FM_Color_operatorEQ(const void* _self, const fmx::CharacterStyle::Color& that, fmx::_fmxcpt& _x);
@@ -422,6 +433,30 @@ inline unsigned char CharacterStyle::Color::GetBlue() const {
 inline unsigned char CharacterStyle::Color::GetAlpha() const {
     _fmxcpt _x;
     const auto _rtn = FM_Color_GetAlpha(this, _x);
+    _x.Check();
+    return _rtn;
+}
+inline CharacterStyle::Color::ColorChannel16 CharacterStyle::Color::GetRedUpsample() const {
+    _fmxcpt _x;
+    const auto _rtn = FM_Color_GetRedUpsample(this, _x);
+    _x.Check();
+    return _rtn;
+}
+inline CharacterStyle::Color::ColorChannel16 CharacterStyle::Color::GetGreenUpsample() const {
+    _fmxcpt _x;
+    const auto _rtn = FM_Color_GetGreenUpsample(this, _x);
+    _x.Check();
+    return _rtn;
+}
+inline CharacterStyle::Color::ColorChannel16 CharacterStyle::Color::GetBlueUpsample() const {
+    _fmxcpt _x;
+    const auto _rtn = FM_Color_GetBlueUpsample(this, _x);
+    _x.Check();
+    return _rtn;
+}
+inline CharacterStyle::Color::ColorChannel16 CharacterStyle::Color::GetAlphaUpsample() const {
+    _fmxcpt _x;
+    const auto _rtn = FM_Color_GetAlphaUpsample(this, _x);
     _x.Check();
     return _rtn;
 }

@@ -30,7 +30,7 @@ inline void answerString(FMX_ExternCallPtr call) {
     switch (call->parm1) {
     case kFMXT_NameStr: return write(call->result, "Sample");
     case kFMXT_AppConfigStr: return write(call->result, "A sample plug-in.");
-    case kFMXT_OptionsStr: return write(call->result, "BRKN1nnYnnn");
+    case kFMXT_OptionsStr: return write(call->result, "BRKN1YnYYYn");
     default: return;
     }
 }
