@@ -26,6 +26,8 @@ constexpr std::array messages{
     Message{error::missingRecord, "record is missing"},
     Message{error::missingField, "field is missing"},
     Message{error::missingScript, "script is missing"},
+    Message{error::missingLayout, "layout is missing"},
+    Message{error::missingRepetition, "repetition is missing"},
     Message{error::unspecific, "unspecific calculation error"},
     Message{error::tooFewParameters, "too few parameters in the function"},
     Message{error::tooManyParameters, "too many parameters in the function"},

@@ -18,13 +18,13 @@ namespace host::calc {
 /// Codes of failures. Calculation code throws `Error`; no exception leaves `parse` and `evaluate`.
 namespace error {
 inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 100, missingRecord = 101,
-                     missingField = 102, missingScript = 104, unspecific = 1200, tooFewParameters = 1201,
-                     tooManyParameters = 1202, unexpectedEnd = 1203, operandExpected = 1204,
-                     unterminatedComment = 1205, unterminatedText = 1206, unbalancedParenthesis = 1207,
-                     functionNotFound = 1208, nameMissing = 1209, alreadyRegistered = 1210,
-                     listNotAllowed = 1211, operatorExpected = 1212, fieldExpected = 1214,
-                     invalidGetParameter = 1215, unreadableNumber = 1218, notImplemented = 1223,
-                     notSupported = 1225;
+                     missingField = 102, missingScript = 104, missingLayout = 105, missingRepetition = 111,
+                     unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
+                     unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
+                     unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
+                     nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
+                     operatorExpected = 1212, fieldExpected = 1214, invalidGetParameter = 1215,
+                     unreadableNumber = 1218, notImplemented = 1223, notSupported = 1225;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
 std::string_view errorMessage(int code);
