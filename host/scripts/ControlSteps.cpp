@@ -2,6 +2,7 @@
 #include "host/app/Session.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
+#include "host/scripts/Targets.h"
 
 #include <algorithm>
 #include <utility>
@@ -43,6 +44,12 @@ void exitLoopIf(StepRun& run) {
 
 void endLoop(StepRun& run) { run.jumpTo(run.step().opener); }
 
+void setVariable(StepRun& run) {
+    const Option& option = *run.option(u"variable");
+    const DataRef value = run.value(u"Value");
+    run.setVariable(*targetIn(option.text), option.line, value);
+}
+
 void performScript(StepRun& run) {
     const DataRef parameter = run.value(u"Parameter");
     std::shared_ptr<File> file = run.frame().file;
@@ -73,10 +80,11 @@ void allowUserAbort(StepRun& run) { run.frame().state->allowsAbort = run.says(u"
 
 /// Without a duration the script would wait for a user.
 void pauseScript(StepRun& run) {
-    const Decimal most(1'000'000'000), microsPerSecond(1'000'000);
+    constexpr double most = 1e9;
     if (!run.has(u"Duration (seconds)")) throw calc::Error{calc::error::unavailable};
-    const Decimal seconds = std::clamp(run.value(u"Duration (seconds)")->asNumber(), Decimal(0), most);
-    run.frame().pausedUntil = clock().now() + Clock::Micros((seconds * microsPerSecond).toInt64());
+    const double seconds = std::clamp(run.value(u"Duration (seconds)")->asNumber().toDouble(), 0.0, most);
+    run.frame().pausedUntil =
+        clock().now() + std::chrono::duration_cast<Clock::Micros>(std::chrono::duration<double>(seconds));
 }
 
 constexpr std::array kSteps{
@@ -99,6 +107,10 @@ constexpr std::array kSteps{
             .block = Block::leavesLoop,
             .keepsError = true},
     StepRow{.name = u"End Loop", .run = endLoop, .block = Block::closesLoop, .keepsError = true},
+    StepRow{.name = u"Set Variable",
+            .run = setVariable,
+            .options = {OptionRow{.name = u"variable", .takes = Takes::variable, .isNeeded = true},
+                        OptionRow{.name = u"Value", .isLabelled = true}}},
     StepRow{.name = u"Perform Script",
             .run = performScript,
             .options = {OptionRow{.name = u"Specified",

@@ -169,16 +169,18 @@ private:
     /// Null for an option of no effect.
     static const OptionRow* labelled(const StepRow& row, const Part& part, std::size_t length) {
         const std::u16string label = calc::foldName(trimmed(part.text.substr(0, length)));
+        const std::u16string_view value = trimmed(part.text.substr(length + 1));
+        bool isKnown = false;
         for (const OptionRow& option : row.options) {
             if (!option.isLabelled || calc::foldName(option.name) != label) continue;
-            if (!fits(option, trimmed(part.text.substr(length + 1))))
-                fail(part.line,
-                     toUtf8(option.name) + " cannot be " + quoted(trimmed(part.text.substr(length + 1))));
-            return &option;
+            if (fits(option, value)) return &option;
+            isKnown = true;
         }
+        const std::string written = quoted(trimmed(part.text.substr(0, length)));
+        if (isKnown) fail(part.line, "the option " + written + " cannot be " + quoted(value));
         if (std::find(kDisplayLabels.begin(), kDisplayLabels.end(), label) != kDisplayLabels.end())
             return nullptr;
-        fail(part.line, toUtf8(row.name) + " has no option " + quoted(trimmed(part.text.substr(0, length))));
+        fail(part.line, toUtf8(row.name) + " has no option " + written);
     }
 
     /// The first option from `place` on that has this form; `place` then is the one after it.

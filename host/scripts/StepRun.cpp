@@ -1,5 +1,6 @@
 #include "host/scripts/StepRun.h"
 
+#include "host/app/File.h"
 #include "host/calc/Environment.h"
 #include "host/scripts/Steps.h"
 
@@ -40,6 +41,12 @@ bool StepRun::isTrue(std::u16string_view name) {
 QuotedName StepRun::quotedName(std::u16string_view name) const {
     const Option* given = option(name);
     return given == nullptr ? QuotedName() : scripts::quotedName(given->text).value_or(QuotedName());
+}
+
+void StepRun::setVariable(const Target& target, std::size_t line, DataRef value) {
+    const int place = repetition(target, line);
+    const bool isOfFile = target.kind == Target::Kind::fileVariable;
+    (isOfFile ? file().fileVariables() : *frame().scope.locals).set(target.name, place, std::move(value));
 }
 
 bool StepRun::leaveLoop() {

@@ -38,8 +38,10 @@ public:
     /// The name in quotation marks; empty where the option is not given.
     [[nodiscard]] QuotedName quotedName(std::u16string_view name) const;
 
-    /// The repetition of a target, 1 where it names none.
+    /// The repetition of a target, 1 where it names none; `line` is that of the target.
     int repetition(const Target& target, std::size_t line);
+    /// Sets a variable of the script, or of its file.
+    void setVariable(const Target& target, std::size_t line, DataRef value);
     void jumpTo(std::size_t place) { frame().at = place; }
     /// Goes on after the loop around the step; false where it stands in none.
     bool leaveLoop();

@@ -1,6 +1,6 @@
 #include "host/scripts/Targets.h"
 
-#include "host/calc/Environment.h"
+#include "host/calc/Engine.h"
 #include "host/calc/Lexer.h"
 #include "host/scripts/Scanner.h"
 
