@@ -75,8 +75,8 @@ public:
     explicit Machine(Session& session) : session_(session) {}
 
     /// Lets a call wait for its turn.
-    void add(ScriptCall call) { waiting_.push_back(std::move(call)); }
-    [[nodiscard]] std::size_t waiting() const { return waiting_.size(); }
+    void add(ScriptCall call);
+    [[nodiscard]] std::size_t waiting() const { return waiting_.size() + duringRuns_.size(); }
     /// Runs what can run without waiting for time to pass. Gives the number of scripts that began, at most
     /// `most`. A call from within a script does nothing.
     std::size_t runWaiting(std::size_t most);
@@ -113,14 +113,15 @@ private:
     class Running;
 
     [[nodiscard]] bool canGoOn() const;
-    [[nodiscard]] bool mayBeginNext() const;
+    std::deque<ScriptCall>* nextCalls();
     [[nodiscard]] bool has(std::uint64_t run) const;
-    bool beginNext();
+    bool begin(std::deque<ScriptCall>& calls);
     void makeRoom(const ScriptCall& call);
     void pushRun();
     void push(const std::shared_ptr<File>& file, const Script& script, ScriptCall call, Frame::Origin origin);
     void popFrame(const calc::Result& result);
     void endRun(DataRef result);
+    void haltAll();
     void goOn();
     void runStep(const Step& step);
     void runCalculation(Frame& frame, std::size_t at);
@@ -128,8 +129,9 @@ private:
     void restWhilePaused();
 
     Session& session_;
-    std::deque<ScriptCall> waiting_;
-    std::vector<Run> runs_; ///< the last one is current, those before it are suspended
+    std::deque<ScriptCall> waiting_;    ///< calls that were made while no script ran or paused
+    std::deque<ScriptCall> duringRuns_; ///< those that were made since
+    std::vector<Run> runs_;             ///< the last one is current, those before it are suspended
     bool isRunning_ = false;
     std::uint64_t lastRun_ = 0, endedRun_ = 0;
     std::shared_ptr<calc::ScriptFrame> outside_ = std::make_shared<calc::ScriptFrame>();
