@@ -1,6 +1,6 @@
 #include "host/app/File.h"
 
-#include "host/app/Database.h"
+#include "host/sql/Database.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/calc/CustomFunction.h"
@@ -97,9 +97,7 @@ const Script* File::script(std::u16string_view name) const {
     return nullptr;
 }
 
-std::vector<TableNames> File::tables() const {
-    return database_ ? database_->tables() : std::vector<TableNames>();
-}
+const Schema* File::schema() const { return database_ ? &database_->schema() : nullptr; }
 
 void File::markClosed() {
     open_ = false;

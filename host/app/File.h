@@ -11,7 +11,7 @@ namespace host {
 
 class Session;
 class Database;
-struct TableNames;
+struct Schema;
 
 /// An open file. Session opens and closes files.
 class File final : public calc::FileContext {
@@ -26,8 +26,8 @@ public:
     [[nodiscard]] const Solution& solution() const { return solution_; }
     /// The script of that name, in any case; null when there is none.
     [[nodiscard]] const Script* script(std::u16string_view name) const;
-    /// Names of tables and fields; none once it is closed.
-    [[nodiscard]] std::vector<TableNames> tables() const;
+    /// Tables, fields and their names; null once it is closed.
+    [[nodiscard]] const Schema* schema() const;
     /// Ends evaluation and SQL in the file; the session is no longer used.
     void markClosed();
 
