@@ -55,8 +55,6 @@ public:
     /// `Occurrence::Field`, as both were defined.
     [[nodiscard]] virtual std::u16string nameOf(FieldPlace place) const = 0;
     [[nodiscard]] virtual int repetitions(FieldPlace place) const = 0;
-    /// Whether the field belongs to the scope's own record, or is global.
-    [[nodiscard]] virtual bool isLocal(Scope scope, FieldPlace place) const = 0;
 
     /// The error code of the last "?" that was given, 0 where it has none; it is forgotten then.
     virtual int takeFailure() = 0;

@@ -90,6 +90,7 @@ struct ValueList {
 };
 
 struct Schema {
+    std::uint64_t version = 0; ///< changes with each change of the description
     std::vector<BaseTable> tables;
     std::vector<Occurrence> occurrences;
     std::vector<Relationship> relationships;
