@@ -2,6 +2,7 @@
 
 #include "host/calc/CustomFunction.h"
 #include "host/calc/Environment.h"
+#include "host/scripts/Reader.h"
 #include "host/values/Encoding.h"
 #include "host/values/Formats.h"
 
@@ -38,13 +39,33 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t largestFile = 256U << 20U;
 
+[[noreturn]] void failAt(const std::string& file, std::size_t line, const std::string& what) {
+    throw std::runtime_error(file + ", line " + std::to_string(line) + ": " + what);
+}
+
+/// The steps in a text that begins at a line of a file.
+std::vector<scripts::Step> stepsIn(std::u16string_view text, const std::string& file, std::size_t firstLine) {
+    try {
+        std::vector<scripts::Step> steps = scripts::readSteps(text);
+        for (scripts::Step& step : steps) {
+            step.line += firstLine - 1;
+            for (scripts::Option& option : step.options)
+                option.line += firstLine - 1;
+        }
+        return steps;
+    } catch (const scripts::ReadError& problem) {
+        failAt(file, problem.line + firstLine - 1, problem.what());
+    }
+}
+
 /// Reads one description; every error names the file and the line.
 class Reader {
 public:
-    explicit Reader(std::string file) : file_(std::move(file)) {}
+    /// `content` is what the file holds; it must outlive the reader.
+    Reader(std::string file, std::string_view content) : file_(std::move(file)), content_(content) {}
 
     [[noreturn]] void fail(const toml::source_region& where, const std::string& what) const {
-        throw std::runtime_error(file_ + ", line " + std::to_string(where.begin.line) + ": " + what);
+        failAt(file_, where.begin.line, what);
     }
 
     void checkKeys(const toml::table& table, std::initializer_list<std::string_view> known) const {
@@ -79,7 +100,7 @@ public:
     Script script(const toml::node& node) const {
         const auto* table = node.as_table();
         if (table == nullptr) fail(node.source(), "script must be a table, [[script]]");
-        checkKeys(*table, {"name", "calculations"});
+        checkKeys(*table, {"name", "calculations", "steps"});
         Script result;
         const toml::node* scriptName = table->get("name");
         if (scriptName == nullptr) fail(table->source(), "a script has no name");
@@ -87,7 +108,23 @@ public:
         if (const toml::node* list = table->get("calculations"))
             each(*list, "calculations",
                  [&](const toml::node& line) { result.calculations.push_back(text(line, "a calculation")); });
+        if (const toml::node* node = table->get("steps")) {
+            if (table->contains("calculations"))
+                fail(node->source(), "a script has either steps or calculations");
+            result.steps = stepsIn(text(*node, "steps"), file_, firstLineOf(*node));
+        }
         return result;
+    }
+
+    /// The line of the file at which a text begins: the next one where its quotation marks end theirs.
+    [[nodiscard]] std::size_t firstLineOf(const toml::node& text) const {
+        const toml::source_position place = text.source().begin;
+        std::size_t begin = 0;
+        for (std::size_t line = 1; line < place.line; ++line)
+            begin = content_.find('\n', begin) + 1;
+        const std::string_view rest = content_.substr(std::min(begin + place.column - 1, content_.size()));
+        const std::string_view first = rest.substr(0, rest.find_first_of("\r\n"));
+        return place.line + (first == "\"\"\"" || first == "'''" ? 1U : 0U);
     }
 
     /// A name that stands in calculations.
@@ -151,6 +188,7 @@ public:
 
 private:
     std::string file_;
+    std::string_view content_;
 };
 
 std::string readFile(const fs::path& file) {
@@ -165,14 +203,33 @@ std::string readFile(const fs::path& file) {
     return std::move(content).str();
 }
 
+/// The scripts of the folder, ordered by their names.
+void addScripts(const fs::path& folder, std::vector<Script>& scripts) {
+    if (!fs::is_directory(folder)) return;
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        if (entry.path().extension() == ".txt") files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    for (const fs::path& file : files) {
+        Script script{.name = fromUtf8(file.stem().string()), .calculations = {}};
+        const std::u16string folded = calc::foldName(script.name);
+        const auto isSame = [&](const Script& other) { return calc::foldName(other.name) == folded; };
+        if (std::any_of(scripts.begin(), scripts.end(), isSame))
+            throw std::runtime_error(file.string() + ": the solution has a script of this name already");
+        script.steps = stepsIn(fromUtf8(readFile(file)), file.string(), 1);
+        scripts.push_back(std::move(script));
+    }
+}
+
 } // namespace
 
 Solution Solution::load(const fs::path& folder) {
     const fs::path description = folder / "solution.toml", tables = folder / "schema.sql";
-    const Reader reader(description.string());
+    const std::string content = readFile(description);
+    const Reader reader(description.string(), content);
     Solution solution;
     try {
-        solution = reader.solution(toml::parse(readFile(description)));
+        solution = reader.solution(toml::parse(content));
     } catch (const toml::parse_error& problem) {
         reader.fail(problem.source(), std::string(problem.description()));
     } catch (const std::logic_error& problem) {
@@ -182,6 +239,7 @@ Solution Solution::load(const fs::path& folder) {
     while (path.ends_with('/'))
         path.pop_back();
     solution.path = fromUtf8(path);
+    addScripts(folder / "scripts", solution.scripts);
     if (fs::exists(tables)) solution.schema = readFile(tables);
     return solution;
 }

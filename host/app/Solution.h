@@ -1,15 +1,12 @@
 #pragma once
 
+#include "host/scripts/Script.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
 
 namespace host {
-
-struct Script {
-    std::u16string name;
-    std::vector<std::u16string> calculations; ///< evaluated in order in one variable scope
-};
 
 /// A function that calculations of the file may call.
 struct FunctionDefinition {
@@ -18,7 +15,8 @@ struct FunctionDefinition {
     std::u16string calculation; ///< sees the parameters as names
 };
 
-/// A file as stored on disk: a folder with `solution.toml` and, if it has tables, `schema.sql`.
+/// A file as stored on disk: a folder with `solution.toml` and, if it has tables, `schema.sql`. A script is a
+/// list of calculations, or steps: here, or in a file `scripts/NAME.txt`.
 ///
 ///     name = "Contacts"            # the file's name, without extension
 ///     user = "Ada"                 # Get ( UserName ); optional, as is account
@@ -31,6 +29,11 @@ struct FunctionDefinition {
 ///     [[script]]
 ///     name = "Greet"
 ///     calculations = ['Let ( $$greeting = "Hello" ; "" )', 'Get ( ScriptParameter )']
+///     [[script]]
+///     name = "Double"
+///     steps = '''
+///         Exit Script [ Text Result: 2 * Get ( ScriptParameter ) ]
+///     '''
 struct Solution {
     std::u16string name = u"Untitled", user = u"User", account = u"Admin", path;
     std::vector<std::u16string> fonts;

@@ -76,10 +76,14 @@ public:
     virtual std::optional<std::u16string> fontName(std::uint16_t id) = 0;
 };
 
-/// The script that runs, if any.
+/// The script that runs. Outside of scripts it has no name, and the result of the script that ended last.
 struct ScriptFrame {
     std::u16string name;
-    DataRef parameter;
+    DataRef parameter;            ///< may be null, as result
+    DataRef result;               ///< of the script that this one called last
+    std::u16string errorLocation; ///< script, step and line of the last error, one a line; empty for none
+    bool capturesErrors = false;
+    bool allowsAbort = true;
 };
 
 /// Where a calculation is evaluated: session, file, variables, script. Plug-ins get it as fmx::ExprEnv, so

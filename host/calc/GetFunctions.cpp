@@ -32,6 +32,26 @@ DataRef scriptParameter(Evaluation& evaluation) {
     return script && script->parameter ? script->parameter : emptyResult();
 }
 
+DataRef scriptResult(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script && script->result ? script->result : emptyResult();
+}
+
+DataRef errorLocation(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script ? textResult(script->errorLocation) : emptyResult();
+}
+
+DataRef capturesErrors(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(script && script->capturesErrors);
+}
+
+DataRef allowsAbort(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(!script || script->allowsAbort);
+}
+
 DataRef lastError(Evaluation& evaluation) {
     const auto& code = evaluation.environment().lastError;
     return numberResult(code ? *code : 0);
@@ -58,7 +78,11 @@ struct Answer {
 constexpr std::array answers{
     Answer{u"scriptname", scriptName},
     Answer{u"scriptparameter", scriptParameter},
+    Answer{u"scriptresult", scriptResult},
     Answer{u"lasterror", lastError},
+    Answer{u"lasterrorlocation", errorLocation},
+    Answer{u"errorcapturestate", capturesErrors},
+    Answer{u"allowabortstate", allowsAbort},
     Answer{u"currentdate", current<DataType::date>},
     Answer{u"currenttime", current<DataType::time>},
     Answer{u"currenttimestamp", current<DataType::timestamp>},

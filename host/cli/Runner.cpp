@@ -123,18 +123,21 @@ void Runner::watchScripts() {
 }
 
 void Runner::reportScriptError(const ScriptError& failure) {
-    ++scriptErrors_;
+    if (!failure.isCaptured) ++scriptErrors_;
+    if (failure.isCaptured && !isTraced_) return;
     const Explanation explanation = explain(failure.result, failure.source, session().functions());
+    const bool isStep = !failure.step.empty();
+    const std::string step = toUtf8(failure.step), place = std::to_string(failure.place);
     if (json_) {
         nlohmann::ordered_json object = scriptObject(failure.call);
         object["event"] = "error";
-        object["calculation"] = failure.calculation;
+        object[isStep ? "scriptLine" : "calculation"] = failure.place;
+        if (isStep) object["step"] = step;
         addTo(object, explanation);
         writeJson(object);
     }
-    const std::string where =
-        scriptInWords(failure.call) + ", calculation " + std::to_string(failure.calculation) + ": ";
-    reportRaw("kestrel: " + textOf(explanation, where));
+    const std::string where = isStep ? ", line " + place + ", " + step : ", calculation " + place;
+    reportRaw("kestrel: " + textOf(explanation, scriptInWords(failure.call) + where + ": "));
 }
 
 bool Runner::evaluateAndPrint(const Calculation& calculation) {
@@ -184,7 +187,9 @@ std::chrono::milliseconds Runner::rest() const {
     using std::chrono::milliseconds;
     constexpr milliseconds shortest{1}, longest{250};
     if (isBusy_) return milliseconds::zero();
-    const std::optional<Clock::Micros> next = mainQueue().untilNext();
+    std::optional<Clock::Micros> next = mainQueue().untilNext();
+    if (const auto script = loaded_->session().untilScriptGoesOn())
+        next = std::min(next.value_or(*script), *script);
     // A clock that is held brings no delay to its end.
     if (!next || clock().isHeld()) return longest;
     return std::clamp(std::chrono::ceil<milliseconds>(*next), shortest, longest);
@@ -203,7 +208,8 @@ void Runner::serve(std::chrono::duration<double> most, std::chrono::duration<dou
         idleMessagesOwed_ += mainQueue().drain();
     while (true) {
         const bool isBusy = turn();
-        const bool isWaiting = mainQueue().pending() > 0 && !clock().isHeld();
+        const bool waits = mainQueue().pending() > 0 || session().untilScriptGoesOn();
+        const bool isWaiting = waits && !clock().isHeld();
         if ((!isBusy && !isWaiting) || !restBefore(most)) return;
     }
 }

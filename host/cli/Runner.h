@@ -52,7 +52,8 @@ public:
     bool print(const calc::Result& result, const Calculation& calculation);
     /// Whether results are shown with their type.
     void showTypes(bool areShown) { showsTypes_ = areShown; }
-    /// How many calculations of scripts have failed so far.
+    /// How many calculations and steps of scripts have failed so far, without those whose errors were
+    /// captured.
     [[nodiscard]] std::size_t scriptErrors() const { return scriptErrors_; }
 
     /// One turn of the host's loop (Session::turn); true when the next one has work to do at once.
