@@ -45,7 +45,7 @@ public:
     [[nodiscard]] virtual std::uint64_t names(Scope scope) const = 0;
     struct Found {
         int error = 0; ///< 0, 102 (no such field), 106 (no such occurrence)
-        FieldPlace place;
+        FieldPlace place = {};
     };
     /// A field by name, in any case; the name of the occurrence is empty for one of the scope's own.
     [[nodiscard]] virtual Found find(Scope scope, std::u16string_view occurrence,

@@ -30,7 +30,8 @@ constexpr std::array summaryFunctions{
 } // namespace
 
 calc::RecordScope Records::scopeOf(const Cell& cell) const {
-    calc::RecordScope scope{.record = cell.place.record, .repetition = cell.repetition};
+    calc::RecordScope scope{
+        .occurrence = 0, .record = cell.place.record, .repetition = cell.repetition, .self = {}};
     const auto& occurrences = schema().occurrences;
     while (scope.occurrence < occurrences.size() && occurrences[scope.occurrence].table != cell.place.table)
         ++scope.occurrence;

@@ -3,6 +3,7 @@
 #include "host/data/Finding.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace host {
@@ -136,7 +137,7 @@ int Position::newRecord() {
     }
     if (!occurrence()) return calc::error::unavailable;
     commit();
-    current(); // knows the records there are
+    std::ignore = current(); // knows the records there are
     const std::int64_t made = records_.create(table());
     if (made == 0) return calc::error::unavailable;
     FoundSet& set = *current();

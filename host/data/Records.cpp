@@ -28,6 +28,14 @@ DataRef invalidValue() {
     return std::make_shared<const Data>(std::move(mark));
 }
 
+/// Whether a text is a number and nothing else.
+bool isNumber(std::u16string_view text) {
+    static constexpr std::u16string_view signs = u"0123456789.-eE+";
+    return std::all_of(text.begin(), text.end(), [](char16_t unit) {
+        return signs.find(unit) != std::u16string_view::npos || unit == formats().decimalPoint;
+    });
+}
+
 /// A value of the store as one of the field's type. A number field may hold a text.
 DataRef typed(const DataRef& value, DataType type) {
     if (value->isEmpty()) return emptyOf(type);
@@ -64,7 +72,7 @@ DataRef fitted(const DataRef& value, DataType type) {
     if (!value->isValid() || value->isEmpty()) return emptyOf(type);
     if (value->nativeType() == type) return value;
     if (type == DataType::number && value->nativeType() == DataType::text &&
-        !Decimal::parse(value->asText().units()))
+        !isNumber(value->asText().units()))
         return value;
     Data converted = *value;
     return converted.convert(type) ? std::make_shared<const Data>(std::move(converted)) : value;
@@ -84,6 +92,7 @@ const Schema& Records::schema() const { return database_.schema(); }
 
 /// Places mean something else in another schema.
 void Records::notice() {
+    finishLoading();
     if (version_ == schema().version) return;
     version_ = schema().version;
     indexes_.clear();
@@ -106,8 +115,8 @@ const Field* Records::field(std::size_t table, std::size_t field) const {
 std::vector<std::int64_t> Records::all(std::size_t table) {
     std::vector<std::int64_t> records;
     if (table >= schema().tables.size() || schema().tables[table].keys == RecordKeys::none) return records;
-    const calc::SqlAnswer answer =
-        database_.query("SELECT rowid FROM " + quotedName(schema().tables[table].name) + " ORDER BY rowid", {});
+    const calc::SqlAnswer answer = database_.query(
+        "SELECT rowid FROM " + quotedName(schema().tables[table].name) + " ORDER BY rowid", {});
     records.reserve(answer.rows.size());
     for (const DataVect& row : answer.rows)
         records.push_back(row[0]->asNumber().toInt64());
@@ -125,9 +134,9 @@ bool Records::exists(RecordPlace place) {
     if (place.record == 0 || place.table >= schema().tables.size() ||
         schema().tables[place.table].keys == RecordKeys::none)
         return false;
-    const calc::SqlAnswer answer = database_.query(
-        "SELECT 1 FROM " + quotedName(schema().tables[place.table].name) + " WHERE rowid = ?",
-        {idValue(place.record)});
+    const calc::SqlAnswer answer =
+        database_.query("SELECT 1 FROM " + quotedName(schema().tables[place.table].name) + " WHERE rowid = ?",
+                        {idValue(place.record)});
     return !answer.rows.empty();
 }
 
@@ -206,7 +215,8 @@ int Records::set(RecordPlace place, std::size_t number, int repetition, const Da
     if (repetition < 1 || repetition > known->repetitions) return calc::error::missingRepetition;
     const DataRef kept = fitted(value, known->type);
     if (known->kind == FieldKind::global) {
-        globals_[{calc::foldName(schema().tables[place.table].name + u"::" + known->name), repetition}] = kept;
+        globals_[{calc::foldName(schema().tables[place.table].name + u"::" + known->name), repetition}] =
+            kept;
         return calc::error::none;
     }
     if (!exists(place)) return calc::error::missingRecord;
@@ -265,7 +275,8 @@ void Records::removeRow(RecordPlace place) {
 void Records::forget(RecordPlace place) {
     for (auto& [key, index] : indexes_)
         if (key.first == place.table) index.remove(place.record);
-    const auto first = beside_.lower_bound({place, 0, 0}), last = beside_.lower_bound({{place.table, place.record + 1}, 0, 0});
+    const auto first = beside_.lower_bound({place, 0, 0}),
+               last = beside_.lower_bound({{place.table, place.record + 1}, 0, 0});
     beside_.erase(first, last);
     open_.erase(place);
     membership_.resize(std::max(membership_.size(), place.table + 1));
@@ -331,6 +342,7 @@ void Records::revert() {
 }
 
 void Records::load(std::size_t table, const std::vector<Column>& columns, const DataVect& values) {
+    isLoading_ = true;
     const BaseTable& known = schema().tables[table];
     std::string names, marks;
     DataVect kept;
@@ -348,6 +360,7 @@ void Records::load(std::size_t table, const std::vector<Column>& columns, const 
 }
 
 void Records::finishLoading() {
+    if (!std::exchange(isLoading_, false)) return;
     for (std::size_t table = 0; table < schema().tables.size(); ++table) {
         const std::vector<Field>& fields = schema().tables[table].fields;
         const bool stores = std::any_of(fields.begin(), fields.end(), [](const Field& known) {

@@ -104,7 +104,8 @@ public:
     using Column = std::pair<std::size_t, int>;
     /// Adds a record of a solution that is opened, with a value for each column.
     void load(std::size_t table, const std::vector<Column>& columns, const DataVect& values);
-    /// Calculates what the records store.
+    /// Calculates what the records of a solution store, once. It waits for the first use of a field, so that
+    /// plug-ins have registered their functions.
     void finishLoading();
     /// Takes notice of a record that a statement has changed.
     void changed(RecordPlace place, Change change);
@@ -150,6 +151,7 @@ private:
     Parse parse_;
     Evaluate evaluate_;
     int failure_ = 0;
+    bool isLoading_ = false;    ///< records of the solution wait for finishLoading
     std::uint64_t version_ = 0; ///< of the schema that the places below belong to
     std::vector<std::uint64_t> membership_;
     std::map<std::pair<std::u16string, int>, DataRef> globals_; ///< by table and field, folded
