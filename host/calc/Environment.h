@@ -79,9 +79,10 @@ public:
 /// The script that runs. Outside of scripts it has no name, and the result of the script that ended last.
 struct ScriptFrame {
     std::u16string name;
-    DataRef parameter;            ///< may be null, as result
-    DataRef result;               ///< of the script that this one called last
-    std::u16string errorLocation; ///< script, step and line of the last error, one a line; empty for none
+    DataRef parameter;   ///< may be null, as result
+    DataRef result = {}; ///< of the script that this one called last
+    std::u16string errorLocation =
+        {}; ///< script, step and line of the last error, one a line; empty for none
     bool capturesErrors = false;
     bool allowsAbort = true;
 };
