@@ -26,8 +26,15 @@ struct RecordScope {
     std::optional<FieldPlace> self; ///< the field whose calculation it is
 };
 
+/// A field's name as texts write it: `Field`, `Occurrence::Field`, each with `[n]` or without.
+struct FieldName {
+    std::u16string occurrence, field; ///< the occurrence is empty where none is written
+    std::optional<int> repetition;
+};
+FieldName fieldNameIn(std::u16string_view text);
+
 /// Reads fields. A scope that is null stands for the session's current layout and record. Values are never
-/// null; where there is no record they are empty. Functions throw `Error`.
+/// null where nothing else is said; where there is no record they are empty. One that cannot be had is "?".
 class FieldContext {
 public:
     using Scope = const RecordScope*;
@@ -38,7 +45,7 @@ public:
     [[nodiscard]] virtual std::uint64_t names(Scope scope) const = 0;
     struct Found {
         int error = 0; ///< 0, 102 (no such field), 106 (no such occurrence)
-        FieldPlace place;
+        FieldPlace place = {};
     };
     /// A field by name, in any case; the name of the occurrence is empty for one of the scope's own.
     [[nodiscard]] virtual Found find(Scope scope, std::u16string_view occurrence,
@@ -48,11 +55,11 @@ public:
     /// `Occurrence::Field`, as both were defined.
     [[nodiscard]] virtual std::u16string nameOf(FieldPlace place) const = 0;
     [[nodiscard]] virtual int repetitions(FieldPlace place) const = 0;
-    /// Whether the field belongs to the scope's own record, or is global.
-    [[nodiscard]] virtual bool isLocal(Scope scope, FieldPlace place) const = 0;
 
-    /// The value in the scope's record, or in the first related one. Throws 110 where no relationship leads to
-    /// the occurrence. A repetition out of range is "?".
+    /// The error code of the last "?" that was given, 0 where it has none; it is forgotten then.
+    virtual int takeFailure() = 0;
+    /// The value in the scope's record, or in the first related one. The failure is 110 where no relationship
+    /// leads to the occurrence. A repetition out of range is "?".
     virtual DataRef value(Scope scope, FieldPlace place, int repetition) = 0;
     /// The values of all related records, or of the scope's record; of one repetition, or of all where it is
     /// 0. Empty ones are among them.

@@ -97,24 +97,14 @@ const Answer* answerNamed(std::u16string_view name) {
 }
 
 bool knowsGet(FileContext& file, std::u16string_view name) {
-    return answerNamed(name) != nullptr || file.get(name).has_value();
+    return answerNamed(name) != nullptr || file.knowsGet(name);
 }
 
 DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
     const std::u16string& name = arguments[0]->name;
     if (const Answer* answer = answerNamed(name)) return answer->value(evaluation);
-    const std::optional<DataRef> value = evaluation.file().get(name);
-    if (!value) throw Error{error::invalidGetParameter};
-    return *value;
-}
-
-/// Of no file: empty.
-DataRef scriptNames(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    return textResult(evaluation.file().scriptNames(arguments[0]->asText().units()).value_or(u""));
-}
-
-DataRef databaseNames(Evaluation& evaluation, std::span<const DataRef>) {
-    return textResult(evaluation.file().databaseNames());
+    if (!evaluation.file().knowsGet(name)) throw Error{error::invalidGetParameter};
+    return evaluation.file().get(name, evaluation.environment());
 }
 
 /// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where
@@ -140,8 +130,6 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ScriptNames", scriptNames},
-    EvaluationRow{u"DatabaseNames", databaseNames},
     EvaluationRow{u"ExecuteSQL", executeSql},
 };
 

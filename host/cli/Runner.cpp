@@ -1,7 +1,9 @@
 #include "host/cli/Runner.h"
 
+#include "host/app/File.h"
 #include "host/cli/Explanation.h"
 #include "host/cli/Output.h"
+#include "host/data/Position.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
@@ -67,6 +69,10 @@ void addSessionOptions(CLI::App& command, SessionOptions& options) {
     command.add_option("--solution", options.solutions, "a solution's folder; the first one calculates")
         ->type_name("DIR")
         ->allow_extra_args(false);
+    command.add_option("--layout", options.layout, "the layout to calculate at; the first one when absent")
+        ->type_name("NAME");
+    command.add_option("--record", options.record, "the number of the record to calculate with, from 1")
+        ->type_name("N");
     command.add_option("--clock", options.clockSeconds, "hold the clock at SECONDS since 1970")
         ->type_name("SECONDS")
         ->group("Testing");
@@ -91,11 +97,22 @@ std::vector<Solution> loadSolutions(const SessionOptions& options) {
     return solutions;
 }
 
+void goTo(Session& session, const std::string& layout, std::optional<std::int64_t> record) {
+    const std::shared_ptr<File> file = session.front();
+    if (!file) return;
+    if (!layout.empty() && file->position().goToLayout(fromUtf8(layout)) != calc::error::none)
+        throw std::runtime_error("no layout is called " + layout);
+    if (record && file->position().goToRecord(*record) != calc::error::none)
+        throw std::runtime_error("there is no record " + std::to_string(*record) + "; the found set has " +
+                                 std::to_string(file->position().found().size()));
+}
+
 Runner::Runner(const SessionOptions& options) : json_(options.json), isTraced_(options.trace) {
     prepareMachine(options);
     loaded_ =
         std::make_unique<LoadedPlugIn>(options.library(), loadSolutions(options), LoadedPlugIn::Start::later);
     watchScripts();
+    goTo(session(), options.layout, options.record);
     loaded_->start();
 }
 

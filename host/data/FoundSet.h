@@ -17,6 +17,7 @@ struct FoundSet {
     std::size_t current = 0;           ///< place of the current record; without records 0
     bool isAll = true;                 ///< every record of the table; new ones of others join it
     std::vector<SortKey> sortedBy;     ///< none: as they were made
+    bool hasUnsorted = false;          ///< records joined since they were sorted
     std::uint64_t version = 0;         ///< of the table's records (Records::membership) that it knows
 };
 

@@ -70,8 +70,10 @@ public:
     int setField(calc::FieldPlace place, int repetition, const DataRef& value);
     /// By the name `Occurrence::Field`, `Field`, each with `[n]` or without.
     int setField(std::u16string_view name, const DataRef& value);
-    /// Sets a local field in each record of the found set.
+    /// Sets a field in each record of the found set, of which each is the current one in turn.
     int replaceFieldContents(calc::FieldPlace place, const std::function<DataRef()>& valueOfCurrentRecord);
+    /// What a request looks for in a field, in Find mode; empty text where nothing is set.
+    [[nodiscard]] DataRef criterion(calc::FieldPlace place, int repetition) const;
 
     int commit();
     int revert();
@@ -97,8 +99,11 @@ public:
 
 private:
     [[nodiscard]] FoundSet* current();
-    int findAmong(std::vector<std::int64_t> candidates, bool extends);
-    int leaveFor(std::size_t layout);
+    [[nodiscard]] std::size_t table() const;
+    [[nodiscard]] std::int64_t recordToChange(calc::FieldPlace place, int& error);
+    int setCriterion(calc::FieldPlace place, int repetition, const DataRef& value);
+    int find(const std::vector<std::int64_t>& candidates, const std::vector<std::int64_t>& kept);
+    void show(std::vector<std::int64_t> records, bool isAll);
 
     Records& records_;
     Mode mode_ = Mode::browse;

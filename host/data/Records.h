@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/calc/Engine.h"
+#include "host/calc/Environment.h"
 #include "host/calc/Fields.h"
 #include "host/data/KeyIndex.h"
 #include "host/data/Schema.h"
@@ -41,13 +42,13 @@ public:
     using Parse = std::function<calc::Parsed(std::u16string_view, const calc::RecordScope&)>;
 
     Records(Database& database, Parse parse, Evaluate evaluate);
-    ~Records();
     Records(const Records&) = delete;
     Records& operator=(const Records&) = delete;
+    ~Records() = default;
 
     [[nodiscard]] const Schema& schema() const;
     /// A number that changes with the schema.
-    [[nodiscard]] std::uint64_t version() const;
+    [[nodiscard]] std::uint64_t version() const { return schema().version; }
     /// A number that changes when records of a table are made or deleted.
     [[nodiscard]] std::uint64_t membership(std::size_t table) const;
 
@@ -57,10 +58,12 @@ public:
     [[nodiscard]] bool exists(RecordPlace place);
     [[nodiscard]] std::int64_t modifications(RecordPlace place);
 
-    /// The value of a field that is no summary; of a calculation that fails "?", whose code `failure` then
-    /// gives. A repetition out of range is "?". Never null.
+    /// The value of a field; of a summary that of all records. Of a calculation that fails "?", whose code
+    /// `takeFailure` then gives. A repetition out of range is "?". Never null.
     DataRef value(RecordPlace place, std::size_t field, int repetition);
-    /// The code of the calculation that failed since it was last asked.
+    /// A "?" with a code.
+    DataRef failed(int code);
+    /// The code of the latest "?"; it is forgotten then.
     int takeFailure() { return std::exchange(failure_, 0); }
     /// A summary over records; never null.
     DataRef summary(std::size_t table, std::size_t field, const std::vector<std::int64_t>& records);
@@ -71,9 +74,9 @@ public:
         int side; ///< of the occurrence that it leads to
     };
     [[nodiscard]] std::optional<std::vector<Hop>> path(std::size_t from, std::size_t to) const;
-    /// IDs of the records of `to` that are related to a record of `from`, in their order. Throws
-    /// calc::Error 110 where no relationship leads there.
-    std::vector<std::int64_t> related(std::size_t from, std::int64_t record, std::size_t to);
+    /// IDs of the records of `to` that are related to a record of `from`, in their order. Nothing where no
+    /// relationships lead there.
+    std::optional<std::vector<std::int64_t>> related(std::size_t from, std::int64_t record, std::size_t to);
     /// The record of the last hop whose key is next to the one that is looked for; 0 where there is none.
     std::int64_t nextKey(std::size_t from, std::int64_t record, std::size_t to, bool isHigher);
     /// A new record of `to` whose keys relate it to a record of `from`; 0 where the relationship does not
@@ -91,23 +94,78 @@ public:
 
     [[nodiscard]] OpenState state(RecordPlace place) const;
     [[nodiscard]] std::size_t openCount() const { return open_.size(); }
+    [[nodiscard]] bool isOpen(RecordPlace place) const { return open_.contains(place); }
     /// Names of the fields changed since the last commit.
     [[nodiscard]] std::vector<std::u16string> modifiedFields(RecordPlace place) const;
     void commit();
     void revert();
 
+    /// A field and its repetition, from 1.
+    using Column = std::pair<std::size_t, int>;
+    /// Adds a record of a solution that is opened, with a value for each column.
+    void load(std::size_t table, const std::vector<Column>& columns, const DataVect& values);
+    /// Calculates what the records of a solution store, once. It waits for the first use of a field, so that
+    /// plug-ins have registered their functions.
+    void finishLoading();
     /// Takes notice of a record that a statement has changed.
     void changed(RecordPlace place, Change change);
     /// The next serial number of a field; empty for one without.
     [[nodiscard]] std::u16string nextSerial(std::size_t table, std::size_t field) const;
-    /// The index of a stored field.
+    /// The index of a field that has columns.
     const KeyIndex& index(std::size_t table, std::size_t field);
 
 private:
-    struct Store;
-    std::unique_ptr<Store> store_;
+    struct Cell {
+        RecordPlace place;
+        std::size_t field;
+        int repetition;
+        auto operator<=>(const Cell&) const = default;
+    };
+    struct OpenRecord {
+        bool isNew = false;
+        std::map<std::pair<std::size_t, int>, DataRef> before; ///< values to go back to
+        std::set<std::size_t> written;                         ///< fields that were set
+    };
+
+    void notice(); ///< a schema that has changed
+    [[nodiscard]] const Field* field(std::size_t table, std::size_t field) const;
+    DataRef stored(const Cell& cell);
+    void store(const Cell& cell, const DataRef& value);
+    void writeColumn(const Cell& cell, const DataRef& value);
+    DataRef calculated(const Cell& cell);
+    DataRef evaluated(const Cell& cell);
+    calc::ExpressionRef expression(std::size_t table, std::size_t field, const calc::RecordScope& scope);
+    [[nodiscard]] calc::RecordScope scopeOf(const Cell& cell) const;
+    /// Whether a field's calculation reads one of these fields of its own record.
+    bool reads(const Cell& cell, const std::set<std::size_t>& fields);
+    void renew(RecordPlace place, std::set<std::size_t> changed, bool isAll);
+    void giveSerials(RecordPlace place);
+    void reindex(RecordPlace place, std::size_t field);
+    void forget(RecordPlace place);
+    void removeRow(RecordPlace place);
+    std::vector<std::int64_t> step(const Hop& hop, std::int64_t record);
+    std::set<std::int64_t> matching(const Hop& hop, std::int64_t record);
+    void sortRelated(const Relationship::Side& side, std::vector<std::int64_t>& records);
+
+    Database& database_;
+    Parse parse_;
+    Evaluate evaluate_;
     int failure_ = 0;
-    std::map<RecordPlace, int> open_;
+    bool isLoading_ = false;    ///< records of the solution wait for finishLoading
+    std::uint64_t version_ = 0; ///< of the schema that the places below belong to
+    std::vector<std::uint64_t> membership_;
+    std::map<std::pair<std::u16string, int>, DataRef> globals_; ///< by table and field, folded
+    std::map<Cell, DataRef> beside_; ///< values that the store would keep without styles
+    std::map<std::pair<std::size_t, std::size_t>, KeyIndex> indexes_;
+    std::map<std::pair<std::size_t, std::size_t>, calc::ExpressionRef> expressions_;
+    std::map<RecordPlace, OpenRecord> open_;
+    std::vector<Cell> calculating_;
+    std::set<Cell> renewing_; ///< stored calculations that are not renewed yet
 };
+
+/// A value as a field of that type keeps it. A text that is no number, date or time stays as it is.
+DataRef fitted(const DataRef& value, DataType type);
+/// Orders values: empty ones first, numbers and moments by value, texts in the order of the language.
+bool isBefore(const Data& left, const Data& right);
 
 } // namespace host

@@ -40,10 +40,16 @@ struct Field {
     [[nodiscard]] bool isWritable() const { return kind == FieldKind::normal || kind == FieldKind::global; }
 };
 
+/// What the store knows of a record beside its fields: nothing in a view, the record's ID in a table that
+/// schema.sql made, and the count of modifications as well in a declared table.
+enum class RecordKeys : std::uint8_t { none, id, idAndCount };
+
 /// A base table. The store keeps its records under the same name; a record's ID is the row's ID there.
 struct BaseTable {
     std::u16string name;
+    std::u16string comment = {};
     std::vector<Field> fields; ///< in the order of their definition; the place from 1 is the field's ID
+    RecordKeys keys = RecordKeys::idAndCount;
 };
 
 /// A table occurrence: a name under which calculations, scripts and statements reach a base table.
@@ -85,6 +91,7 @@ struct ValueList {
 };
 
 struct Schema {
+    std::uint64_t version = 0; ///< changes with each change of the description
     std::vector<BaseTable> tables;
     std::vector<Occurrence> occurrences;
     std::vector<Relationship> relationships;
