@@ -3,6 +3,7 @@
 #include "FMWrapper/FMXExtern.h"
 #include "host/app/File.h"
 #include "host/app/Session.h"
+#include "host/data/Position.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
 #include "host/values/Encoding.h"
@@ -181,7 +182,8 @@ void Machine::push(const std::shared_ptr<File>& file, const Script& script, Scri
                           .state = std::move(state),
                           .scope = std::move(scope),
                           .origin = origin,
-                          .last = resultOf(emptyValue())});
+                          .last = resultOf(emptyValue()),
+                          .originalLayout = file->position().layout()});
     if (session_.onScriptStart) session_.onScriptStart(top().call);
 }
 
@@ -300,7 +302,11 @@ void Machine::fail(const Step& step, std::size_t line, std::u16string_view sourc
 }
 
 calc::Result Machine::evaluate(const std::u16string& source) {
-    calc::ExpressionRef& parsed = runs_.back().parsed[&source];
+    // A name may mean another field on another layout.
+    Run& run = runs_.back();
+    const std::uint64_t names = top().file->fields().names(nullptr);
+    if (std::exchange(run.names, names) != names) run.parsed.clear();
+    calc::ExpressionRef& parsed = run.parsed[&source];
     if (!parsed) {
         calc::Parsed outcome = calc::parse(source, session_.functions(), top().file.get());
         if (!outcome.expression) {

@@ -51,9 +51,10 @@ struct Frame {
     std::shared_ptr<calc::ScriptFrame> state;
     calc::Environment scope;
     Origin origin;
-    calc::Result last;        ///< its result if it ends now: that of a list's last calculation, else empty
-    std::size_t at = 0;       ///< the next step, or the next calculation
-    bool triesBranch = false; ///< all branches before the next step were false
+    calc::Result last; ///< its result if it ends now: that of a list's last calculation, else empty
+    std::optional<std::size_t> originalLayout;     ///< that of the file when the script began
+    std::size_t at = 0;                            ///< the next step, or the next calculation
+    bool triesBranch = false;                      ///< all branches before the next step were false
     std::optional<Clock::Micros> pausedUntil = {}; ///< on the host's clock
 };
 
@@ -64,7 +65,8 @@ struct Run {
     std::shared_ptr<int> lastError;
     std::size_t steps = 0;
     bool isSuspended = false; ///< until another script resumes it
-    std::unordered_map<const std::u16string*, calc::ExpressionRef> parsed;
+    std::unordered_map<const std::u16string*, calc::ExpressionRef> parsed; ///< by the text's address
+    std::uint64_t names = 0; ///< FieldContext::names of the time when they were parsed
 };
 
 /// Runs scripts, step by step and never inside a calculation.
