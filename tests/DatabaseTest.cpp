@@ -1,4 +1,4 @@
-#include "host/app/Database.h"
+#include "host/sql/Database.h"
 #include "host/values/Encoding.h"
 
 #include <chrono>
@@ -15,7 +15,7 @@ namespace {
 using namespace host;
 
 TEST(Database, StopsAStatementAtItsTimeLimit) {
-    Database database("CREATE TABLE t (x); INSERT INTO t VALUES (1)", std::chrono::milliseconds(50));
+    Database database("CREATE TABLE t (x); INSERT INTO t VALUES (1)", {}, std::chrono::milliseconds(50));
     const std::string endless =
         "WITH RECURSIVE v (long, half, pattern) AS (SELECT printf('%.*c', 8000000, 'a'), "
         "printf('%.*c', 4000000, 'a') || 'b', printf('%.*c', 990, 'a') || 'b'), "

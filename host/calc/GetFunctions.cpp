@@ -32,6 +32,26 @@ DataRef scriptParameter(Evaluation& evaluation) {
     return script && script->parameter ? script->parameter : emptyResult();
 }
 
+DataRef scriptResult(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script && script->result ? script->result : emptyResult();
+}
+
+DataRef errorLocation(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script ? textResult(script->errorLocation) : emptyResult();
+}
+
+DataRef capturesErrors(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(script && script->capturesErrors);
+}
+
+DataRef allowsAbort(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(!script || script->allowsAbort);
+}
+
 DataRef lastError(Evaluation& evaluation) {
     const auto& last = evaluation.environment().lastError;
     return numberResult(last ? last->code : 0);
@@ -63,8 +83,12 @@ struct Answer {
 constexpr std::array answers{
     Answer{u"scriptname", scriptName},
     Answer{u"scriptparameter", scriptParameter},
+    Answer{u"scriptresult", scriptResult},
     Answer{u"lasterror", lastError},
     Answer{u"lastexternalerrordetail", lastExternalErrorDetail},
+    Answer{u"lasterrorlocation", errorLocation},
+    Answer{u"errorcapturestate", capturesErrors},
+    Answer{u"allowabortstate", allowsAbort},
     Answer{u"currentdate", current<DataType::date>},
     Answer{u"currenttime", current<DataType::time>},
     Answer{u"currenttimestamp", current<DataType::timestamp>},
@@ -79,24 +103,14 @@ const Answer* answerNamed(std::u16string_view name) {
 }
 
 bool knowsGet(FileContext& file, std::u16string_view name) {
-    return answerNamed(name) != nullptr || file.get(name).has_value();
+    return answerNamed(name) != nullptr || file.knowsGet(name);
 }
 
 DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
     const std::u16string& name = arguments[0]->name;
     if (const Answer* answer = answerNamed(name)) return answer->value(evaluation);
-    const std::optional<DataRef> value = evaluation.file().get(name);
-    if (!value) throw Error{error::invalidGetParameter};
-    return *value;
-}
-
-/// Of no file: empty.
-DataRef scriptNames(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    return textResult(evaluation.file().scriptNames(arguments[0]->asText().units()).value_or(u""));
-}
-
-DataRef databaseNames(Evaluation& evaluation, std::span<const DataRef>) {
-    return textResult(evaluation.file().databaseNames());
+    if (!evaluation.file().knowsGet(name)) throw Error{error::invalidGetParameter};
+    return evaluation.file().get(name, evaluation.environment());
 }
 
 /// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where
@@ -113,8 +127,6 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ScriptNames", scriptNames},
-    EvaluationRow{u"DatabaseNames", databaseNames},
     EvaluationRow{u"ExecuteSQL", executeSql},
 };
 

@@ -105,6 +105,11 @@ std::string lackOf(std::u16string_view name) {
     return "the host has no " + named(name) + (hasReason ? " (" + std::string(row->needs) + ")" : "");
 }
 
+std::string whatIsMissing(int code, std::u16string_view near) {
+    if (code == error::functionNotFound) return "function " + named(near) + " is not known";
+    return named(near) + (code == error::missingTable ? ": no such table occurrence" : ": no such field");
+}
+
 Problem placed(std::u16string_view source, std::uint32_t position, std::uint32_t length) {
     Problem problem;
     problem.position = std::min(position, static_cast<std::uint32_t>(source.size()));
@@ -116,7 +121,7 @@ Problem placed(std::u16string_view source, std::uint32_t position, std::uint32_t
 } // namespace
 
 Problem problemOf(const Error& error, const Parser& parser, std::u16string_view source,
-                  const FunctionTable& functions, const FileContext* file) {
+                  const FunctionTable& functions, FileContext* file) {
     const Parser::Stop& stop = parser.stop();
     Problem problem = placed(source, stop.position, stop.length);
     problem.message = error.message.empty() ? hintFor(problem.near) : error.message;
@@ -125,13 +130,17 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
     switch (error.code) {
     case error::functionNotFound:
     case error::missingField:
+    case error::missingTable:
         for (const std::u16string& name : parser.boundNames())
             nearest.consider(name);
         nearest.consider(functions.rows());
         if (file != nullptr) nearest.consider(file->customFunctions());
-        problem.message = error.code == error::missingField
-                              ? named(problem.near) + ": no such field" + nearest.question()
-                              : "function " + named(problem.near) + " is not known" + nearest.question();
+        if (file != nullptr && error.code != error::functionNotFound)
+            file->fields().eachName([&](std::u16string_view name) {
+                nearest.consider(name);
+                nearest.consider(name.substr(name.find(u"::") + 2));
+            });
+        problem.message = whatIsMissing(error.code, problem.near) + nearest.question();
         break;
     case error::tooFewParameters:
     case error::tooManyParameters:

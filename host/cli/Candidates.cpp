@@ -1,10 +1,10 @@
 #include "host/cli/Candidates.h"
 
-#include "host/app/Database.h"
 #include "host/app/File.h"
 #include "host/cli/OpenParts.h"
 #include "host/cli/PromptCommands.h"
 #include "host/cli/Runner.h"
+#include "host/data/Schema.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -73,12 +73,15 @@ bool followsGet(std::u16string_view before) {
 }
 
 void offerTables(Matches& matches, Runner& runner, bool qualified) {
-    for (const auto& file : runner.session().files())
-        for (const TableNames& table : file->tables()) {
-            matches.offer(table.table, qualified ? u"::" : u"");
-            for (const std::u16string& field : table.fields)
-                matches.offer(qualified ? table.table + u"::" + field : field);
+    for (const auto& file : runner.session().files()) {
+        const Schema* const schema = file->schema();
+        for (std::size_t i = 0; schema != nullptr && i < schema->occurrences.size(); ++i) {
+            const std::u16string& table = schema->occurrences[i].name;
+            matches.offer(table, qualified ? u"::" : u"");
+            for (const Field& field : schema->tableOf(i).fields)
+                matches.offer(qualified ? table + u"::" + field.name : field.name);
         }
+    }
 }
 
 void offerScripts(Matches& matches, Runner& runner) {

@@ -1,4 +1,4 @@
-#include "host/app/SqlValues.h"
+#include "host/sql/Values.h"
 
 #include "host/values/Encoding.h"
 
@@ -188,7 +188,9 @@ Data fromText(std::u16string text, DataType declared) {
 int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
     switch (value.nativeType()) {
     // UTF-8, because the engine takes a leading U+FEFF of a UTF-16 text for a byte order mark.
-    case DataType::text: return bindUtf8(statement, place, value.asText().utf8());
+    case DataType::text:
+        if (value.asText().empty()) return sqlite3_bind_null(statement, place);
+        return bindUtf8(statement, place, value.asText().utf8());
     case DataType::number:
     case DataType::boolean: {
         const auto number = value.number();
@@ -239,16 +241,21 @@ DataType declaredType(const char* declaration) {
     return DataType::invalid;
 }
 
-DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared) {
+DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form) {
+    const auto given = [form](const Decimal& number) {
+        return form == ValueForm::typed ? std::make_shared<const Data>(number)
+                                        : std::make_shared<const Data>(Text(number.text()));
+    };
     switch (sqlite3_column_type(statement, column)) {
-    case SQLITE_INTEGER:
-        return std::make_shared<const Data>(Decimal(sqlite3_column_int64(statement, column)));
+    case SQLITE_INTEGER: return given(Decimal(sqlite3_column_int64(statement, column)));
     case SQLITE_FLOAT:
-        if (const auto number = fromDouble(sqlite3_column_double(statement, column)))
-            return std::make_shared<const Data>(*number);
+        if (const auto number = fromDouble(sqlite3_column_double(statement, column))) return given(*number);
         break;
     case SQLITE_BLOB: return std::make_shared<const Data>(columnBytes(statement, column));
-    case SQLITE_TEXT: return std::make_shared<const Data>(fromText(columnText(statement, column), declared));
+    case SQLITE_TEXT: {
+        const DataType wanted = form == ValueForm::typed ? declared : DataType::text;
+        return std::make_shared<const Data>(fromText(columnText(statement, column), wanted));
+    }
     default: break;
     }
     return std::make_shared<const Data>();

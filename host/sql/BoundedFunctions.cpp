@@ -1,4 +1,4 @@
-#include "host/app/SqlFunctions.h"
+#include "host/sql/BoundedFunctions.h"
 
 #include "host/values/Encoding.h"
 

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "host/calc/Environment.h"
+#include "host/data/Schema.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+class Connection;
+
+enum class Change : std::uint8_t { inserted, updated, deleted };
+
+/// What statements ask of the owner of records. Each may be empty. They may use Database::query.
+struct RecordCalls {
+    /// The value of a field without columns, for a record ID; 0 where there is no record. Places are those
+    /// of the schema; repetitions count from 1.
+    std::function<DataRef(std::size_t occurrence, std::size_t field, int repetition, std::int64_t record)>
+        fieldValue;
+    /// A base table's record that a statement has changed; called for each record after the statement.
+    std::function<void(std::size_t table, std::int64_t record, Change change)> changed;
+};
+
+/// The tables of one file, in memory. Statements cannot reach the disk, load code or change the engine's
+/// settings, and they run for a bounded time.
+class Database {
+public:
+    /// The time limit of one statement, and of a script as a whole.
+    static constexpr std::chrono::milliseconds usualBudget{10'000};
+
+    /// Makes the declared tables, then runs a script of the store's own statements. Tables and views that
+    /// the script makes join the schema: each with an occurrence and a layout of its name. Throws
+    /// std::runtime_error with the line and the engine's message.
+    explicit Database(const std::string& script, Schema declared = {},
+                      std::chrono::milliseconds budget = usualBudget);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    [[nodiscard]] Schema& schema();
+    [[nodiscard]] const Schema& schema() const;
+    void setRecordCalls(RecordCalls calls);
+
+    /// Runs exactly one statement of the store's own dialect and keeps it prepared. Each `?` takes the
+    /// parameter at its position, by type: text as text, numbers without loss, dates and times in ISO form, a
+    /// container as its bytes, an invalid or empty value as NULL. A value of the answer has the declared type
+    /// of its column where it can be converted, otherwise the type in which it is stored. No call of
+    /// RecordCalls follows.
+    calc::SqlAnswer query(std::string_view statement, const DataVect& parameters);
+    /// The ID of the record that was inserted last.
+    [[nodiscard]] std::int64_t lastRecord() const;
+
+    /// Runs exactly one statement.
+    calc::SqlAnswer execute(std::u16string_view statement, const DataVect& parameters);
+
+private:
+    std::unique_ptr<Connection> connection_;
+    Schema schema_;
+    RecordCalls calls_;
+};
+
+} // namespace host
