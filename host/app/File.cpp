@@ -1,10 +1,10 @@
 #include "host/app/File.h"
 
-#include "host/sql/Database.h"
 #include "host/app/PlugIn.h"
 #include "host/app/Session.h"
 #include "host/calc/CustomFunction.h"
 #include "host/calc/ReservedWords.h"
+#include "host/sql/Database.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 
@@ -81,6 +81,7 @@ File::File(Session& session, std::uint64_t id, Solution solution)
       functions_(rowsOf(solution_.functions, *session.functions())),
       formats_(formatsOf(solution_.locale.empty() ? kUsualLocale : solution_.locale)),
       database_(std::make_unique<Database>(solution_.schema)) {
+    database_->setNames(solution_.name, solution_.account);
     for (const std::u16string& font : solution_.fonts)
         fontId(font);
 }
@@ -133,6 +134,11 @@ calc::SqlAnswer File::executeSql(std::u16string_view statement, std::u16string_v
     const std::shared_ptr<File> other = fileName.empty() ? nullptr : session_->find(fileName);
     if (!fileName.empty() && !other) return {.error = calc::error::missingFile, .rows = {}};
     return (other ? *other : *this).database_->execute(statement, parameters);
+}
+
+calc::SqlAnswer File::selectSql(std::u16string_view statement, const DataVect& parameters) {
+    if (!open_) return {.error = calc::error::missingFile, .rows = {}};
+    return database_->select(statement, parameters);
 }
 
 std::uint16_t File::fontId(std::u16string_view name) {

@@ -41,6 +41,7 @@ public:
     std::u16string databaseNames() override;
     calc::SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                const DataVect& parameters) override;
+    calc::SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) override;
     std::uint16_t fontId(std::u16string_view name) override;
     std::optional<std::u16string> fontName(std::uint16_t id) override;
 

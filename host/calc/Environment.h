@@ -41,6 +41,7 @@ private:
 struct SqlAnswer {
     int error = 0; ///< 0, 100 (no such file), 8309 (refused), 8310 (syntax)
     RowVect rows;
+    std::u16string problem = {}; ///< the reason of a failure, where it is known
 };
 
 struct Function;
@@ -65,8 +66,11 @@ public:
     /// Names, one a line with returns between; nothing when no file of that name is open ("" is this one).
     virtual std::optional<std::u16string> scriptNames(std::u16string_view fileName) = 0;
     virtual std::u16string databaseNames() = 0;
+    /// Runs any statement on a file ("" is this one); the values of the answer are typed.
     virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                  const DataVect& parameters) = 0;
+    /// Runs one SELECT on this file; the values of the answer are texts as SQL writes them.
+    virtual SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) = 0;
     /// The identifier of a font of this file, added when it is new; its name, nothing when unknown.
     virtual std::uint16_t fontId(std::u16string_view name) = 0;
     virtual std::optional<std::u16string> fontName(std::uint16_t id) = 0;
