@@ -113,21 +113,24 @@ DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
     return evaluation.file().get(name, evaluation.environment());
 }
 
-/// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where
-/// these are empty; "?" for a statement that fails.
+/// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where the
+/// separators are empty. A statement that fails gives "?", and ExecuteSQLe the reason as well.
+template<bool givesReason>
 DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     const auto separator = [](const Data& given, const char16_t* usual) {
         return given.isEmpty() ? Text(usual) : given.asText();
     };
-    const Text betweenColumns = separator(*arguments[1], u","), betweenRows = separator(*arguments[2], u"\r");
     const DataVect parameters(arguments.begin() + 3, arguments.end());
-    const SqlAnswer answer = evaluation.file().executeSql(arguments[0]->asText().units(), {}, parameters);
-    if (answer.error != error::none) return questionMark();
-    return textResult(answer.joined(betweenColumns, betweenRows));
+    const SqlAnswer answer = evaluation.file().selectSql(arguments[0]->asText().units(), parameters);
+    if (answer.error == error::none)
+        return textResult(answer.joined(separator(*arguments[1], u","), separator(*arguments[2], u"\r")));
+    if (!givesReason || answer.problem.empty()) return questionMark();
+    return textResult(Text(u"? ERROR: " + answer.problem));
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ExecuteSQL", executeSql},
+    EvaluationRow{u"ExecuteSQL", executeSql<false>},
+    EvaluationRow{u"ExecuteSQLe", executeSql<true>},
 };
 
 } // namespace
