@@ -135,7 +135,7 @@ DataRef proper(Arguments arguments) {
             U16_NEXT(text.units().data(), next, text.size(), point);
         } while (next < word.start + word.size && u_isalnum(point) == 0);
         result.append(text, from, at - from);
-        result.append(unitsOf(u_totitle(point)), text.lookAt(at));
+        result.append(unitsOf(u_totitle(point)), text.formattingAt(at));
         from = next;
     }
     result.append(text, from);
