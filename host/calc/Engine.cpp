@@ -29,7 +29,6 @@ constexpr std::array messages{
     Message{error::missingRelationship, "relationship is missing"},
     Message{error::missingScript, "script is missing"},
     Message{error::missingLayout, "layout is missing"},
-    Message{error::missingTable, "table is missing"},
     Message{error::missingRelatedTable, "related tables are missing"},
     Message{error::missingRepetition, "specified repetition is invalid"},
     Message{error::notWritable, "field cannot be modified"},

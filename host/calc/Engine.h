@@ -19,7 +19,7 @@ namespace host::calc {
 namespace error {
 inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 100, missingRecord = 101,
                      missingField = 102, missingRelationship = 103, missingScript = 104,
-                     missingLayout = 105, missingTable = 106, missingRelatedTable = 110,
+                     missingLayout = 105, missingRelatedTable = 110,
                      missingRepetition = 111, notWritable = 201, noCriteria = 400, nothingFound = 401, unspecific = 1200, tooFewParameters = 1201,
                      tooManyParameters = 1202, unexpectedEnd = 1203, operandExpected = 1204,
                      unterminatedComment = 1205, unterminatedText = 1206, unbalancedParenthesis = 1207,

@@ -139,7 +139,7 @@ public:
     std::optional<FieldReference> fieldIn(const Node& node);
     /// The same; throws 1214 for any other part.
     FieldReference requiredField(const Node& node);
-    /// The field of that name; throws 102 or 106.
+    /// The field of that name; throws 102.
     FieldReference fieldNamed(std::u16string_view name);
     DataRef valueOf(const FieldReference& field);
     /// What an aggregate of the field counts: all related records, all repetitions; also empty ones.

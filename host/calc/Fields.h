@@ -44,7 +44,7 @@ public:
     /// A number that is the same as long as a name means the same field.
     [[nodiscard]] virtual std::uint64_t names(Scope scope) const = 0;
     struct Found {
-        int error = 0; ///< 0, 102 (no such field), 106 (no such occurrence)
+        int error = 0; ///< 0, or 102: no such field or occurrence
         FieldPlace place = {};
     };
     /// A field by name, in any case; the name of the occurrence is empty for one of the scope's own.

@@ -233,7 +233,6 @@ const Node* Parser::field(const Token& name) {
     if (file_ == nullptr) failOnName(name, false);
     FieldContext& fields = file_->fields();
     const FieldContext::Found found = fields.find(scope_, name.table, name.text);
-    if (found.error == error::missingTable) fail(error::missingTable, name);
     if (found.error != error::none) failOnName(name, false);
     expression_->fields.push_back(found.place);
     Node& node = add(Node::Kind::field, name);
