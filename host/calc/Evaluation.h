@@ -134,10 +134,9 @@ public:
     };
     [[nodiscard]] FieldContext& fields() const { return environment_.file->fields(); }
     [[nodiscard]] FieldContext::Scope scope() const { return environment_.record.get(); }
-    /// The field that a part of the calculation names: as a name, or by GetField or Evaluate. Nothing for any
-    /// other part.
+    /// The field that a part of the calculation names, itself or by GetField; nothing for any other part.
     std::optional<FieldReference> fieldIn(const Node& node);
-    /// The same; throws 1214 for any other part.
+    /// The same, or the one that an Evaluate names; throws 1214 for any other part.
     FieldReference requiredField(const Node& node);
     /// The field of that name; throws 102.
     FieldReference fieldNamed(std::u16string_view name);

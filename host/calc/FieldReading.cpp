@@ -52,21 +52,34 @@ Evaluation::FieldReference Evaluation::fieldNamed(std::u16string_view text) {
             .isOneRepetition = name.repetition.has_value()};
 }
 
+namespace {
+
+bool isCallOf(const Node& node, std::u16string_view function) {
+    return node.kind == Node::Kind::call && node.function->name == function;
+}
+
+} // namespace
+
 std::optional<Evaluation::FieldReference> Evaluation::fieldIn(const Node& node) {
     if (node.kind == Node::Kind::field) return referenceTo(node);
-    if (node.kind != Node::Kind::call || node.children.empty()) return std::nullopt;
-    const std::u16string& function = node.function->name;
-    if (function == u"GetField") return fieldNamed(evaluate(*node.children[0])->asText().units());
-    if (function != u"Evaluate") return std::nullopt;
-    const ExpressionRef expression = parseHere(evaluate(*node.children[0])->asText().units());
-    const bool isField = expression->root != nullptr && expression->root->kind == Node::Kind::field;
-    return isField ? std::optional(referenceTo(*expression->root)) : std::nullopt;
+    if (!isCallOf(node, u"GetField")) return std::nullopt;
+    try {
+        return fieldNamed(evaluate(*node.children[0])->asText().units());
+    } catch (const Exhausted&) {
+        throw;
+    } catch (const Error&) {
+        return std::nullopt; // the function itself tells why
+    }
 }
 
 Evaluation::FieldReference Evaluation::requiredField(const Node& node) {
-    const auto field = fieldIn(node);
-    if (!field) throw Error{error::fieldExpected};
-    return *field;
+    if (const auto field = fieldIn(node)) return *field;
+    if (isCallOf(node, u"GetField")) return fieldNamed(evaluate(*node.children[0])->asText().units());
+    if (!isCallOf(node, u"Evaluate")) throw Error{error::fieldExpected};
+    const ExpressionRef expression = parseHere(evaluate(*node.children[0])->asText().units());
+    if (expression->root == nullptr || expression->root->kind != Node::Kind::field)
+        throw Error{error::fieldExpected};
+    return referenceTo(*expression->root);
 }
 
 DataRef Evaluation::noted(DataRef value) {
