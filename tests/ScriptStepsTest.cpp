@@ -110,7 +110,7 @@ protected:
                              std::to_string(failure.place));
         };
     }
-    ~ScriptSteps() override { clock().reset(); }
+    ~ScriptSteps() override { host::clock().reset(); }
 
     std::string textOf(std::u16string_view calculation) {
         return session.evaluate(calculation).value->asText().utf8();
@@ -159,15 +159,15 @@ TEST_F(ScriptSteps, CallsThatWereMadeBeforeAScriptBeganWaitForItsEnd) {
 }
 
 TEST_F(ScriptSteps, APauseEndsWithItsTime) {
-    clock().hold();
+    host::clock().hold();
     EXPECT_EQ(start(u"Nap"), 1U);
     EXPECT_EQ(session.untilScriptGoesOn(), std::chrono::seconds(60));
-    clock().advance(std::chrono::seconds(59));
+    host::clock().advance(std::chrono::seconds(59));
     session.turn();
     EXPECT_THAT(events, ElementsAre());
     EXPECT_EQ(start(u"New", u"", kFMXT_Resume), 1U);
     EXPECT_THAT(events, ElementsAre("New:"));
-    clock().advance(std::chrono::seconds(1));
+    host::clock().advance(std::chrono::seconds(1));
     session.turn();
     EXPECT_THAT(events, ElementsAre("New:", "Nap:awake0"));
     EXPECT_FALSE(session.untilScriptGoesOn());
@@ -210,10 +210,10 @@ TEST_F(ScriptSteps, NoScriptRunsForEver) {
 }
 
 TEST_F(ScriptSteps, AFileThatClosesEndsItsScripts) {
-    clock().hold();
+    host::clock().hold();
     start(u"Nap");
     session.close(session.front()->id());
-    clock().advance(std::chrono::seconds(60));
+    host::clock().advance(std::chrono::seconds(60));
     session.turn();
     EXPECT_THAT(events, ElementsAre());
     EXPECT_FALSE(session.untilScriptGoesOn());

@@ -11,7 +11,6 @@ namespace host::scripts {
 
 namespace {
 
-constexpr std::u16string_view kOnOff = u"on|off";
 constexpr OptionRow kCondition{.name = u"condition", .isNeeded = true};
 
 /// Goes to the branch after this one, which is then tried.

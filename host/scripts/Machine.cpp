@@ -3,6 +3,7 @@
 #include "FMWrapper/FMXExtern.h"
 #include "host/app/File.h"
 #include "host/app/Session.h"
+#include "host/data/Position.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
 #include "host/values/Encoding.h"
@@ -55,8 +56,9 @@ std::size_t Machine::runWaiting(std::size_t most) {
     const Running running(*this);
     std::size_t count = 0;
     while (true) {
-        if (count < most && mayBeginNext())
-            count += beginNext() ? 1U : 0U;
+        std::deque<ScriptCall>* calls = count < most ? nextCalls() : nullptr;
+        if (calls != nullptr)
+            count += begin(*calls) ? 1U : 0U;
         else if (canGoOn())
             goOn();
         else
@@ -73,19 +75,25 @@ calc::Result Machine::runToEnd(ScriptCall call) {
     pushRun();
     const std::uint64_t run = currentRun();
     push(file, script, std::move(call), Frame::Origin::start);
-    while (has(run) && !(runs_.back().isSuspended && !mayBeginNext())) {
-        if (mayBeginNext())
-            beginNext();
+    while (has(run)) {
+        std::deque<ScriptCall>* calls = nextCalls();
+        if (calls != nullptr && calls->front().during != 0)
+            begin(*calls);
         else if (canGoOn())
             goOn();
+        else if (runs_.back().isSuspended)
+            break;
         else
             restWhilePaused();
     }
     return resultOf(endedRun_ == run ? outside_->result : emptyValue());
 }
 
+void Machine::add(ScriptCall call) { (call.during == 0 ? waiting_ : duringRuns_).push_back(std::move(call)); }
+
 void Machine::clear() {
     waiting_.clear();
+    duringRuns_.clear();
     runs_.clear();
 }
 
@@ -108,18 +116,21 @@ bool Machine::has(std::uint64_t run) const {
     return std::any_of(runs_.begin(), runs_.end(), [run](const Run& each) { return each.id == run; });
 }
 
-/// A call acts on the run that was current when it was made, between two steps of it. A list of calculations
-/// is not interrupted.
-bool Machine::mayBeginNext() const {
-    if (waiting_.empty()) return false;
-    if (runs_.empty()) return true;
-    const bool isList = runs_.back().frames.back().script->steps.empty();
-    return waiting_.front().during == currentRun() ? !isList || !canGoOn() : !canGoOn();
+/// The calls of which the first may begin now; null for none. One that was made during the current run acts
+/// on it between two steps; a list of calculations is not interrupted.
+std::deque<ScriptCall>* Machine::nextCalls() {
+    const bool goesOn = canGoOn();
+    const bool isInterrupted = !duringRuns_.empty() && duringRuns_.front().during == currentRun() &&
+                               !(goesOn && runs_.back().frames.back().script->steps.empty());
+    if (isInterrupted) return &duringRuns_;
+    if (goesOn) return nullptr;
+    if (!waiting_.empty()) return &waiting_;
+    return duringRuns_.empty() ? nullptr : &duringRuns_;
 }
 
-bool Machine::beginNext() {
-    ScriptCall call = std::move(waiting_.front());
-    waiting_.pop_front();
+bool Machine::begin(std::deque<ScriptCall>& calls) {
+    ScriptCall call = std::move(calls.front());
+    calls.pop_front();
     const std::shared_ptr<File> file = session_.find(call.fileName);
     const Script* script = file && file->id() == call.fileId ? file->script(call.scriptName) : nullptr;
     if (script == nullptr) return false;
@@ -138,9 +149,10 @@ void Machine::makeRoom(const ScriptCall& call) {
         if (call.control == kFMXT_Exit) popFrame(resultOf(emptyValue()));
         return;
     }
-    current.isSuspended = call.control == kFMXT_Pause;
-    while (!current.isSuspended && !runs_.empty())
-        halt();
+    if (call.control == kFMXT_Pause)
+        current.isSuspended = true;
+    else
+        haltAll();
     pushRun();
 }
 
@@ -170,7 +182,8 @@ void Machine::push(const std::shared_ptr<File>& file, const Script& script, Scri
                           .state = std::move(state),
                           .scope = std::move(scope),
                           .origin = origin,
-                          .last = resultOf(emptyValue())});
+                          .last = resultOf(emptyValue()),
+                          .originalLayout = file->position().layout()});
     if (session_.onScriptStart) session_.onScriptStart(top().call);
 }
 
@@ -215,12 +228,18 @@ void Machine::halt() {
     endRun(emptyValue());
 }
 
+void Machine::haltAll() {
+    while (!runs_.empty())
+        halt();
+}
+
 void Machine::goOn() {
     Frame& frame = top();
     frame.pausedUntil.reset();
     const Script& script = *frame.script;
     const bool isList = script.steps.empty();
-    if (frame.at >= (isList ? script.calculations.size() : script.steps.size())) return endScript(frame.last);
+    if (frame.at >= (isList ? script.calculations.size() : script.steps.size()))
+        return endScript(calc::Result(frame.last)); // the frame goes before its result
     if (runs_.back().steps > 0) session_.idle(kFMXT_ScriptRunning);
     // Nothing of a file is used once it has closed, not even to report the end of its scripts.
     if (!frame.file->isOpen()) return runs_.pop_back();
@@ -283,7 +302,11 @@ void Machine::fail(const Step& step, std::size_t line, std::u16string_view sourc
 }
 
 calc::Result Machine::evaluate(const std::u16string& source) {
-    calc::ExpressionRef& parsed = runs_.back().parsed[&source];
+    // A name may mean another field on another layout.
+    Run& run = runs_.back();
+    const std::uint64_t names = top().file->fields().names(nullptr);
+    if (std::exchange(run.names, names) != names) run.parsed.clear();
+    calc::ExpressionRef& parsed = run.parsed[&source];
     if (!parsed) {
         calc::Parsed outcome = calc::parse(source, session_.functions(), top().file.get());
         if (!outcome.expression) {

@@ -51,9 +51,10 @@ struct Frame {
     std::shared_ptr<calc::ScriptFrame> state;
     calc::Environment scope;
     Origin origin;
-    calc::Result last;        ///< its result if it ends now: that of a list's last calculation, else empty
-    std::size_t at = 0;       ///< the next step, or the next calculation
-    bool triesBranch = false; ///< all branches before the next step were false
+    calc::Result last; ///< its result if it ends now: that of a list's last calculation, else empty
+    std::optional<std::size_t> originalLayout;     ///< that of the file when the script began
+    std::size_t at = 0;                            ///< the next step, or the next calculation
+    bool triesBranch = false;                      ///< all branches before the next step were false
     std::optional<Clock::Micros> pausedUntil = {}; ///< on the host's clock
 };
 
@@ -64,7 +65,8 @@ struct Run {
     std::shared_ptr<int> lastError;
     std::size_t steps = 0;
     bool isSuspended = false; ///< until another script resumes it
-    std::unordered_map<const std::u16string*, calc::ExpressionRef> parsed;
+    std::unordered_map<const std::u16string*, calc::ExpressionRef> parsed; ///< by the text's address
+    std::uint64_t names = 0; ///< FieldContext::names of the time when they were parsed
 };
 
 /// Runs scripts, step by step and never inside a calculation.
@@ -75,8 +77,8 @@ public:
     explicit Machine(Session& session) : session_(session) {}
 
     /// Lets a call wait for its turn.
-    void add(ScriptCall call) { waiting_.push_back(std::move(call)); }
-    [[nodiscard]] std::size_t waiting() const { return waiting_.size(); }
+    void add(ScriptCall call);
+    [[nodiscard]] std::size_t waiting() const { return waiting_.size() + duringRuns_.size(); }
     /// Runs what can run without waiting for time to pass. Gives the number of scripts that began, at most
     /// `most`. A call from within a script does nothing.
     std::size_t runWaiting(std::size_t most);
@@ -113,14 +115,15 @@ private:
     class Running;
 
     [[nodiscard]] bool canGoOn() const;
-    [[nodiscard]] bool mayBeginNext() const;
+    std::deque<ScriptCall>* nextCalls();
     [[nodiscard]] bool has(std::uint64_t run) const;
-    bool beginNext();
+    bool begin(std::deque<ScriptCall>& calls);
     void makeRoom(const ScriptCall& call);
     void pushRun();
     void push(const std::shared_ptr<File>& file, const Script& script, ScriptCall call, Frame::Origin origin);
     void popFrame(const calc::Result& result);
     void endRun(DataRef result);
+    void haltAll();
     void goOn();
     void runStep(const Step& step);
     void runCalculation(Frame& frame, std::size_t at);
@@ -128,8 +131,9 @@ private:
     void restWhilePaused();
 
     Session& session_;
-    std::deque<ScriptCall> waiting_;
-    std::vector<Run> runs_; ///< the last one is current, those before it are suspended
+    std::deque<ScriptCall> waiting_;    ///< calls that were made while no script ran or paused
+    std::deque<ScriptCall> duringRuns_; ///< those that were made since
+    std::vector<Run> runs_;             ///< the last one is current, those before it are suspended
     bool isRunning_ = false;
     std::uint64_t lastRun_ = 0, endedRun_ = 0;
     std::shared_ptr<calc::ScriptFrame> outside_ = std::make_shared<calc::ScriptFrame>();

@@ -55,6 +55,18 @@ bool StepRun::leaveLoop() {
     return true;
 }
 
+Position& StepRun::position() { return file().position(); }
+
+calc::FieldPlace StepRun::field(const Target& target) {
+    const calc::FieldContext::Found found = file().fields().find(nullptr, target.occurrence, target.name);
+    check(found.error);
+    return found.place;
+}
+
+void check(int code) {
+    if (code != calc::error::none) throw calc::Error{code};
+}
+
 int StepRun::repetition(const Target& target, std::size_t line) {
     if (target.repetition.empty()) return 1;
     const calc::Result result = machine_.evaluateOnce(target.repetition);

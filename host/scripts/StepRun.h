@@ -1,10 +1,15 @@
 #pragma once
 
+#include "host/calc/Fields.h"
 #include "host/scripts/Machine.h"
 #include "host/scripts/Targets.h"
 
 #include <string>
 #include <string_view>
+
+namespace host {
+class Position;
+}
 
 namespace host::scripts {
 
@@ -38,6 +43,11 @@ public:
     /// The name in quotation marks; empty where the option is not given.
     [[nodiscard]] QuotedName quotedName(std::u16string_view name) const;
 
+    /// Where the session stands in the script's file.
+    [[nodiscard]] Position& position();
+    /// Throws calc::Error, 102 or 106, where there is no such field.
+    [[nodiscard]] calc::FieldPlace field(const Target& target);
+
     /// The repetition of a target, 1 where it names none; `line` is that of the target.
     int repetition(const Target& target, std::size_t line);
     /// Sets a variable of the script, or of its file.
@@ -50,5 +60,8 @@ private:
     Machine& machine_;
     const Step& step_;
 };
+
+/// Throws calc::Error for a code other than 0.
+void check(int code);
 
 } // namespace host::scripts

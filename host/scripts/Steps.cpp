@@ -24,8 +24,3 @@ const StepRow* stepNamed(std::u16string_view name) {
 }
 
 } // namespace host::scripts
-
-namespace host::scripts {
-std::span<const StepRow> fieldSteps() { return {}; }
-std::span<const StepRow> recordSteps() { return {}; }
-} // namespace host::scripts

@@ -41,6 +41,11 @@ enum class Block : std::uint8_t {
     closesLoop
 };
 
+inline constexpr std::u16string_view kOnOff = u"on|off";
+/// Of no effect, as nobody answers dialogs.
+inline constexpr OptionRow kWithDialog{
+    .name = u"With dialog", .takes = Takes::words, .isLabelled = true, .words = kOnOff};
+
 struct StepRow {
     std::u16string_view name;
     /// Does the step. Throws calc::Error, whose code becomes the last error.
