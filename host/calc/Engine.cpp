@@ -119,11 +119,11 @@ void addRow(FunctionTable& table, const LazyRow& row) {
 
 FunctionTable::FunctionTable() {
     for (const auto addFamily :
-         {addTextFunctions,     addTrimFunctions,      addConversionFunctions, addListFunctions,
-          addSortFunctions,     addAggregateFunctions, addRepeatingFunctions,  addJapaneseFunctions,
-          addNumberFunctions,   addRealFunctions,      addFinancialFunctions,  addDateFunctions,
-          addLogicFunctions,    addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
-          addJsonFunctions,     addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
+         {addTextFunctions,      addTrimFunctions,      addConversionFunctions, addListFunctions,
+          addSortFunctions,      addAggregateFunctions, addRepeatingFunctions,  addJapaneseFunctions,
+          addNumberFunctions,    addRealFunctions,      addFinancialFunctions,  addDateFunctions,
+          addLogicFunctions,     addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
+          addJsonFunctions,      addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
           addContainerFunctions, addFieldFunctions})
         addFamily(*this);
 }

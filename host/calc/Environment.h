@@ -95,7 +95,7 @@ struct Environment {
     std::shared_ptr<FileContext> file; ///< none: nothing can be evaluated (error 100)
     std::shared_ptr<Variables> locals; ///< the `$` variables
     std::shared_ptr<const ScriptFrame> script;
-    std::shared_ptr<int> lastError; ///< what Get ( LastError ) answers
+    std::shared_ptr<int> lastError;                      ///< what Get ( LastError ) answers
     std::shared_ptr<const RecordScope> record = nullptr; ///< null: the file's current record
 };
 

@@ -19,7 +19,8 @@ FieldName fieldNameIn(std::u16string_view text) {
     FieldName name;
     text = trimmed(text);
     if (const std::size_t bracket = text.rfind(u'['); text.ends_with(u']') && bracket != 0)
-        if (const auto number = Decimal::parse(trimmed(text.substr(bracket + 1, text.size() - bracket - 2)))) {
+        if (const auto number =
+                Decimal::parse(trimmed(text.substr(bracket + 1, text.size() - bracket - 2)))) {
             name.repetition = number->toInt32();
             text = text.substr(0, bracket);
         }
@@ -31,7 +32,8 @@ FieldName fieldNameIn(std::u16string_view text) {
 
 /// The place that was found when the calculation was read; found again where names may mean something else.
 Evaluation::FieldReference Evaluation::referenceTo(const Node& field) {
-    FieldReference reference{.place = field.place, .repetition = scope() == nullptr ? 1 : scope()->repetition};
+    FieldReference reference{.place = field.place,
+                             .repetition = scope() == nullptr ? 1 : scope()->repetition};
     if (field.names != fields().names(scope())) {
         const FieldContext::Found found = fields().find(scope(), field.occurrence, field.name);
         if (found.error != error::none) throw Error{found.error};

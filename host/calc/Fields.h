@@ -21,8 +21,8 @@ struct FieldPlace {
 /// The record that a calculation belongs to, where that is not the session's current record.
 struct RecordScope {
     std::size_t occurrence = 0;
-    std::int64_t record = 0; ///< its ID; 0: none
-    int repetition = 1;      ///< the one that is calculated
+    std::int64_t record = 0;        ///< its ID; 0: none
+    int repetition = 1;             ///< the one that is calculated
     std::optional<FieldPlace> self; ///< the field whose calculation it is
 };
 

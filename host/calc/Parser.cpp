@@ -50,7 +50,8 @@ private:
 
 Parser::Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file,
                const RecordScope* scope, const std::vector<std::u16string_view>& bound)
-    : file_(file), scope_(scope), expression_(std::make_shared<Expression>(source)), lexer_(expression_->source) {
+    : file_(file), scope_(scope), expression_(std::make_shared<Expression>(source)),
+      lexer_(expression_->source) {
     expression_->functions = std::move(functions);
     for (const std::u16string_view name : bound)
         bind(std::u16string(name));

@@ -134,10 +134,10 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
                 nearest.consider(name);
                 nearest.consider(name.substr(name.find(u"::") + 2));
             });
-        problem.message = (error.code == error::missingField
-                               ? named(problem.near) + ": no such field"
-                               : "function " + named(problem.near) + " is not known") +
-                          nearest.question();
+        problem.message =
+            (error.code == error::missingField ? named(problem.near) + ": no such field"
+                                               : "function " + named(problem.near) + " is not known") +
+            nearest.question();
         break;
     case error::tooFewParameters:
     case error::tooManyParameters:

@@ -90,7 +90,8 @@ public:
         goToPlace(session, example.context);
         const calc::Result result = session.evaluate(fromUtf8(example.calculation));
         const bool isScript = example.context.starts_with(kScript);
-        if (result.error != calc::error::none || (!isScript && example.context != kSql)) return textOf(result);
+        if (result.error != calc::error::none || (!isScript && example.context != kSql))
+            return textOf(result);
         if (!isScript) return rowsOf(session, result.value->asText().units());
         const std::string script = example.context.substr(kScript.size());
         return textOf(session.runScript(session.front()->name(), fromUtf8(script), result.value));

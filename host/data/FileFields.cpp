@@ -134,7 +134,8 @@ DataRef FileFields::lookupNext(Scope scope, calc::FieldPlace place, bool isHighe
 /// is sorted by before, have the current record's values.
 DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::FieldPlace breakField) {
     const Field* field = fieldAt(summaryField);
-    if (field == nullptr || field->kind != FieldKind::summary) throw calc::Error{calc::error::summaryExpected};
+    if (field == nullptr || field->kind != FieldKind::summary)
+        throw calc::Error{calc::error::summaryExpected};
     const std::size_t table = tableOf(summaryField);
     const FoundSet& set = position_.foundSet(summaryField.occurrence);
     if (summaryField == breakField) return records_.summary(table, summaryField.field, set.records);
