@@ -1,9 +1,13 @@
 #include "host/app/File.h"
 
-#include "host/app/PlugIn.h"
+#include "host/app/Design.h"
+#include "host/app/GetNames.h"
 #include "host/app/Session.h"
 #include "host/calc/CustomFunction.h"
 #include "host/calc/ReservedWords.h"
+#include "host/data/FileFields.h"
+#include "host/data/Position.h"
+#include "host/data/Records.h"
 #include "host/sql/Database.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
@@ -19,31 +23,6 @@ namespace {
 constexpr std::string_view kUsualLocale = "en_US";
 constexpr std::size_t mostFonts = 65'000, longestFontName = 1'000;
 
-constexpr int iosPlatform = 3;
-constexpr std::u16string_view applicationVersion = u"Kestrel Host 1.0";
-
-template<typename Items, typename NameOf>
-std::u16string lines(const Items& items, NameOf nameOf) {
-    std::u16string list;
-    for (const auto& item : items) {
-        if (!list.empty()) list += u'\r';
-        list += nameOf(item);
-    }
-    return list;
-}
-
-std::u16string filePath(const Solution& solution) {
-    return u"file:" + solution.path + u"/" + solution.name + u".fmp12";
-}
-
-/// One line each: name, version (an unpacked library has none) and state.
-std::u16string installedPlugIns(const Session* session) {
-    if (session == nullptr) return {};
-    return lines(session->plugIns(), [](PlugIn* plugIn) {
-        return plugIn->name() + (plugIn->isEnabled() ? u";;Enabled" : u";;Disabled");
-    });
-}
-
 calc::FunctionRows rowsOf(const std::vector<FunctionDefinition>& definitions,
                           const calc::FunctionTable& functions) {
     calc::FunctionRows rows;
@@ -57,33 +36,53 @@ calc::FunctionRows rowsOf(const std::vector<FunctionDefinition>& definitions,
     return rows;
 }
 
-struct Answer {
-    std::u16string_view name;
-    Data (*value)(const Solution& solution, const Session* session);
-};
-
-constexpr std::array answers{
-    Answer{u"AccountName", [](const Solution& solution, const Session*) { return Data(solution.account); }},
-    Answer{u"ApplicationVersion",
-           [](const Solution&, const Session*) { return Data(std::u16string(applicationVersion)); }},
-    Answer{u"FileName", [](const Solution& solution, const Session*) { return Data(solution.name); }},
-    Answer{u"FilePath", [](const Solution& solution, const Session*) { return Data(filePath(solution)); }},
-    Answer{u"InstalledFMPlugins",
-           [](const Solution&, const Session* session) { return Data(installedPlugIns(session)); }},
-    Answer{u"SystemPlatform", [](const Solution&, const Session*) { return Data(Decimal(iosPlatform)); }},
-    Answer{u"UserName", [](const Solution& solution, const Session*) { return Data(solution.user); }},
-};
-
 } // namespace
 
 File::File(Session& session, std::uint64_t id, Solution solution)
     : session_(&session), id_(id), solution_(std::move(solution)),
       functions_(rowsOf(solution_.functions, *session.functions())),
       formats_(formatsOf(solution_.locale.empty() ? kUsualLocale : solution_.locale)),
-      database_(std::make_unique<Database>(solution_.schema)) {
+      database_(std::make_unique<Database>(solution_.schema, solution_.tables)),
+      records_(std::make_unique<Records>(
+          *database_,
+          [this](std::u16string_view source, const calc::RecordScope& scope) {
+              return calc::parse(source, session_->functions(), this, &scope);
+          },
+          [this](const calc::Expression& expression, const calc::RecordScope& scope) {
+              return evaluateFor(expression, scope);
+          })) {
     database_->setNames(solution_.name, solution_.account);
     for (const std::u16string& font : solution_.fonts)
         fontId(font);
+    loadRecords();
+    position_ = std::make_unique<Position>(*records_);
+    fields_ = std::make_unique<FileFields>(*records_, *position_);
+}
+
+/// What statements need of the records is set after they are there, so that none is changed while they load.
+void File::loadRecords() {
+    for (const SolutionGlobal& global : solution_.globals)
+        records_->set({global.table, 0}, global.field, global.repetition, global.value);
+    for (const SolutionRecords& part : solution_.records)
+        for (const DataVect& row : part.rows)
+            records_->load(part.table, part.columns, row);
+    solution_.records.clear();
+    database_->setRecordCalls(
+        {.fieldValue =
+             [this](std::size_t occurrence, std::size_t field, int repetition, std::int64_t record) {
+                 return records_->value({database_->schema().occurrences.at(occurrence).table, record}, field,
+                                        repetition);
+             },
+         .changed = [this](std::size_t table, std::int64_t record,
+                           Change change) { records_->changed({table, record}, change); }});
+}
+
+/// The calculation of a field has variables of its own.
+calc::Result File::evaluateFor(const calc::Expression& expression, const calc::RecordScope& scope) {
+    calc::Environment environment;
+    if (open_) environment = session_->environment(shared_from_this());
+    environment.record = std::make_shared<const calc::RecordScope>(scope);
+    return calc::evaluateInside(expression, environment);
 }
 
 File::~File() {
@@ -98,34 +97,25 @@ const Script* File::script(std::u16string_view name) const {
     return nullptr;
 }
 
-const Schema* File::schema() const { return database_ ? &database_->schema() : nullptr; }
+const Schema* File::schema() const { return open_ ? &database_->schema() : nullptr; }
 
 void File::markClosed() {
     open_ = false;
     session_ = nullptr;
-    database_.reset();
 }
 
-std::optional<DataRef> File::get(std::u16string_view name) {
-    for (const Answer& answer : answers)
-        if (calc::foldName(answer.name) == name)
-            return std::make_shared<const Data>(answer.value(solution_, session_));
-    return std::nullopt;
+calc::FieldContext& File::fields() { return *fields_; }
+
+bool File::knowsGet(std::u16string_view name) const { return isGetName(name); }
+
+DataRef File::get(std::u16string_view name, const calc::Environment& environment) {
+    return getValue(name, *this, session_, environment);
 }
 
 std::int64_t File::localMicros() { return clock().localSinceYearOne().count(); }
 
-std::optional<std::u16string> File::scriptNames(std::u16string_view fileName) {
-    if (!open_) return std::nullopt;
-    const std::shared_ptr<File> other = fileName.empty() ? nullptr : session_->find(fileName);
-    if (!fileName.empty() && !other) return std::nullopt;
-    const File& file = other ? *other : *this;
-    return lines(file.solution_.scripts, [](const Script& script) { return script.name; });
-}
-
-std::u16string File::databaseNames() {
-    if (!open_) return {};
-    return lines(session_->files(), [](const auto& file) { return file->name(); });
+std::u16string File::design(std::u16string_view function, std::span<const DataRef> arguments) {
+    return open_ ? designAnswer(function, arguments, *this, *session_) : std::u16string();
 }
 
 calc::SqlAnswer File::executeSql(std::u16string_view statement, std::u16string_view fileName,
@@ -133,11 +123,14 @@ calc::SqlAnswer File::executeSql(std::u16string_view statement, std::u16string_v
     if (!open_) return {.error = calc::error::missingFile, .rows = {}};
     const std::shared_ptr<File> other = fileName.empty() ? nullptr : session_->find(fileName);
     if (!fileName.empty() && !other) return {.error = calc::error::missingFile, .rows = {}};
-    return (other ? *other : *this).database_->execute(statement, parameters);
+    File& file = other ? *other : *this;
+    file.records_->finishLoading();
+    return file.database_->execute(statement, parameters);
 }
 
 calc::SqlAnswer File::selectSql(std::u16string_view statement, const DataVect& parameters) {
     if (!open_) return {.error = calc::error::missingFile, .rows = {}};
+    records_->finishLoading();
     return database_->select(statement, parameters);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/app/Solution.h"
+#include "host/calc/Engine.h"
 #include "host/calc/Environment.h"
 
 #include <map>
@@ -11,10 +12,13 @@ namespace host {
 
 class Session;
 class Database;
+class FileFields;
+class Position;
+class Records;
 struct Schema;
 
 /// An open file. Session opens and closes files.
-class File final : public calc::FileContext {
+class File final : public calc::FileContext, public std::enable_shared_from_this<File> {
 public:
     /// Throws std::runtime_error when the tables cannot be made, or a custom function has a name that is
     /// taken.
@@ -28,6 +32,9 @@ public:
     [[nodiscard]] const Script* script(std::u16string_view name) const;
     /// Tables, fields and their names; null once it is closed.
     [[nodiscard]] const Schema* schema() const;
+    [[nodiscard]] Records& records() { return *records_; }
+    /// Where the session stands in the file.
+    [[nodiscard]] Position& position() { return *position_; }
     /// Ends evaluation and SQL in the file; the session is no longer used.
     void markClosed();
 
@@ -35,10 +42,11 @@ public:
     calc::Variables& fileVariables() override { return variables_; }
     [[nodiscard]] const calc::FunctionRows& customFunctions() const override { return functions_; }
     [[nodiscard]] const Formats& formats() const override { return *formats_; }
-    std::optional<DataRef> get(std::u16string_view name) override;
+    calc::FieldContext& fields() override;
+    [[nodiscard]] bool knowsGet(std::u16string_view name) const override;
+    DataRef get(std::u16string_view name, const calc::Environment& environment) override;
     std::int64_t localMicros() override;
-    std::optional<std::u16string> scriptNames(std::u16string_view fileName) override;
-    std::u16string databaseNames() override;
+    std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) override;
     calc::SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                const DataVect& parameters) override;
     calc::SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) override;
@@ -46,6 +54,10 @@ public:
     std::optional<std::u16string> fontName(std::uint16_t id) override;
 
 private:
+    [[nodiscard]] calc::Result evaluateFor(const calc::Expression& expression,
+                                           const calc::RecordScope& scope);
+    void loadRecords();
+
     Session* session_; ///< null once closed
     std::uint64_t id_;
     Solution solution_;
@@ -56,6 +68,9 @@ private:
     std::vector<std::u16string> fonts_;
     std::map<std::u16string, std::uint16_t, std::less<>> fontIds_; ///< by folded name
     std::unique_ptr<Database> database_;
+    std::unique_ptr<Records> records_;
+    std::unique_ptr<Position> position_;
+    std::unique_ptr<FileFields> fields_;
 };
 
 } // namespace host

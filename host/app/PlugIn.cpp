@@ -32,16 +32,15 @@ constexpr FMX_PtrType englishLanguage = 0;
 
 FMX_PtrType address(const void* pointer) { return reinterpret_cast<FMX_PtrType>(pointer); }
 
-FMX_ErrorCode startScript(const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl /*control*/,
+FMX_ErrorCode startScript(const FMX_Text* fileName, const FMX_Text* scriptName, FMX_ScriptControl control,
                           const FMX_Data* parameter) {
-    // The control decides about the running script. This host ignores it: a new script always waits for the
-    // end of the running one.
     Session* session = Session::current();
     if (session == nullptr) return calc::error::unspecific;
     try {
         auto value = std::make_shared<const Data>(bridge::in<Data>(parameter));
-        return static_cast<FMX_ErrorCode>(session->startScript(
-            bridge::in<Text>(fileName).units(), bridge::in<Text>(scriptName).units(), std::move(value)));
+        return static_cast<FMX_ErrorCode>(session->startScript(bridge::in<Text>(fileName).units(),
+                                                               bridge::in<Text>(scriptName).units(),
+                                                               std::move(value), control));
     } catch (...) {
         return calc::error::unspecific;
     }

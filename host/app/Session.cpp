@@ -52,7 +52,7 @@ Session::~Session() {
 void Session::end() {
     while (!files_.empty())
         close(files_.back()->id());
-    waiting_.clear();
+    machine_.clear();
     if (!std::exchange(hasEnded_, true))
         for (PlugIn* plugIn : enabledPlugIns())
             plugIn->sessionShutdown();
@@ -120,7 +120,7 @@ calc::Environment Session::environment(const std::shared_ptr<File>& file) const 
             .fileId = file ? file->id() : 0,
             .file = file,
             .locals = std::make_shared<calc::Variables>(),
-            .script = nullptr,
+            .script = machine_.outside(),
             .lastError = lastError_};
 }
 
@@ -136,62 +136,47 @@ calc::Result Session::evaluate(std::u16string_view source) {
     return result;
 }
 
-int Session::startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter) {
+ScriptCall Session::callOf(std::u16string_view fileName, std::u16string_view scriptName,
+                           DataRef parameter) const {
     ScriptCall call{.fileId = 0,
                     .fileName = std::u16string(fileName),
                     .scriptName = std::u16string(scriptName),
                     .parameter = parameter ? std::move(parameter) : std::make_shared<const Data>(),
-                    .depth = runningDepth_ + 1};
+                    .depth = machine_.depth() + 1,
+                    .during = machine_.currentRun()};
     const std::shared_ptr<File> file = find(fileName);
-    if (file) call.fileId = file->id();
     if (!file)
         call.error = calc::error::missingFile;
     else if (file->script(scriptName) == nullptr)
         call.error = calc::error::missingScript;
-    else if (call.depth > kMostScriptDepth || waiting_.size() >= kMostWaitingScripts)
+    if (file) call.fileId = file->id();
+    return call;
+}
+
+int Session::startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter,
+                         unsigned char control) {
+    ScriptCall call = callOf(fileName, scriptName, std::move(parameter));
+    call.control = control;
+    if (call.error == calc::error::none &&
+        (call.depth > kMostScriptDepth || machine_.waiting() >= kMostWaitingScripts))
         call.error = calc::error::unavailable;
-    if (call.error == calc::error::none) waiting_.push_back(call);
+    if (call.error == calc::error::none) machine_.add(call);
     ++scriptCalls_;
     if (onScriptCall) onScriptCall(call);
     return call.error;
 }
 
-void Session::run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file) {
-    calc::Environment scope = environment(file);
-    scope.script = std::make_shared<const calc::ScriptFrame>(calc::ScriptFrame{script.name, call.parameter});
-    if (onScriptStart) onScriptStart(call);
-    calc::Result result{.error = calc::error::none, .value = std::make_shared<const Data>(), .problem = {}};
-    for (std::size_t i = 0; i < script.calculations.size(); ++i) {
-        if (i > 0) idle(kFMXT_ScriptRunning);
-        result = calc::evaluate(script.calculations[i], scope, functions_);
-        *lastError_ = result.error;
-        if (result.error != calc::error::none && onScriptError)
-            onScriptError(
-                {.call = call, .calculation = i + 1, .source = script.calculations[i], .result = result});
-    }
-    if (onScriptEnd) onScriptEnd(call, result);
+std::size_t Session::runWaitingScripts() { return machine_.runWaiting(kMostScriptsPerRun); }
+
+calc::Result Session::runScript(std::u16string_view fileName, std::u16string_view scriptName,
+                                DataRef parameter) {
+    return machine_.runToEnd(callOf(fileName, scriptName, std::move(parameter)));
 }
 
-std::size_t Session::runWaitingScripts() {
-    if (runningDepth_ > 0) return 0;
-    std::size_t count = 0;
-    while (count < kMostScriptsPerRun && !waiting_.empty()) {
-        const ScriptCall call = std::move(waiting_.front());
-        waiting_.pop_front();
-        const std::shared_ptr<File> file = find(call.fileName);
-        const Script* script = file && file->id() == call.fileId ? file->script(call.scriptName) : nullptr;
-        if (script == nullptr) continue;
-        ++count;
-        runningDepth_ = call.depth;
-        try {
-            run(*script, call, file);
-        } catch (...) {
-            runningDepth_ = 0;
-            throw;
-        }
-        runningDepth_ = 0;
-    }
-    return count;
+std::optional<Clock::Micros> Session::untilScriptGoesOn() const {
+    const std::optional<Clock::Micros> end = machine_.pausedUntil();
+    if (!end) return std::nullopt;
+    return std::max(*end - clock().now(), Clock::Micros::zero());
 }
 
 std::vector<PlugIn*> Session::enabledPlugIns() const {
@@ -210,7 +195,7 @@ Session::Turn Session::turn() {
     Turn turn;
     const std::size_t callsBefore = scriptCalls_;
     turn.blocks = mainQueue().drain();
-    idle(kFMXT_UserIdle);
+    idle(machine_.pausedUntil() ? kFMXT_ScriptPaused : kFMXT_UserIdle);
     turn.scripts = runWaitingScripts();
     turn.scriptCalls = scriptCalls_ - callsBefore;
     return turn;

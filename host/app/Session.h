@@ -3,11 +3,12 @@
 #include "host/app/Solution.h"
 #include "host/calc/Engine.h"
 #include "host/fmwrapper/Application.h"
+#include "host/scripts/Machine.h"
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,23 +18,6 @@ namespace host {
 /// as something refers to it, but nothing can be evaluated in it.
 class File;
 class PlugIn;
-
-/// A start-script call and its result.
-struct ScriptCall {
-    std::uint64_t fileId;
-    std::u16string fileName, scriptName;
-    DataRef parameter;
-    int error = 0;
-    std::size_t depth = 1; ///< 1 outside of scripts, otherwise one more than the calling script's
-};
-
-/// A calculation of a script that failed.
-struct ScriptError {
-    const ScriptCall& call;
-    std::size_t calculation; ///< its place in the script, from 1
-    std::u16string_view source;
-    const calc::Result& result;
-};
 
 /// A user's session: the open files, in the order in which they were opened, and the calculations in them. A
 /// process has one session at a time; FM_… functions find it through `Session::current`.
@@ -79,25 +63,33 @@ public:
 
     /// The start-script call. Gives 0, 100 (no such file is open), 104 (no such script), or 3 when scripts
     /// started one another kMostScriptDepth times or kMostWaitingScripts wait. An accepted script waits for
-    /// `runWaitingScripts`. Every call, accepted or not, is reported to `onScriptCall`.
-    int startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
-    /// Runs the waiting scripts in order, and then the scripts that these start. Gives the number run, at
-    /// most kMostScriptsPerRun; the rest waits for the next call. The calculations of a script share one
-    /// variable scope; an error in one does not stop the next. Between them the plug-ins get an idle message
-    /// (kFMXT_ScriptRunning). A script is dropped when its file has closed. A call from within a script does
-    /// nothing: scripts run one after another, never inside each other.
+    /// `runWaitingScripts`. Every call, accepted or not, is reported to `onScriptCall`. `control`
+    /// (FMX_ScriptControl) says what becomes of the script that runs at the call, or pauses then.
+    int startScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter,
+                    unsigned char control = 0);
+    /// Goes on with the script that has paused, runs the waiting scripts in order, and then the scripts that
+    /// these start. Gives the number begun, at most kMostScriptsPerRun; the rest waits for the next call, and
+    /// so does a script that pauses. Between steps the plug-ins get an idle message (kFMXT_ScriptRunning). A
+    /// script ends when its file has closed. A call from within a script does nothing.
     std::size_t runWaitingScripts();
+    /// Runs a script to its end, past its pauses, and gives its result: empty when it was halted or has none.
+    /// Error 100: no such file is open; 104: no such script; 3: called from within a script. Not for
+    /// plug-ins.
+    calc::Result runScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
+    /// The time until a script that pauses goes on; nothing when none pauses.
+    [[nodiscard]] std::optional<Clock::Micros> untilScriptGoesOn() const;
     static constexpr std::size_t kMostScriptsPerRun = 10'000, kMostScriptDepth = 1'000,
                                  kMostWaitingScripts = 100'000;
     std::function<void(const ScriptCall&)> onScriptCall;
-    /// Called when an accepted script starts, when it ends (with the result of its last calculation), and for
-    /// each of its calculations that fails.
+    /// Called when a script starts, when it ends (with its result), and for each of its calculations and
+    /// steps that fails. A sub-script is a script.
     std::function<void(const ScriptCall&)> onScriptStart;
     std::function<void(const ScriptCall&, const calc::Result&)> onScriptEnd;
     std::function<void(const ScriptError&)> onScriptError;
 
-    /// One turn of the host's loop: the due work of the main queue, an idle message (kFMXT_UserIdle), the
-    /// waiting scripts. The app makes a few turns a second while the user does nothing.
+    /// One turn of the host's loop: the due work of the main queue, an idle message (kFMXT_UserIdle, or
+    /// kFMXT_ScriptPaused while a script pauses), the waiting scripts. The app makes a few turns a second
+    /// while the user does nothing.
     struct Turn {
         std::size_t blocks = 0;      ///< blocks run from the main queue
         std::size_t scriptCalls = 0; ///< start-script calls, accepted or not
@@ -106,6 +98,8 @@ public:
     Turn turn();
     /// Sends an idle message of the level to the enabled plug-ins.
     void idle(unsigned char level);
+    /// The code that Get ( LastError ) answers outside of scripts.
+    void setLastError(int code) { *lastError_ = code; }
 
     /// Called when a file has closed.
     std::function<void(std::uint64_t fileId)> onFileClosed;
@@ -118,17 +112,18 @@ public:
 private:
     [[nodiscard]] std::vector<PlugIn*> enabledPlugIns() const;
     void useFrontFormats() const;
-    void run(const Script& script, const ScriptCall& call, const std::shared_ptr<File>& file);
+    /// A call of now, with the error 100 or 104 where there is nothing to call.
+    [[nodiscard]] ScriptCall callOf(std::u16string_view fileName, std::u16string_view scriptName,
+                                    DataRef parameter) const;
 
     std::uint64_t id_;
     bool hasEnded_ = false;
-    std::size_t runningDepth_ = 0; ///< depth of the running script; 0 while none runs
     std::size_t scriptCalls_ = 0;
     std::shared_ptr<calc::FunctionTable> functions_;
     std::vector<std::shared_ptr<File>> files_;
     std::shared_ptr<calc::Variables> topLevel_;
     std::shared_ptr<int> lastError_;
-    std::deque<ScriptCall> waiting_;
+    scripts::Machine machine_{*this};
     std::vector<PlugIn*> plugIns_;
 };
 

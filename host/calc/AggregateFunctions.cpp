@@ -1,8 +1,10 @@
+#include "host/calc/Aggregates.h"
 #include "host/calc/BuiltIns.h"
 #include "host/calc/Operators.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 /// Functions over several values, of which the empty ones never count.
@@ -111,21 +113,57 @@ DataRef spread(Arguments arguments) {
     return result ? rounded(*result, sums.precision) : questionMark();
 }
 
-constexpr std::array rows{
-    EagerRow{u"Average", average},
-    EagerRow{u"Count", count},
-    EagerRow{u"List", list},
-    EagerRow{u"Max", outermost<Operator::greater>},
-    EagerRow{u"Min", outermost<Operator::less>},
-    EagerRow{u"StDev", spread<Measure::deviation, Of::sample>},
-    EagerRow{u"StDevP", spread<Measure::deviation, Of::population>},
-    EagerRow{u"Sum", sum},
-    EagerRow{u"Variance", spread<Measure::variance, Of::sample>},
-    EagerRow{u"VarianceP", spread<Measure::variance, Of::population>},
+struct Row {
+    std::u16string_view name;
+    Aggregate aggregate;
 };
+constexpr std::array rows{
+    Row{u"Average", average},
+    Row{u"Count", count},
+    Row{u"List", list},
+    Row{u"Max", outermost<Operator::greater>},
+    Row{u"Min", outermost<Operator::less>},
+    Row{u"StDev", spread<Measure::deviation, Of::sample>},
+    Row{u"StDevP", spread<Measure::deviation, Of::population>},
+    Row{u"Sum", sum},
+    Row{u"Variance", spread<Measure::variance, Of::sample>},
+    Row{u"VarianceP", spread<Measure::variance, Of::population>},
+};
+
+/// The values that the arguments stand for: a field stands for all its repetitions and related records.
+DataVect expanded(Evaluation& evaluation, std::span<const Node* const> arguments) {
+    DataVect values;
+    for (const Node* argument : arguments) {
+        if (const auto field = evaluation.fieldIn(*argument)) {
+            const DataVect ofField = evaluation.valuesOf(*field);
+            values.insert(values.end(), ofField.begin(), ofField.end());
+        } else {
+            values.push_back(evaluation.evaluate(*argument));
+        }
+    }
+    return values;
+}
+
+template<std::size_t place>
+DataRef aggregated(Evaluation& evaluation, std::span<const Node* const> arguments) {
+    const DataVect values = expanded(evaluation, arguments);
+    return evaluation.isUnending() ? questionMark() : rows[place].aggregate(values);
+}
+
+template<std::size_t... places>
+void addAll(FunctionTable& table, std::index_sequence<places...>) {
+    (addRow(table, LazyRow{rows[places].name, aggregated<places>}), ...);
+}
 
 } // namespace
 
-void addAggregateFunctions(FunctionTable& table) { addRows(table, rows); }
+Aggregate aggregateNamed(std::u16string_view name) {
+    const auto* row = std::find_if(rows.begin(), rows.end(), [name](const Row& known) { return known.name == name; });
+    return row == rows.end() ? nullptr : row->aggregate;
+}
+
+void addAggregateFunctions(FunctionTable& table) {
+    addAll(table, std::make_index_sequence<rows.size()>());
+}
 
 } // namespace host::calc

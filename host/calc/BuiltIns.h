@@ -25,6 +25,7 @@ void addFinancialFunctions(FunctionTable& table);
 void addDateFunctions(FunctionTable& table);
 void addLogicFunctions(FunctionTable& table);
 void addGetFunctions(FunctionTable& table);
+void addFieldFunctions(FunctionTable& table);
 void addStyleFunctions(FunctionTable& table);
 void addJsonFunctions(FunctionTable& table);
 void addEncodingFunctions(FunctionTable& table);

@@ -21,7 +21,7 @@ ExpressionRef CustomFunction::expression(const std::shared_ptr<const FunctionTab
                                          FileContext& file) const {
     if (parsed_) return parsed_;
     const std::vector<std::u16string_view> names(parameters_.begin(), parameters_.end());
-    Parser parser(calculation_, functions, &file, names);
+    Parser parser(calculation_, functions, &file, nullptr, names);
     try {
         parsed_ = parser.parse();
     } catch (const Error& error) {

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <new>
+#include <optional>
 
 namespace host::calc {
 
@@ -25,7 +26,14 @@ constexpr std::array messages{
     Message{error::missingFile, "file is missing"},
     Message{error::missingRecord, "record is missing"},
     Message{error::missingField, "field is missing"},
+    Message{error::missingRelationship, "relationship is missing"},
     Message{error::missingScript, "script is missing"},
+    Message{error::missingLayout, "layout is missing"},
+    Message{error::missingRelatedTable, "related tables are missing"},
+    Message{error::missingRepetition, "specified repetition is invalid"},
+    Message{error::notWritable, "field cannot be modified"},
+    Message{error::noCriteria, "find criteria are empty"},
+    Message{error::nothingFound, "no records match the request"},
     Message{error::unspecific, "unspecific calculation error"},
     Message{error::tooFewParameters, "too few parameters in the function"},
     Message{error::tooManyParameters, "too many parameters in the function"},
@@ -41,7 +49,10 @@ constexpr std::array messages{
     Message{error::operatorExpected, "an operator is expected here"},
     Message{error::fieldExpected, "a parameter must be a field, not an expression"},
     Message{error::invalidGetParameter, "the parameter of Get is invalid"},
+    Message{error::summaryExpected, "the parameter must be a summary field"},
+    Message{error::wrongBreakField, "the break field is invalid"},
     Message{error::unreadableNumber, "the number cannot be evaluated"},
+    Message{error::ownFormula, "a field cannot be used in its own formula"},
     Message{error::notImplemented, "the function is not implemented"},
     Message{error::notSupported, "the function is not supported in this context"},
     Message{8309, "SQL statement was refused"},
@@ -113,7 +124,7 @@ FunctionTable::FunctionTable() {
           addNumberFunctions,   addRealFunctions,      addFinancialFunctions,  addDateFunctions,
           addLogicFunctions,    addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
           addJsonFunctions,     addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
-          addContainerFunctions})
+          addContainerFunctions, addFieldFunctions})
         addFamily(*this);
 }
 
@@ -136,10 +147,10 @@ std::shared_ptr<const Function> FunctionTable::find(std::u16string_view name) co
 }
 
 Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTable>& functions,
-             FileContext* file) {
+             FileContext* file, const RecordScope* scope) {
     Parsed parsed;
     try {
-        Parser parser(source, functions, file);
+        Parser parser(source, functions, file, scope);
         try {
             parsed.expression = parser.parse();
         } catch (const Error& error) {
@@ -152,11 +163,15 @@ Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTab
     return parsed;
 }
 
-Result evaluate(const Expression& expression, const Environment& environment) {
+namespace {
+
+/// With a limit of work of its own, or that of the calculation around it.
+Result evaluate(const Expression& expression, const Environment& environment, bool isInside) {
     Result result{.error = error::missingFile, .value = emptyResult(), .problem = {}};
     if (!environment.file || !environment.file->isOpen()) return result;
     try {
-        const Work work;
+        std::optional<Work> work;
+        if (!isInside || !Work::isRunning()) work.emplace();
         const FormatsScope formats(environment.file->formats());
         Environment scope = environment;
         if (!scope.locals) scope.locals = std::make_shared<Variables>();
@@ -175,9 +190,21 @@ Result evaluate(const Expression& expression, const Environment& environment) {
     return result;
 }
 
+} // namespace
+
+Result evaluate(const Expression& expression, const Environment& environment) {
+    return evaluate(expression, environment, false);
+}
+
+Result evaluateInside(const Expression& expression, const Environment& environment) {
+    return evaluate(expression, environment, true);
+}
+
+const std::vector<FieldPlace>& fieldsOf(const Expression& expression) { return expression.fields; }
+
 Result evaluate(std::u16string_view source, const Environment& environment,
                 const std::shared_ptr<const FunctionTable>& functions) {
-    Parsed parsed = parse(source, functions, environment.file.get());
+    Parsed parsed = parse(source, functions, environment.file.get(), environment.record.get());
     if (parsed.error == error::none) return evaluate(*parsed.expression, environment);
     return {.error = parsed.error, .value = emptyResult(), .problem = std::move(parsed.problem)};
 }

@@ -18,12 +18,15 @@ namespace host::calc {
 /// Codes of failures. Calculation code throws `Error`; no exception leaves `parse` and `evaluate`.
 namespace error {
 inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 100, missingRecord = 101,
-                     missingField = 102, missingScript = 104, unspecific = 1200, tooFewParameters = 1201,
+                     missingField = 102, missingRelationship = 103, missingScript = 104,
+                     missingLayout = 105, missingRelatedTable = 110,
+                     missingRepetition = 111, notWritable = 201, noCriteria = 400, nothingFound = 401, unspecific = 1200, tooFewParameters = 1201,
                      tooManyParameters = 1202, unexpectedEnd = 1203, operandExpected = 1204,
                      unterminatedComment = 1205, unterminatedText = 1206, unbalancedParenthesis = 1207,
                      functionNotFound = 1208, nameMissing = 1209, alreadyRegistered = 1210,
                      listNotAllowed = 1211, operatorExpected = 1212, fieldExpected = 1214,
-                     invalidGetParameter = 1215, unreadableNumber = 1218, notImplemented = 1223,
+                     invalidGetParameter = 1215, summaryExpected = 1216, wrongBreakField = 1217,
+                     unreadableNumber = 1218, ownFormula = 1219, notImplemented = 1223,
                      notSupported = 1225;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
@@ -106,9 +109,10 @@ struct Parsed {
     ExpressionRef expression; ///< null on an error
 };
 /// Nesting deeper than 400 levels answers 1200. An empty or blank source is a calculation with an empty
-/// result. Custom functions are those of `file`, which may be null.
+/// result. Custom functions and fields are those of `file`, which may be null; bare names of fields are those
+/// of the scope, or of the current layout where it is null.
 Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTable>& functions,
-             FileContext* file = nullptr);
+             FileContext* file = nullptr, const RecordScope* scope = nullptr);
 
 struct Result {
     int error = 0;
@@ -116,6 +120,10 @@ struct Result {
     Problem problem; ///< set on an error
 };
 Result evaluate(const Expression& expression, const Environment& environment);
+/// The same as a part of the calculation that runs, if one does: both share one limit of work.
+Result evaluateInside(const Expression& expression, const Environment& environment);
+/// The fields that a calculation reads.
+const std::vector<FieldPlace>& fieldsOf(const Expression& expression);
 /// Parses and evaluates. `functions` also serves what the calculation itself evaluates.
 Result evaluate(std::u16string_view source, const Environment& environment,
                 const std::shared_ptr<const FunctionTable>& functions);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/calc/Fields.h"
 #include "host/values/Data.h"
 #include "host/values/Formats.h"
 
@@ -8,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -44,6 +46,7 @@ struct SqlAnswer {
     std::u16string problem = {}; ///< the reason of a failure, where it is known
 };
 
+struct Environment;
 struct Function;
 /// Functions by folded name.
 using FunctionRows = std::map<std::u16string, std::shared_ptr<const Function>, std::less<>>;
@@ -58,14 +61,15 @@ public:
     [[nodiscard]] virtual const Formats& formats() const = 0;
     /// The functions that the file's solution defines.
     [[nodiscard]] virtual const FunctionRows& customFunctions() const = 0;
-    /// The value of Get ( name ), whose name comes folded; nothing when there is no such name. The engine
-    /// itself answers ScriptName, ScriptParameter, LastError and the clock's names.
-    virtual std::optional<DataRef> get(std::u16string_view name) = 0;
+    virtual FieldContext& fields() = 0;
+    /// Whether Get ( name ) has a value, and the value. The name comes folded. The engine itself answers
+    /// ScriptName, ScriptParameter, LastError and the clock's names.
+    [[nodiscard]] virtual bool knowsGet(std::u16string_view name) const = 0;
+    virtual DataRef get(std::u16string_view name, const Environment& environment) = 0;
     /// Microseconds since 0001-01-01 00:00:00, local time.
     virtual std::int64_t localMicros() = 0;
-    /// Names, one a line with returns between; nothing when no file of that name is open ("" is this one).
-    virtual std::optional<std::u16string> scriptNames(std::u16string_view fileName) = 0;
-    virtual std::u16string databaseNames() = 0;
+    /// What a design function such as FieldNames says about an open file; empty where there is no such part.
+    virtual std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) = 0;
     /// Runs any statement on a file ("" is this one); the values of the answer are typed.
     virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                  const DataVect& parameters) = 0;
@@ -76,10 +80,15 @@ public:
     virtual std::optional<std::u16string> fontName(std::uint16_t id) = 0;
 };
 
-/// The script that runs, if any.
+/// The script that runs. Outside of scripts it has no name, and the result of the script that ended last.
 struct ScriptFrame {
     std::u16string name;
-    DataRef parameter;
+    DataRef parameter;   ///< may be null, as result
+    DataRef result = {}; ///< of the script that this one called last
+    std::u16string errorLocation =
+        {}; ///< script, step and line of the last error, one a line; empty for none
+    bool capturesErrors = false;
+    bool allowsAbort = true;
 };
 
 /// Where a calculation is evaluated: session, file, variables, script. Plug-ins get it as fmx::ExprEnv, so
@@ -91,6 +100,7 @@ struct Environment {
     std::shared_ptr<Variables> locals; ///< the `$` variables
     std::shared_ptr<const ScriptFrame> script;
     std::shared_ptr<int> lastError; ///< what Get ( LastError ) answers
+    std::shared_ptr<const RecordScope> record = nullptr; ///< null: the file's current record
 };
 
 } // namespace host::calc

@@ -70,6 +70,8 @@ Work::Work() : outer_(std::exchange(occupied.steps, 0)) {}
 
 Work::~Work() { occupied.steps = outer_; }
 
+bool Work::isRunning() { return occupied.evaluations > 0; }
+
 void Work::charge(std::size_t steps) {
     occupied.steps += steps;
     if (occupied.isExhausted || occupied.steps > kMostSteps || areCalculationsStopped()) exhaust();
@@ -107,7 +109,7 @@ ExpressionRef Evaluation::parseHere(std::u16string_view source) const {
     for (std::size_t i = firstOfFrame_; i < bindings_.size(); ++i)
         names.push_back(bindings_[i].name);
     Work::charge(source.size() + names.size());
-    return Parser(source, functions_, environment_.file.get(), names).parse();
+    return Parser(source, functions_, environment_.file.get(), environment_.record.get(), names).parse();
 }
 
 DataRef Evaluation::failed(int code) {
@@ -122,6 +124,7 @@ DataRef Evaluation::evaluate(const Node& node, bool isTail) {
     case Node::Kind::literal: return precise(node.value);
     case Node::Kind::binding: return precise(bindingOf(node).value);
     case Node::Kind::variable: return precise(variable(node));
+    case Node::Kind::field: return precise(valueOf(referenceTo(node)));
     case Node::Kind::chain: return chain(node);
     case Node::Kind::negate: return negated(*evaluate(*node.children[0]), precision());
     case Node::Kind::logicalNot: return booleanResult(!evaluate(*node.children[0])->asBoolean());

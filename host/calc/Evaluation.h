@@ -3,6 +3,7 @@
 #include "host/calc/Engine.h"
 #include "host/calc/Node.h"
 
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -41,6 +42,9 @@ public:
     ~Work();
     Work(const Work&) = delete;
     Work& operator=(const Work&) = delete;
+
+    /// Whether a calculation runs on this thread.
+    static bool isRunning();
 
     /// Counts steps of the calculation that runs, or the handling of so many units of text; throws
     /// `Exhausted` when there were too many.
@@ -122,6 +126,26 @@ public:
     [[nodiscard]] bool isUnending() const { return isUnending_; }
     bool takeUnending() { return std::exchange(isUnending_, false); }
 
+    /// A field and one of its repetitions.
+    struct FieldReference {
+        FieldPlace place;
+        int repetition = 1;
+        bool isOneRepetition = false; ///< `[n]` is written
+    };
+    [[nodiscard]] FieldContext& fields() const { return environment_.file->fields(); }
+    [[nodiscard]] FieldContext::Scope scope() const { return environment_.record.get(); }
+    /// The field that a part of the calculation names, itself or by GetField; nothing for any other part.
+    std::optional<FieldReference> fieldIn(const Node& node);
+    /// The same, or the one that an Evaluate names; throws 1214 for any other part.
+    FieldReference requiredField(const Node& node);
+    /// The field of that name; throws 102.
+    FieldReference fieldNamed(std::u16string_view name);
+    DataRef valueOf(const FieldReference& field);
+    /// What an aggregate of the field counts: all related records, all repetitions; also empty ones.
+    DataVect valuesOf(const FieldReference& field);
+    /// A value from `fields`, whose failure becomes the inner error.
+    DataRef noted(DataRef value);
+
     /// The code of a part that failed since this was last cleared, without ending the calculation.
     [[nodiscard]] int innerError() const { return innerError_; }
     void setInnerError(int code) { innerError_ = code; }
@@ -138,6 +162,7 @@ private:
 
     DataRef evaluate(const Node& node, bool isTail);
     DataRef variable(const Node& node);
+    FieldReference referenceTo(const Node& field);
     DataRef chain(const Node& node);
     DataRef joined(const Node& node);
     DataRef call(const Node& node, bool isTail);

@@ -32,6 +32,26 @@ DataRef scriptParameter(Evaluation& evaluation) {
     return script && script->parameter ? script->parameter : emptyResult();
 }
 
+DataRef scriptResult(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script && script->result ? script->result : emptyResult();
+}
+
+DataRef errorLocation(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return script ? textResult(script->errorLocation) : emptyResult();
+}
+
+DataRef capturesErrors(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(script && script->capturesErrors);
+}
+
+DataRef allowsAbort(Evaluation& evaluation) {
+    const auto& script = evaluation.environment().script;
+    return booleanResult(!script || script->allowsAbort);
+}
+
 DataRef lastError(Evaluation& evaluation) {
     const auto& code = evaluation.environment().lastError;
     return numberResult(code ? *code : 0);
@@ -50,6 +70,17 @@ DataRef uuid(Evaluation&) {
     return textResult(std::move(text));
 }
 
+/// A random number of 24 bytes.
+DataRef uuidNumber(Evaluation&) {
+    constexpr int words = 6;
+    static std::mt19937_64 generator(std::random_device{}());
+    std::uniform_int_distribution<std::uint32_t> pick(1);
+    Decimal number = pick(generator);
+    for (int i = 1; i < words; ++i)
+        number = number.times(std::int64_t{1} << 32).plus(pick(generator));
+    return numberResult(std::move(number));
+}
+
 struct Answer {
     std::u16string_view name; ///< folded
     DataRef (*value)(Evaluation& evaluation);
@@ -58,12 +89,17 @@ struct Answer {
 constexpr std::array answers{
     Answer{u"scriptname", scriptName},
     Answer{u"scriptparameter", scriptParameter},
+    Answer{u"scriptresult", scriptResult},
     Answer{u"lasterror", lastError},
+    Answer{u"lasterrorlocation", errorLocation},
+    Answer{u"errorcapturestate", capturesErrors},
+    Answer{u"allowabortstate", allowsAbort},
     Answer{u"currentdate", current<DataType::date>},
     Answer{u"currenttime", current<DataType::time>},
     Answer{u"currenttimestamp", current<DataType::timestamp>},
     Answer{u"currenthosttimestamp", current<DataType::timestamp>},
     Answer{u"uuid", uuid},
+    Answer{u"uuidnumber", uuidNumber},
 };
 
 const Answer* answerNamed(std::u16string_view name) {
@@ -73,24 +109,14 @@ const Answer* answerNamed(std::u16string_view name) {
 }
 
 bool knowsGet(FileContext& file, std::u16string_view name) {
-    return answerNamed(name) != nullptr || file.get(name).has_value();
+    return answerNamed(name) != nullptr || file.knowsGet(name);
 }
 
 DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
     const std::u16string& name = arguments[0]->name;
     if (const Answer* answer = answerNamed(name)) return answer->value(evaluation);
-    const std::optional<DataRef> value = evaluation.file().get(name);
-    if (!value) throw Error{error::invalidGetParameter};
-    return *value;
-}
-
-/// Of no file: empty.
-DataRef scriptNames(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    return textResult(evaluation.file().scriptNames(arguments[0]->asText().units()).value_or(u""));
-}
-
-DataRef databaseNames(Evaluation& evaluation, std::span<const DataRef>) {
-    return textResult(evaluation.file().databaseNames());
+    if (!evaluation.file().knowsGet(name)) throw Error{error::invalidGetParameter};
+    return evaluation.file().get(name, evaluation.environment());
 }
 
 /// The values of an answer with separators between them: a comma and a return where these are empty.
@@ -118,13 +144,12 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     const DataVect parameters(arguments.begin() + 3, arguments.end());
     const SqlAnswer answer = evaluation.file().selectSql(arguments[0]->asText().units(), parameters);
     if (answer.error == error::none) return textResult(joined(answer, *arguments[1], *arguments[2]));
-    if (!givesReason || answer.problem.empty()) return questionMark();
+    const DataRef mark = evaluation.failed(answer.error);
+    if (!givesReason || answer.problem.empty()) return mark;
     return textResult(Text(u"? ERROR: " + answer.problem));
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ScriptNames", scriptNames},
-    EvaluationRow{u"DatabaseNames", databaseNames},
     EvaluationRow{u"ExecuteSQL", executeSql<false>},
     EvaluationRow{u"ExecuteSQLe", executeSql<true>},
 };

@@ -51,8 +51,6 @@ DataRef whileLoop(Evaluation& evaluation, Nodes arguments) {
     return evaluation.evaluate(*arguments.back());
 }
 
-DataRef isEmpty(std::span<const DataRef> arguments) { return booleanResult(arguments[0]->isEmpty()); }
-
 DataRef getAsBoolean(std::span<const DataRef> arguments) { return booleanResult(arguments[0]->asBoolean()); }
 
 /// Evaluates, and gives the code of the failure; 0 when there was none. A recursion without end gives "?".
@@ -71,11 +69,28 @@ int tried(Evaluation& evaluation, DataRef& value, const Work& work) {
     }
 }
 
+/// The same for a part of the calculation; a failure that it went on after counts too.
+int triedPart(Evaluation& evaluation, DataRef& value, const Node& node) {
+    const int outer = evaluation.innerError();
+    evaluation.setInnerError(error::none);
+    const int code = tried(evaluation, value, [&] { return evaluation.evaluate(node); });
+    const int inner = evaluation.innerError();
+    evaluation.setInnerError(outer);
+    return code == error::none ? inner : code;
+}
+
 /// Whether evaluating gives a value that is one, without an error.
 DataRef isValid(Evaluation& evaluation, Nodes arguments) {
     DataRef value;
-    tried(evaluation, value, [&] { return evaluation.evaluate(*arguments[0]); });
+    triedPart(evaluation, value, *arguments[0]);
     return booleanResult(value->isValid());
+}
+
+/// A value that cannot be had is empty.
+DataRef isEmpty(Evaluation& evaluation, Nodes arguments) {
+    DataRef value;
+    const int code = triedPart(evaluation, value, *arguments[0]);
+    return booleanResult(code != error::none || value->isEmpty());
 }
 
 DataRef isValidExpression(Evaluation& evaluation, std::span<const DataRef> arguments) {
@@ -104,13 +119,8 @@ DataRef evaluateText(Evaluation& evaluation, std::span<const DataRef> arguments)
 }
 
 DataRef evaluationError(Evaluation& evaluation, Nodes arguments) {
-    const int outer = evaluation.innerError();
-    evaluation.setInnerError(error::none);
     DataRef value;
-    const int code = tried(evaluation, value, [&] { return evaluation.evaluate(*arguments[0]); });
-    const int inner = evaluation.innerError();
-    evaluation.setInnerError(outer);
-    return numberResult(code == error::none ? inner : code);
+    return numberResult(triedPart(evaluation, value, *arguments[0]));
 }
 
 /// SetRecursion ( calculation ; limit )
@@ -142,6 +152,7 @@ constexpr std::array lazyRows{
     LazyRow{u"Choose", choose},
     LazyRow{u"Let", let, Form::assignment},
     LazyRow{u"While", whileLoop, Form::loop},
+    LazyRow{u"IsEmpty", isEmpty},
     LazyRow{u"IsValid", isValid},
     LazyRow{u"EvaluationError", evaluationError},
     LazyRow{u"SetPrecision", setPrecision},
@@ -152,7 +163,6 @@ constexpr std::array evaluationRows{
     EvaluationRow{u"Evaluate", evaluateText, Form::triggers},
 };
 constexpr std::array eagerRows{
-    EagerRow{u"IsEmpty", isEmpty},
     EagerRow{u"GetAsBoolean", getAsBoolean},
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/calc/Engine.h"
+#include "host/calc/Fields.h"
 
 #include <cstdint>
 #include <deque>
@@ -36,6 +37,7 @@ struct Node {
         literal,    ///< value
         binding,    ///< a name bound by a Let, a While or as a custom function's parameter: slot
         variable,   ///< name, ofFile; a child gives the repetition
+        field,      ///< occurrence, name, place; a child gives the repetition
         chain,      ///< children, left to right, and the operators between them
         negate,     ///< one child
         logicalNot, ///< one child
@@ -51,7 +53,10 @@ struct Node {
     std::uint32_t slot = 0;  ///< counted from the first name of the calculation or custom function
     std::uint32_t position = 0, length = 0; ///< in units of the source
     DataRef value;
-    std::u16string name; ///< folded
+    std::u16string name;       ///< folded
+    std::u16string occurrence; ///< of a field; empty: one of the scope's own
+    FieldPlace place;
+    std::uint64_t names = 0; ///< FieldContext::names when the place was found
     std::vector<const Node*> children;
     std::vector<Operator> operators;
     std::shared_ptr<const Function> function;
@@ -71,6 +76,7 @@ public:
 
     const Node* root = nullptr; ///< null: nothing but blanks
     int levels = 0;             ///< how deeply it is nested
+    std::vector<FieldPlace> fields; ///< that it reads
     std::shared_ptr<const FunctionTable> functions;
 
 private:

@@ -49,8 +49,8 @@ private:
 };
 
 Parser::Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file,
-               const std::vector<std::u16string_view>& bound)
-    : file_(file), expression_(std::make_shared<Expression>(source)), lexer_(expression_->source) {
+               const RecordScope* scope, const std::vector<std::u16string_view>& bound)
+    : file_(file), scope_(scope), expression_(std::make_shared<Expression>(source)), lexer_(expression_->source) {
     expression_->functions = std::move(functions);
     for (const std::u16string_view name : bound)
         bind(std::u16string(name));
@@ -206,9 +206,11 @@ const Node* Parser::name() {
     const Token name = std::move(token_);
     advance();
     const bool isCall = at(Token::Kind::leftParenthesis);
+    if (name.isQualified && !isCall) return field(name);
     if (name.isQualified) failOnName(name, isCall);
     const std::u16string folded = foldName(name.text);
     if (!isCall && slotOf(folded) != kNoSlot) return binding(name);
+    if (name.isQuoted && !isCall) return field(name);
     if (name.isQuoted) failOnName(name, isCall);
     const auto function = functionNamed(folded);
     if (isCall && function) return call(function, name);
@@ -224,7 +226,25 @@ const Node* Parser::name() {
         return &node;
     }
     if (function) checkCount(function, 0, name);
-    failOnName(name, isCall);
+    return field(name);
+}
+
+const Node* Parser::field(const Token& name) {
+    if (file_ == nullptr) failOnName(name, false);
+    FieldContext& fields = file_->fields();
+    const FieldContext::Found found = fields.find(scope_, name.table, name.text);
+    if (found.error != error::none) failOnName(name, false);
+    expression_->fields.push_back(found.place);
+    Node& node = add(Node::Kind::field, name);
+    node.occurrence = name.table;
+    node.name = foldName(name.text);
+    node.place = found.place;
+    node.names = fields.names(scope_);
+    const std::uint32_t opening = token_.position;
+    if (!take(Token::Kind::leftBracket)) return &node;
+    node.children.push_back(expression());
+    close(Token::Kind::rightBracket, opening);
+    return &node;
 }
 
 const Node* Parser::binding(const Token& name) {

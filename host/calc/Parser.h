@@ -12,15 +12,16 @@
 namespace host::calc {
 
 /// Reads one calculation. A bare name is, in this order: a name that a Let, a While or a custom function
-/// binds, a function, a reserved word; any other answers 102.
+/// binds, a function, a reserved word, a field; any other answers 102.
 class Parser {
 public:
     static constexpr int kMostLevels = 400;
 
-    /// `file` (it may be null) has the custom functions; `bound` are names that are bound around the
-    /// calculation, innermost last.
+    /// `file` (it may be null) has the custom functions and the fields; bare names are those of the scope, or
+    /// of the current layout where it is null. `bound` are names that are bound around the calculation,
+    /// innermost last.
     Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file,
-           const std::vector<std::u16string_view>& bound = {});
+           const RecordScope* scope, const std::vector<std::u16string_view>& bound = {});
     /// Throws `Error`.
     ExpressionRef parse();
 
@@ -59,6 +60,7 @@ private:
     const Node* parenthesis();
     const Node* name();
     const Node* binding(const Token& name);
+    const Node* field(const Token& name);
     [[noreturn]] void failOnName(const Token& name, bool isCall);
     [[nodiscard]] std::shared_ptr<const Function> functionNamed(std::u16string_view folded) const;
 
@@ -78,6 +80,7 @@ private:
     [[nodiscard]] std::uint32_t slotOf(const std::u16string& name) const;
 
     FileContext* file_;
+    const RecordScope* scope_;
     std::shared_ptr<Expression> expression_;
     Lexer lexer_; ///< reads the expression's copy of the source
     Token token_;

@@ -116,7 +116,7 @@ Problem placed(std::u16string_view source, std::uint32_t position, std::uint32_t
 } // namespace
 
 Problem problemOf(const Error& error, const Parser& parser, std::u16string_view source,
-                  const FunctionTable& functions, const FileContext* file) {
+                  const FunctionTable& functions, FileContext* file) {
     const Parser::Stop& stop = parser.stop();
     Problem problem = placed(source, stop.position, stop.length);
     problem.message = hintFor(problem.near);
@@ -129,9 +129,15 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
             nearest.consider(name);
         nearest.consider(functions.rows());
         if (file != nullptr) nearest.consider(file->customFunctions());
-        problem.message = error.code == error::missingField
-                              ? named(problem.near) + ": no such field" + nearest.question()
-                              : "function " + named(problem.near) + " is not known" + nearest.question();
+        if (file != nullptr && error.code != error::functionNotFound)
+            file->fields().eachName([&](std::u16string_view name) {
+                nearest.consider(name);
+                nearest.consider(name.substr(name.find(u"::") + 2));
+            });
+        problem.message = (error.code == error::missingField
+                               ? named(problem.near) + ": no such field"
+                               : "function " + named(problem.near) + " is not known") +
+                          nearest.question();
         break;
     case error::tooFewParameters:
     case error::tooManyParameters:

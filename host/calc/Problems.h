@@ -11,7 +11,7 @@ namespace host::calc {
 
 /// Where and why a parser stopped.
 Problem problemOf(const Error& error, const Parser& parser, std::u16string_view source,
-                  const FunctionTable& functions, const FileContext* file);
+                  const FunctionTable& functions, FileContext* file);
 
 /// The place of a failed call; `call` may be null, which is the whole calculation.
 Problem problemOf(const Error& error, const Node* call, std::u16string_view source);

@@ -1,8 +1,9 @@
 #include "host/calc/BuiltIns.h"
 
+#include <algorithm>
 #include <array>
 
-/// Functions of values with repetitions, which variables have.
+/// Functions of values with repetitions, which fields and variables have.
 
 namespace host::calc {
 
@@ -22,19 +23,31 @@ struct Named {
     std::u16string_view name;
 };
 
-/// Extend ( variable ): its value, which stands for every repetition of a calculation that has several.
+/// Extend ( field ), Extend ( variable ): its value, which stands for every repetition of a calculation that
+/// has several.
 DataRef extend(Evaluation& evaluation, Nodes arguments) {
+    if (const auto field = evaluation.fieldIn(*arguments[0]))
+        return evaluation.valueOf({.place = field->place});
     const Named named(evaluation, *arguments[0]);
     return named.variables.value(named.name);
 }
 
 DataRef getRepetition(Evaluation& evaluation, Nodes arguments) {
+    const int repetition = evaluation.evaluate(*arguments[1])->asNumber().toInt32();
+    if (const auto field = evaluation.fieldIn(*arguments[0]))
+        return evaluation.valueOf({.place = field->place, .repetition = repetition, .isOneRepetition = true});
     const Named named(evaluation, *arguments[0]);
-    return named.variables.value(named.name, evaluation.evaluate(*arguments[1])->asNumber().toInt32());
+    return named.variables.value(named.name, repetition);
 }
 
-/// The last repetition that is not empty.
+/// The last repetition, or related value, that is not empty.
 DataRef last(Evaluation& evaluation, Nodes arguments) {
+    if (const auto field = evaluation.fieldIn(*arguments[0])) {
+        const DataVect values = evaluation.valuesOf(*field);
+        const auto found = std::find_if(values.rbegin(), values.rend(),
+                                        [](const DataRef& value) { return !value->isEmpty(); });
+        return found == values.rend() ? emptyResult() : *found;
+    }
     const Named named(evaluation, *arguments[0]);
     return named.variables.lastValue(named.name);
 }

@@ -16,6 +16,12 @@
 /// Empty lines and lines that begin with # are passed over.
 ///
 /// The result `ERROR n` says that the calculation fails with error n.
+///
+/// A context may say where the calculation is evaluated, or what becomes of its value:
+/// - `fields@Invoices/3`: at the layout Invoices, with its third record current; the word before is free.
+/// - `script:NAME`: the value is the parameter of a script, whose result is the example's.
+/// - `filesql`: the value holds SQL statements, one a line; the result has the rows of the last one, a comma
+///   between values and a return between rows.
 
 namespace host::cli {
 

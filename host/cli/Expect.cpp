@@ -1,5 +1,6 @@
 #include "host/cli/Commands.h"
 
+#include "host/app/File.h"
 #include "host/cli/Examples.h"
 #include "host/cli/JUnit.h"
 #include "host/cli/Output.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 namespace host::cli {
 
@@ -34,11 +36,47 @@ std::string onOneLine(const std::string& text) {
     return line;
 }
 
+constexpr std::string_view kScript = "script:", kSql = "filesql";
+
+std::string textOf(const calc::Result& result) {
+    return result.error == calc::error::none ? result.value->asText().utf8()
+                                             : "ERROR " + std::to_string(result.error);
+}
+
+/// `name@Layout/n`: goes to a layout and a record.
+void goToPlace(Session& session, const std::string& context) {
+    const std::size_t at = context.find('@');
+    if (at == std::string::npos) return;
+    const std::size_t slash = std::min(context.rfind('/'), context.size());
+    const bool hasNumber = slash > at && slash < context.size();
+    const auto number = hasNumber ? Decimal::parse(fromUtf8(context.substr(slash + 1))) : std::nullopt;
+    if (hasNumber && !number) throw std::runtime_error("\"" + context + "\" names no record");
+    goTo(session, context.substr(at + 1, hasNumber ? slash - at - 1 : std::string::npos),
+         number ? std::optional(number->toInt64()) : std::nullopt);
+}
+
+/// The rows of the last statement of a text that holds one a line.
+std::string rowsOf(Session& session, std::u16string_view statements) {
+    calc::SqlAnswer answer;
+    for (std::size_t start = 0; start < statements.size();) {
+        const std::size_t end = std::min(statements.find(u'\r', start), statements.size());
+        answer = session.front()->executeSql(statements.substr(start, end - start), {}, {});
+        start = end + 1;
+    }
+    if (answer.error != calc::error::none) return "ERROR " + std::to_string(answer.error);
+    std::string rows;
+    for (std::size_t row = 0; row < answer.rows.size(); ++row)
+        for (std::size_t column = 0; column < answer.rows[row].size(); ++column)
+            rows += (column > 0 ? "," : row > 0 ? "\r" : "") + answer.rows[row][column]->asText().utf8();
+    return rows;
+}
+
 /// Evaluates examples, each in the session it belongs to.
 class Evaluator {
 public:
     explicit Evaluator(const SessionOptions& options)
-        : plugIn_(options.library()), solutions_(loadSolutions(options)) {
+        : plugIn_(options.library()), solutions_(loadSolutions(options)), layout_(options.layout),
+          record_(options.record) {
         prepareMachine(options);
     }
 
@@ -46,22 +84,35 @@ public:
         if (example.beginsSession || !loaded_) {
             loaded_.reset(); // there is one session at a time
             loaded_.emplace(plugIn_, solutions_);
+            goTo(loaded_->session(), layout_, record_);
         }
-        const calc::Result result = loaded_->session().evaluate(fromUtf8(example.calculation));
-        return result.error == calc::error::none ? result.value->asText().utf8()
-                                                 : "ERROR " + std::to_string(result.error);
+        Session& session = loaded_->session();
+        goToPlace(session, example.context);
+        const calc::Result result = session.evaluate(fromUtf8(example.calculation));
+        const bool isScript = example.context.starts_with(kScript);
+        if (result.error != calc::error::none || (!isScript && example.context != kSql)) return textOf(result);
+        if (!isScript) return rowsOf(session, result.value->asText().units());
+        const std::string script = example.context.substr(kScript.size());
+        return textOf(session.runScript(session.front()->name(), fromUtf8(script), result.value));
     }
 
 private:
     std::filesystem::path plugIn_;
     std::vector<Solution> solutions_;
+    std::string layout_;
+    std::optional<std::int64_t> record_;
     std::optional<LoadedPlugIn> loaded_;
 };
 
 /// The difference between an example's result and what it says; empty when there is none.
 std::string differenceOf(const Example& example, Evaluator& evaluator) {
     if (!example.fault.empty()) return example.fault;
-    const std::string result = evaluator.resultOf(example);
+    std::string result;
+    try {
+        result = evaluator.resultOf(example);
+    } catch (const std::runtime_error& problem) {
+        return example.context + ": " + problem.what();
+    }
     const bool holds = example.tellsLineFeeds ? result == example.expected
                                               : withLineFeeds(result) == withLineFeeds(example.expected);
     if (holds) return {};

@@ -1,7 +1,9 @@
 #include "host/cli/Runner.h"
 
+#include "host/app/File.h"
 #include "host/cli/Explanation.h"
 #include "host/cli/Output.h"
+#include "host/data/Position.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
@@ -67,6 +69,10 @@ void addSessionOptions(CLI::App& command, SessionOptions& options) {
     command.add_option("--solution", options.solutions, "a solution's folder; the first one calculates")
         ->type_name("DIR")
         ->allow_extra_args(false);
+    command.add_option("--layout", options.layout, "the layout to calculate at; the first one when absent")
+        ->type_name("NAME");
+    command.add_option("--record", options.record, "the number of the record to calculate with, from 1")
+        ->type_name("N");
     command.add_option("--clock", options.clockSeconds, "hold the clock at SECONDS since 1970")
         ->type_name("SECONDS")
         ->group("Testing");
@@ -91,11 +97,22 @@ std::vector<Solution> loadSolutions(const SessionOptions& options) {
     return solutions;
 }
 
+void goTo(Session& session, const std::string& layout, std::optional<std::int64_t> record) {
+    const std::shared_ptr<File> file = session.front();
+    if (!file) return;
+    if (!layout.empty() && file->position().goToLayout(fromUtf8(layout)) != calc::error::none)
+        throw std::runtime_error("no layout is called " + layout);
+    if (record && file->position().goToRecord(*record) != calc::error::none)
+        throw std::runtime_error("there is no record " + std::to_string(*record) + "; the found set has " +
+                                 std::to_string(file->position().found().size()));
+}
+
 Runner::Runner(const SessionOptions& options) : json_(options.json), isTraced_(options.trace) {
     prepareMachine(options);
     loaded_ =
         std::make_unique<LoadedPlugIn>(options.library(), loadSolutions(options), LoadedPlugIn::Start::later);
     watchScripts();
+    goTo(session(), options.layout, options.record);
     loaded_->start();
 }
 
@@ -123,18 +140,21 @@ void Runner::watchScripts() {
 }
 
 void Runner::reportScriptError(const ScriptError& failure) {
-    ++scriptErrors_;
+    if (!failure.isCaptured) ++scriptErrors_;
+    if (failure.isCaptured && !isTraced_) return;
     const Explanation explanation = explain(failure.result, failure.source, session().functions());
+    const bool isStep = !failure.step.empty();
+    const std::string step = toUtf8(failure.step), place = std::to_string(failure.place);
     if (json_) {
         nlohmann::ordered_json object = scriptObject(failure.call);
         object["event"] = "error";
-        object["calculation"] = failure.calculation;
+        object[isStep ? "scriptLine" : "calculation"] = failure.place;
+        if (isStep) object["step"] = step;
         addTo(object, explanation);
         writeJson(object);
     }
-    const std::string where =
-        scriptInWords(failure.call) + ", calculation " + std::to_string(failure.calculation) + ": ";
-    reportRaw("kestrel: " + textOf(explanation, where));
+    const std::string where = isStep ? ", line " + place + ", " + step : ", calculation " + place;
+    reportRaw("kestrel: " + textOf(explanation, scriptInWords(failure.call) + where + ": "));
 }
 
 bool Runner::evaluateAndPrint(const Calculation& calculation) {
@@ -184,7 +204,9 @@ std::chrono::milliseconds Runner::rest() const {
     using std::chrono::milliseconds;
     constexpr milliseconds shortest{1}, longest{250};
     if (isBusy_) return milliseconds::zero();
-    const std::optional<Clock::Micros> next = mainQueue().untilNext();
+    std::optional<Clock::Micros> next = mainQueue().untilNext();
+    if (const auto script = loaded_->session().untilScriptGoesOn())
+        next = std::min(next.value_or(*script), *script);
     // A clock that is held brings no delay to its end.
     if (!next || clock().isHeld()) return longest;
     return std::clamp(std::chrono::ceil<milliseconds>(*next), shortest, longest);
@@ -203,7 +225,8 @@ void Runner::serve(std::chrono::duration<double> most, std::chrono::duration<dou
         idleMessagesOwed_ += mainQueue().drain();
     while (true) {
         const bool isBusy = turn();
-        const bool isWaiting = mainQueue().pending() > 0 && !clock().isHeld();
+        const bool waits = mainQueue().pending() > 0 || session().untilScriptGoesOn();
+        const bool isWaiting = waits && !clock().isHeld();
         if ((!isBusy && !isWaiting) || !restBefore(most)) return;
     }
 }

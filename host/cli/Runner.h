@@ -22,6 +22,8 @@ struct SessionOptions {
     bool json = false, trace = false;
     std::optional<std::int64_t> clockSeconds; ///< since 1970; held still
     std::string nativeEncoding;
+    std::string layout;                 ///< at which the first file is opened; empty: its first one
+    std::optional<std::int64_t> record; ///< the current record's number, from 1
 };
 
 /// Adds `--plugin` alone, or all options of a session.
@@ -31,6 +33,9 @@ void addSessionOptions(CLI::App& command, SessionOptions& options);
 /// Sets the clock and the native encoding as the options say.
 void prepareMachine(const SessionOptions& options);
 std::vector<Solution> loadSolutions(const SessionOptions& options);
+/// Goes to a layout, unless its name is empty, and a record of the first file. Throws std::runtime_error where
+/// there is none.
+void goTo(Session& session, const std::string& layout, std::optional<std::int64_t> record);
 
 /// A session that prints results and what scripts report, and turns the host's loop.
 class Runner {
@@ -52,7 +57,8 @@ public:
     bool print(const calc::Result& result, const Calculation& calculation);
     /// Whether results are shown with their type.
     void showTypes(bool areShown) { showsTypes_ = areShown; }
-    /// How many calculations of scripts have failed so far.
+    /// How many calculations and steps of scripts have failed so far, without those whose errors were
+    /// captured.
     [[nodiscard]] std::size_t scriptErrors() const { return scriptErrors_; }
 
     /// One turn of the host's loop (Session::turn); true when the next one has work to do at once.

@@ -47,6 +47,7 @@ enum class RecordKeys : std::uint8_t { none, id, idAndCount };
 /// A base table. The store keeps its records under the same name; a record's ID is the row's ID there.
 struct BaseTable {
     std::u16string name;
+    std::u16string comment = {};
     std::vector<Field> fields; ///< in the order of their definition; the place from 1 is the field's ID
     RecordKeys keys = RecordKeys::idAndCount;
 };
@@ -90,6 +91,7 @@ struct ValueList {
 };
 
 struct Schema {
+    std::uint64_t version = 0; ///< changes with each change of the description
     std::vector<BaseTable> tables;
     std::vector<Occurrence> occurrences;
     std::vector<Relationship> relationships;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/values/Data.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+class File;
+class Session;
+
+/// The answer of a design function of calculations, by its name, for a calculation of `file`: names one a
+/// line, or empty text where the file or the part of it is not there.
+std::u16string designAnswer(std::u16string_view function, std::span<const DataRef> arguments, File& file,
+                            const Session& session);
+
+} // namespace host

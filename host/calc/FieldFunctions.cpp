@@ -1,0 +1,104 @@
+#include "host/calc/BuiltIns.h"
+
+#include <array>
+
+/// Functions that take fields.
+
+namespace host::calc {
+
+namespace {
+
+using Nodes = std::span<const Node* const>;
+
+/// A name that no field has is a "?".
+DataRef getField(Evaluation& evaluation, std::span<const DataRef> arguments) {
+    const std::u16string_view name = arguments[0]->asText().units();
+    try {
+        return evaluation.valueOf(evaluation.fieldNamed(name));
+    } catch (const Error& error) {
+        return evaluation.failed(error.code);
+    }
+}
+
+DataRef getFieldName(Evaluation& evaluation, Nodes arguments) {
+    return textResult(evaluation.fields().nameOf(evaluation.requiredField(*arguments[0]).place));
+}
+
+/// GetNthRecord ( field ; number )
+DataRef getNthRecord(Evaluation& evaluation, Nodes arguments) {
+    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
+    const std::int64_t number = evaluation.evaluate(*arguments[1])->asNumber().toInt64();
+    const DataRef value =
+        evaluation.fields().nthValue(evaluation.scope(), field.place, field.repetition, number);
+    return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
+}
+
+/// Lookup ( field { ; calculation } )
+DataRef lookup(Evaluation& evaluation, Nodes arguments) {
+    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
+    if (const DataRef value = evaluation.fields().lookup(evaluation.scope(), field.place))
+        return evaluation.noted(value);
+    return arguments.size() > 1 ? evaluation.evaluate(*arguments[1])
+                                : evaluation.failed(error::missingRecord);
+}
+
+/// LookupNext ( field ; Lower ), LookupNext ( field ; Higher ): the second is a number, 0 or another.
+DataRef lookupNext(Evaluation& evaluation, Nodes arguments) {
+    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
+    const bool isHigher = evaluation.evaluate(*arguments[1])->asBoolean();
+    const DataRef value = evaluation.fields().lookupNext(evaluation.scope(), field.place, isHigher);
+    return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
+}
+
+DataRef getSummary(Evaluation& evaluation, Nodes arguments) {
+    const Evaluation::FieldReference summary = evaluation.requiredField(*arguments[0]),
+                                     breakField = evaluation.requiredField(*arguments[1]);
+    return evaluation.fields().summary(evaluation.scope(), summary.place, breakField.place);
+}
+
+DataRef self(Evaluation& evaluation, Nodes) {
+    const FieldContext::Scope scope = evaluation.scope();
+    if (scope == nullptr || !scope->self) throw Error{error::notSupported};
+    return evaluation.noted(evaluation.fields().value(scope, *scope->self, scope->repetition));
+}
+
+template<std::size_t place>
+DataRef design(Evaluation& evaluation, std::span<const DataRef> arguments);
+
+constexpr std::array designFunctions{
+    u"DatabaseNames",    u"TableNames",       u"TableIDs",          u"BaseTableNames",     u"BaseTableIDs",
+    u"BaseTableComment", u"FieldNames",       u"FieldIDs",          u"FieldType",          u"FieldComment",
+    u"FieldAnnotation",  u"FieldDisplayNames", u"FieldRepetitions", u"FieldStyle",         u"FieldBounds",
+    u"GetNextSerialValue", u"LayoutNames",    u"LayoutIDs",         u"LayoutObjectNames",  u"RelationInfo",
+    u"ScriptNames",      u"ScriptIDs",        u"ValueListNames",    u"ValueListIDs",       u"ValueListItems",
+    u"WindowNames",
+};
+
+template<std::size_t place>
+DataRef design(Evaluation& evaluation, std::span<const DataRef> arguments) {
+    return textResult(evaluation.file().design(designFunctions[place], arguments));
+}
+
+template<std::size_t... places>
+void addDesignFunctions(FunctionTable& table, std::index_sequence<places...>) {
+    (addRow(table, EvaluationRow{designFunctions[places], design<places>}), ...);
+}
+
+constexpr std::array lazyRows{
+    LazyRow{u"GetFieldName", getFieldName}, LazyRow{u"GetNthRecord", getNthRecord},
+    LazyRow{u"Lookup", lookup},             LazyRow{u"LookupNext", lookupNext},
+    LazyRow{u"GetSummary", getSummary},     LazyRow{u"Self", self},
+};
+constexpr std::array evaluationRows{
+    EvaluationRow{u"GetField", getField},
+};
+
+} // namespace
+
+void addFieldFunctions(FunctionTable& table) {
+    addRows(table, lazyRows);
+    addRows(table, evaluationRows);
+    addDesignFunctions(table, std::make_index_sequence<designFunctions.size()>());
+}
+
+} // namespace host::calc
