@@ -52,6 +52,7 @@ File::File(Session& session, std::uint64_t id, Solution solution)
           [this](const calc::Expression& expression, const calc::RecordScope& scope) {
               return evaluateFor(expression, scope);
           })) {
+    database_->setNames(solution_.name, solution_.account);
     for (const std::u16string& font : solution_.fonts)
         fontId(font);
     loadRecords();
@@ -145,6 +146,12 @@ calc::SqlAnswer File::executeSql(std::u16string_view statement, std::u16string_v
     File& file = other ? *other : *this;
     file.records_->finishLoading();
     return file.database_->execute(statement, parameters);
+}
+
+calc::SqlAnswer File::selectSql(std::u16string_view statement, const DataVect& parameters) {
+    if (!open_) return {.error = calc::error::missingFile, .rows = {}};
+    records_->finishLoading();
+    return database_->select(statement, parameters);
 }
 
 std::uint16_t File::fontId(std::u16string_view name) {

@@ -49,6 +49,7 @@ public:
     std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) override;
     calc::SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                const DataVect& parameters) override;
+    calc::SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) override;
     std::uint16_t fontId(std::u16string_view name) override;
     std::optional<std::u16string> fontName(std::uint16_t id) override;
 

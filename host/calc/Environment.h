@@ -43,6 +43,7 @@ private:
 struct SqlAnswer {
     int error = 0; ///< 0, 100 (no such file), 8309 (refused), 8310 (syntax)
     RowVect rows;
+    std::u16string problem = {}; ///< the reason of a failure, where it is known
 };
 
 struct Environment;
@@ -69,8 +70,11 @@ public:
     virtual std::int64_t localMicros() = 0;
     /// What a design function such as FieldNames says about an open file; empty where there is no such part.
     virtual std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) = 0;
+    /// Runs any statement on a file ("" is this one); the values of the answer are typed.
     virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                  const DataVect& parameters) = 0;
+    /// Runs one SELECT on this file; the values of the answer are texts as SQL writes them.
+    virtual SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) = 0;
     /// The identifier of a font of this file, added when it is new; its name, nothing when unknown.
     virtual std::uint16_t fontId(std::u16string_view name) = 0;
     virtual std::optional<std::u16string> fontName(std::uint16_t id) = 0;

@@ -119,30 +119,39 @@ DataRef get(Evaluation& evaluation, std::span<const Node* const> arguments) {
     return evaluation.file().get(name, evaluation.environment());
 }
 
-/// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ): a comma and a return where
-/// these are empty; "?" for a statement that fails.
-DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
+/// The values of an answer with separators between them: a comma and a return where these are empty.
+Text joined(const SqlAnswer& answer, const Data& betweenColumns, const Data& betweenRows) {
     const auto separator = [](const Data& given, const char16_t* usual) {
         return given.isEmpty() ? Text(usual) : given.asText();
     };
-    const Text betweenColumns = separator(*arguments[1], u","), betweenRows = separator(*arguments[2], u"\r");
-    const DataVect parameters(arguments.begin() + 3, arguments.end());
-    const SqlAnswer answer = evaluation.file().executeSql(arguments[0]->asText().units(), {}, parameters);
-    if (answer.error != error::none) return questionMark();
+    const Text afterColumn = separator(betweenColumns, u","), afterRow = separator(betweenRows, u"\r");
     Text result;
     for (std::size_t row = 0; row < answer.rows.size(); ++row) {
-        if (row > 0) result.append(betweenRows);
+        if (row > 0) result.append(afterRow);
         for (std::size_t column = 0; column < answer.rows[row].size(); ++column) {
-            if (column > 0) result.append(betweenColumns);
+            if (column > 0) result.append(afterColumn);
             result.append(answer.rows[row][column]->asText());
             checkTextSize(result.size());
         }
     }
-    return textResult(std::move(result));
+    return result;
+}
+
+/// ExecuteSQL ( statement ; between columns ; between rows { ; parameters } ). A statement that fails gives
+/// "?", and ExecuteSQLe the reason as well.
+template<bool givesReason>
+DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
+    const DataVect parameters(arguments.begin() + 3, arguments.end());
+    const SqlAnswer answer = evaluation.file().selectSql(arguments[0]->asText().units(), parameters);
+    if (answer.error == error::none) return textResult(joined(answer, *arguments[1], *arguments[2]));
+    const DataRef mark = evaluation.failed(answer.error);
+    if (!givesReason || answer.problem.empty()) return mark;
+    return textResult(Text(u"? ERROR: " + answer.problem));
 }
 
 constexpr std::array evaluationRows{
-    EvaluationRow{u"ExecuteSQL", executeSql},
+    EvaluationRow{u"ExecuteSQL", executeSql<false>},
+    EvaluationRow{u"ExecuteSQLe", executeSql<true>},
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "host/sql/BoundedFunctions.h"
 
+#include "host/sql/FunctionArguments.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -18,8 +19,8 @@ using namespace std::string_literals;
 
 constexpr std::uint64_t mostComparisons = std::uint64_t{1} << 30U; ///< about a second
 
-using Arguments = sqlite3_value**;
-using Implementation = void (*)(sqlite3_context*, int, Arguments);
+using Arguments = SqlArguments;
+using Implementation = SqlImplementation;
 
 bool isBlob(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_BLOB; }
 
@@ -28,20 +29,6 @@ std::string_view blobOf(sqlite3_value* value) {
     const int size = sqlite3_value_bytes(value);
     if (bytes == nullptr) return {};
     return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
-}
-
-std::string_view textOf(sqlite3_value* value) {
-    const unsigned char* bytes = sqlite3_value_text(value);
-    const int size = sqlite3_value_bytes(value);
-    if (bytes == nullptr) return {};
-    return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)};
-}
-
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
-void giveText(sqlite3_context* context, std::string_view text) {
-    sqlite3_result_text64(context, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
-                          SQLITE_UTF8);
 }
 
 /// The first position of `needle` at or after `from`; npos when there is none. Linear, unlike the search of
@@ -110,13 +97,6 @@ void trim(sqlite3_context* context, int count, Arguments arguments) {
     giveText(context, text);
 }
 
-/// Both take the pattern first.
-bool isTooMuch(sqlite3_context* context, Arguments arguments) {
-    const std::size_t pattern = textOf(arguments[0]).size(), text = textOf(arguments[1]).size();
-    const auto most = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1);
-    return pattern > static_cast<std::size_t>(most) || std::uint64_t{pattern} * text > mostComparisons;
-}
-
 std::u32string codesOf(std::string_view text) {
     const std::u16string units = fromUtf8(text);
     std::u32string codes;
@@ -140,13 +120,15 @@ void like(sqlite3_context* context, int count, Arguments arguments) {
     const std::u32string escape = count > 2 ? codesOf(textOf(arguments[2])) : U"\0"s;
     if (escape.size() != 1 || escape == U"%" || escape == U"_")
         return sqlite3_result_error(context, "ESCAPE expression must be a single ordinary character", -1);
-    if (isTooMuch(context, arguments)) return sqlite3_result_error_toobig(context);
+    if (isTooMuch(context, textOf(arguments[0]), textOf(arguments[1])))
+        return sqlite3_result_error_toobig(context);
     const int different = sqlite3_strlike(stringOf(arguments[0]), stringOf(arguments[1]), escape.front());
     sqlite3_result_int(context, different == 0 ? 1 : 0);
 }
 
 void glob(sqlite3_context* context, int /*count*/, Arguments arguments) {
-    if (isTooMuch(context, arguments)) return sqlite3_result_error_toobig(context);
+    if (isTooMuch(context, textOf(arguments[0]), textOf(arguments[1])))
+        return sqlite3_result_error_toobig(context);
     const int different = sqlite3_strglob(stringOf(arguments[0]), stringOf(arguments[1]));
     sqlite3_result_int(context, different == 0 ? 1 : 0);
 }
@@ -190,6 +172,12 @@ constexpr Bounded functions[] = {
 };
 
 } // namespace
+
+bool isTooMuch(sqlite3_context* context, std::string_view pattern, std::string_view text) {
+    const auto most = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1);
+    return pattern.size() > static_cast<std::size_t>(most) ||
+           std::uint64_t{pattern.size()} * text.size() > mostComparisons;
+}
 
 int boundFunctions(sqlite3* connection, const std::chrono::steady_clock::time_point& deadline) {
     void* const data = const_cast<std::chrono::steady_clock::time_point*>(&deadline);

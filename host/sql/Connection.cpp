@@ -12,6 +12,8 @@ namespace host {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr int kStepsBetweenLooks = 100; // few, because one step may handle a value of 16 MiB
 constexpr std::int64_t kMemoryForAllTables = std::int64_t{512} << 20;
 constexpr std::size_t kMostKept = 200; ///< prepared statements

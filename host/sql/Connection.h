@@ -47,7 +47,8 @@ public:
     /// Runs one statement that takes and gives nothing. Gives the engine's result code.
     int run(const std::string& statement);
 
-    using Clock = std::chrono::steady_clock;
+    /// When the work that is done must end; later in the next one.
+    [[nodiscard]] const std::chrono::steady_clock::time_point& deadline() const { return deadline_; }
 
     /// A prepared statement, kept for the next time. It is reset and free again when it goes out of scope.
     class Prepared {
@@ -74,7 +75,7 @@ private:
 
     sqlite3* handle_ = nullptr;
     std::chrono::milliseconds budget_;
-    Clock::time_point deadline_;
+    std::chrono::steady_clock::time_point deadline_;
     int depth_ = 0; ///< of works
     std::map<std::string, Statement, std::less<>> kept_;
 };

@@ -9,10 +9,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace host {
 
-class Connection;
+enum class ValueForm;
+namespace sql {
+struct Translation;
+}
 
 enum class Change : std::uint8_t { inserted, updated, deleted };
 
@@ -38,6 +42,8 @@ public:
     /// std::runtime_error with the line and the engine's message.
     explicit Database(const std::string& script, Schema declared = {},
                       std::chrono::milliseconds budget = usualBudget);
+    /// The file's name and the account's that statements see.
+    void setNames(std::u16string file, std::u16string_view account);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -55,13 +61,25 @@ public:
     /// The ID of the record that was inserted last.
     [[nodiscard]] std::int64_t lastRecord() const;
 
-    /// Runs exactly one statement.
+    /// Runs exactly one statement of the app's dialect: a query, a change of records, or a definition, which
+    /// changes the schema. Tables are named by their occurrences. Each `?` takes the parameter at its
+    /// position, with its type.
     calc::SqlAnswer execute(std::u16string_view statement, const DataVect& parameters);
+    /// Runs one SELECT; the values of the answer are texts as SQL writes them.
+    calc::SqlAnswer select(std::u16string_view statement, const DataVect& parameters);
 
 private:
-    std::unique_ptr<Connection> connection_;
+    struct Statements;
+    calc::SqlAnswer run(std::u16string_view statement, const DataVect& parameters, bool isQueryOnly);
+    /// Null for a definition, which has been carried out. Throws sql::Problem, as does `answer`.
+    std::shared_ptr<const sql::Translation> translated(std::u16string_view statement,
+                                                       const DataVect& parameters, bool isQueryOnly);
+    calc::SqlAnswer answer(const sql::Translation& translation, const DataVect& parameters, ValueForm form);
+
+    std::unique_ptr<Statements> statements_;
     Schema schema_;
     RecordCalls calls_;
+    std::pair<Schema*, RecordCalls*> fieldSource_; ///< of the function that reads fields without columns
 };
 
 } // namespace host

@@ -82,16 +82,21 @@ std::string columnDeclaration(const Field& field, int repetition) {
     return columnName(field, repetition) + " " + std::string(storedType(field.type));
 }
 
+std::string tableStatement(std::u16string_view name, const std::string& columns) {
+    return "CREATE TABLE " + quotedName(name) +
+           " (kestrel_id INTEGER PRIMARY KEY AUTOINCREMENT, kestrel_modifications INTEGER NOT NULL DEFAULT "
+           "0" +
+           columns + ")";
+}
+
 void makeTables(Connection& connection, const Schema& schema) {
     const Connection::Work work(connection);
     for (const BaseTable& table : schema.tables) {
-        std::string statement = "CREATE TABLE " + quotedName(table.name) +
-                                " (kestrel_id INTEGER PRIMARY KEY AUTOINCREMENT, "
-                                "kestrel_modifications INTEGER NOT NULL DEFAULT 0";
+        std::string columns;
         for (const Field& field : table.fields)
             for (int repetition = 1; field.hasColumns() && repetition <= field.repetitions; ++repetition)
-                statement += ", " + columnDeclaration(field, repetition);
-        if (connection.run(statement + ")") != SQLITE_OK)
+                columns += ", " + columnDeclaration(field, repetition);
+        if (connection.run(tableStatement(table.name, columns)) != SQLITE_OK)
             throw std::runtime_error("table " + toUtf8(table.name) + ": " +
                                      sqlite3_errmsg(connection.handle()));
     }

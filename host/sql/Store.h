@@ -20,6 +20,9 @@ std::string columnName(const Field& field, int repetition = 1);
 /// The column's declaration: name and type.
 std::string columnDeclaration(const Field& field, int repetition);
 
+/// CREATE TABLE with the columns of every record and others, each with a comma in front.
+std::string tableStatement(std::u16string_view name, const std::string& columns);
+
 /// Makes the tables that a schema describes. Throws std::runtime_error where the store refuses one.
 void makeTables(Connection& connection, const Schema& schema);
 

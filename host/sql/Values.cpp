@@ -9,8 +9,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
+#include <variant>
 
 namespace host {
 
@@ -121,43 +123,72 @@ private:
     std::u16string_view rest_;
 };
 
-std::optional<DateTime> readIso(std::u16string_view text, DataType wanted) {
-    IsoReader reader(text);
-    DateTime value;
-    if (wanted != DataType::time) {
-        const auto date = reader.date();
-        if (!date) return std::nullopt;
-        value.days = date->days;
-        if (reader.atEnd()) return value;
-        if (!reader.take(u' ') && !reader.take(u'T')) return std::nullopt;
-    }
-    const auto micros = reader.micros();
-    if (!micros || !reader.atEnd()) return std::nullopt;
-    if (wanted == DataType::time) return DateTime{0, *micros};
-    if (*micros < 0 || *micros >= DateTime::microsPerDay) return std::nullopt;
-    if (wanted == DataType::timestamp) value.micros = *micros;
-    return value;
-}
+/// A value in the store's own types; nothing is NULL. The bytes of a container are its own.
+using Stored = std::variant<std::monostate, std::int64_t, double, std::string, std::span<const std::byte>>;
 
-int bindUtf8(sqlite3_stmt* statement, int place, const std::string& text) {
-    return sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
-int bindNumber(sqlite3_stmt* statement, int place, const Decimal& number) {
+Stored storedNumber(const Decimal& number) {
     const std::int64_t whole = number.toInt64();
-    if (number == Decimal(whole)) return sqlite3_bind_int64(statement, place, whole);
+    if (number == Decimal(whole)) return whole;
     const double real = number.toDouble();
-    if (std::isfinite(real) && fromDouble(real) == number) return sqlite3_bind_double(statement, place, real);
+    if (std::isfinite(real) && fromDouble(real) == number) return real;
     const std::u16string digits = number.text();
-    return bindUtf8(statement, place, {digits.begin(), digits.end()});
+    return std::string(digits.begin(), digits.end());
 }
 
-int bindContainer(sqlite3_stmt* statement, int place, const Binary& container) {
-    if (container.streams().empty()) return sqlite3_bind_null(statement, place);
-    const auto bytes = container.fileBytes();
-    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, place, 0);
-    return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+Stored stored(const Data& value) {
+    const DataType type = value.nativeType();
+    switch (type) {
+    case DataType::text:
+        // UTF-8, because the engine takes a leading U+FEFF of a UTF-16 text for a byte order mark.
+        if (!value.asText().empty()) return value.asText().utf8();
+        break;
+    case DataType::number:
+    case DataType::boolean:
+        if (const auto number = value.number()) return storedNumber(*number);
+        break;
+    case DataType::date:
+    case DataType::time:
+    case DataType::timestamp:
+        if (const auto moment = value.dateTime(type)) return sqlText(*moment, type);
+        break;
+    case DataType::binary:
+        if (!value.asBinary().streams().empty()) return value.asBinary().fileBytes();
+        break;
+    case DataType::invalid: break;
+    }
+    return {};
 }
+
+constexpr const char* kNoBytes = ""; ///< not null, which would be NULL
+
+struct Binder {
+    sqlite3_stmt* statement;
+    int place;
+    int operator()(std::monostate /*nothing*/) const { return sqlite3_bind_null(statement, place); }
+    int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, place, number); }
+    int operator()(double number) const { return sqlite3_bind_double(statement, place, number); }
+    int operator()(const std::string& text) const {
+        return sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    int operator()(std::span<const std::byte> bytes) const {
+        if (bytes.empty()) return sqlite3_bind_zeroblob(statement, place, 0);
+        return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+    }
+};
+
+struct Giver {
+    sqlite3_context* context;
+    void operator()(std::monostate /*nothing*/) const { sqlite3_result_null(context); }
+    void operator()(std::int64_t number) const { sqlite3_result_int64(context, number); }
+    void operator()(double number) const { sqlite3_result_double(context, number); }
+    void operator()(const std::string& text) const {
+        sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    void operator()(std::span<const std::byte> bytes) const {
+        sqlite3_result_blob64(context, bytes.empty() ? static_cast<const void*>(kNoBytes) : bytes.data(),
+                              bytes.size(), SQLITE_TRANSIENT);
+    }
+};
 
 /// Reads UTF-8, the encoding of the tables; for another encoding the engine would convert the stored value.
 std::u16string columnText(sqlite3_stmt* statement, int column) {
@@ -179,36 +210,51 @@ Data fromText(std::u16string text, DataType declared) {
     if (declared == DataType::number)
         if (const auto number = Decimal::parse(text)) return Data(*number);
     if (declared == DataType::date || declared == DataType::time || declared == DataType::timestamp)
-        if (const auto value = readIso(text, declared)) return {*value, declared};
+        if (const auto value = readSqlText(text, declared)) return {*value, declared};
     return Data(Text(std::move(text)));
 }
 
 } // namespace
 
+std::optional<Decimal> storedDecimal(sqlite3_value* value) {
+    if (sqlite3_value_type(value) == SQLITE_INTEGER) return Decimal(sqlite3_value_int64(value));
+    if (sqlite3_value_type(value) == SQLITE_FLOAT) return fromDouble(sqlite3_value_double(value));
+    return std::nullopt;
+}
+
+std::string sqlText(const DateTime& value, DataType type) {
+    if (type == DataType::date) return isoDate(value);
+    if (type == DataType::time) return isoTime(value);
+    return isoDate(value) + " " + isoTime(value);
+}
+
+std::optional<DateTime> readSqlText(std::u16string_view text, DataType wanted) {
+    IsoReader reader(text);
+    DateTime value;
+    if (wanted != DataType::time) {
+        const auto date = reader.date();
+        if (!date) return std::nullopt;
+        value.days = date->days;
+        if (reader.atEnd()) return value;
+        if (!reader.take(u' ') && !reader.take(u'T')) return std::nullopt;
+    }
+    const auto micros = reader.micros();
+    if (!micros || !reader.atEnd()) return std::nullopt;
+    if (wanted == DataType::time) return DateTime{0, *micros};
+    if (*micros < 0 || *micros >= DateTime::microsPerDay) return std::nullopt;
+    if (wanted == DataType::timestamp) value.micros = *micros;
+    return value;
+}
+
 int bindValue(sqlite3_stmt* statement, int place, const Data& value) {
-    switch (value.nativeType()) {
-    // UTF-8, because the engine takes a leading U+FEFF of a UTF-16 text for a byte order mark.
-    case DataType::text:
-        if (value.asText().empty()) return sqlite3_bind_null(statement, place);
-        return bindUtf8(statement, place, value.asText().utf8());
-    case DataType::number:
-    case DataType::boolean: {
-        const auto number = value.number();
-        return number ? bindNumber(statement, place, *number) : sqlite3_bind_null(statement, place);
-    }
-    case DataType::date:
-    case DataType::time:
-    case DataType::timestamp: {
-        const auto moment = value.dateTime(value.nativeType());
-        if (!moment) return sqlite3_bind_null(statement, place);
-        if (value.nativeType() == DataType::date) return bindUtf8(statement, place, isoDate(*moment));
-        if (value.nativeType() == DataType::time) return bindUtf8(statement, place, isoTime(*moment));
-        return bindUtf8(statement, place, isoDate(*moment) + " " + isoTime(*moment));
-    }
-    case DataType::binary: return bindContainer(statement, place, value.asBinary());
-    case DataType::invalid: break;
-    }
-    return sqlite3_bind_null(statement, place);
+    return std::visit(Binder{statement, place}, stored(value));
+}
+
+void giveValue(sqlite3_context* context, const Data& value, DataType type) {
+    if (value.nativeType() == type) return std::visit(Giver{context}, stored(value));
+    Data converted = value;
+    if (!converted.convert(type)) return sqlite3_result_null(context);
+    std::visit(Giver{context}, stored(converted));
 }
 
 DataType declaredType(const char* declaration) {
