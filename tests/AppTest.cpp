@@ -100,6 +100,18 @@ TEST(Solution, ErrorsNameTheLine) {
          "line 2: a function's name \"a-b\" holds a sign"},
         {"[[function]]\nname = \"F\"\nparameters = [\"n\",\n\"N\"]\ncalculation = \"\"\n",
          "line 4: a parameter of this name"},
+        {"[[table]]\nname = \"T\"\nfields = [\n{ name = \"a\", type = \"txt\" } ]\n", "line 4: type must be"},
+        {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\" },\n{ name = \"A\" } ]\n",
+         "line 4: a field of this name"},
+        {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", serial = \"1\", global = \"1\" } ]\n",
+         "line 3: a field has both global and serial"},
+        {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", type = \"date\", global = \"x\" } ]\n",
+         "line 3: \"x\" is no Date"},
+        {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", summary = \"total of b\" } ]\n",
+         "line 3: the table has no field \"b\""},
+        {"[[relationship]]\nmatch = \"A::a = B::b\"\n", "line 2: there is no occurrence \"A\""},
+        {"[[occurrence]]\nname = \"A\"\ntable = \"B\"\n", "line 3: there is no table \"B\""},
+        {"[[value_list]]\nname = \"V\"\n", "line 1: a value list has either values or a field"},
         {"[[function]]\nname = \"left\"\ncalculation = \"\"\n", "function left: the name is taken"},
         {"[[function]]\nname = \"F\"\ncalculation = \"\"\n[[function]]\nname = \"f\"\ncalculation = \"\"\n",
          "function f: the name is taken"},
@@ -213,7 +225,7 @@ TEST(Session, FilesOpenAndClose) {
     session.open(other);
     EXPECT_THROW(session.open(other), std::runtime_error);
     const calc::Environment kept = session.environment(session.front());
-    EXPECT_EQ(kept.file->databaseNames(), u"Untitled\rOther");
+    EXPECT_EQ(kept.file->design(u"DatabaseNames", {}), u"Untitled\rOther");
     std::uint64_t closed = 0;
     session.onFileClosed = [&](std::uint64_t id) { closed = id; };
     EXPECT_TRUE(session.close(first));
@@ -222,10 +234,10 @@ TEST(Session, FilesOpenAndClose) {
     EXPECT_EQ(session.front()->name(), u"Other");
 
     EXPECT_FALSE(kept.file->isOpen());
-    EXPECT_EQ(kept.file->databaseNames(), u"");
-    EXPECT_FALSE(kept.file->scriptNames(u"Other"));
+    EXPECT_EQ(kept.file->design(u"DatabaseNames", {}), u"");
     EXPECT_EQ(kept.file->executeSql(u"SELECT 1", u"Other", {}).error, 100);
-    EXPECT_EQ((*kept.file->get(u"installedfmplugins"))->asText(), Text());
+    EXPECT_EQ(kept.file->get(u"installedfmplugins", kept)->asText(), Text());
+    EXPECT_EQ(calc::evaluate(u"Count ( A::b ) & Get ( LayoutName )", kept, session.functions()).error, 102);
 }
 
 TEST(Session, TheNumberOfFontsIsLimited) {

@@ -12,6 +12,7 @@
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <utility>
@@ -57,6 +58,25 @@ File::File(Session& session, std::uint64_t id, Solution solution)
     loadRecords();
     position_ = std::make_unique<Position>(*records_);
     fields_ = std::make_unique<FileFields>(*records_, *position_);
+    checkCalculations();
+}
+
+/// Refuses a field's calculation that cannot be read. Functions of plug-ins are not known yet, so names may
+/// be theirs.
+void File::checkCalculations() {
+    constexpr std::array names{calc::error::none, calc::error::functionNotFound, calc::error::missingField,
+                               calc::error::operatorExpected, calc::error::notSupported};
+    const Schema& schema = database_->schema();
+    for (std::size_t i = 0; i < schema.occurrences.size(); ++i)
+        for (const Field& field : schema.tableOf(i).fields) {
+            const std::u16string& source = field.autoEnter.empty() ? field.calculation : field.autoEnter;
+            if (source.empty()) continue;
+            const calc::RecordScope scope{.occurrence = i, .record = 0, .repetition = 1, .self = {}};
+            const calc::Parsed parsed = calc::parse(source, session_->functions(), this, &scope);
+            if (std::find(names.begin(), names.end(), parsed.error) == names.end())
+                throw std::runtime_error("field " + toUtf8(schema.occurrences[i].name + u"::" + field.name) +
+                                         ": " + parsed.problem.message);
+        }
 }
 
 /// What statements need of the records is set after they are there, so that none is changed while they load.

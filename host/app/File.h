@@ -57,6 +57,7 @@ private:
     [[nodiscard]] calc::Result evaluateFor(const calc::Expression& expression,
                                            const calc::RecordScope& scope);
     void loadRecords();
+    void checkCalculations();
 
     Session* session_; ///< null once closed
     std::uint64_t id_;

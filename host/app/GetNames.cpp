@@ -322,6 +322,13 @@ const Answer* answerNamed(std::u16string_view name) {
 
 } // namespace
 
+std::vector<std::u16string_view> getNames() {
+    std::vector<std::u16string_view> names;
+    for (const Answer& answer : answers)
+        names.push_back(answer.name);
+    return names;
+}
+
 bool isGetName(std::u16string_view name) { return answerNamed(name) != nullptr; }
 
 DataRef getValue(std::u16string_view name, File& file, const Session* session,

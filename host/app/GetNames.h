@@ -3,6 +3,7 @@
 #include "host/calc/Environment.h"
 
 #include <string_view>
+#include <vector>
 
 /// The names of Get that a file answers: about itself, its session, the current record, the machine, and the
 /// window that a host without windows has not.
@@ -12,6 +13,8 @@ namespace host {
 class File;
 class Session;
 
+/// The names as they are displayed.
+std::vector<std::u16string_view> getNames();
 /// Whether there is a value for a folded name.
 bool isGetName(std::u16string_view name);
 

@@ -130,17 +130,14 @@ constexpr std::array rows{
     Row{u"VarianceP", spread<Measure::variance, Of::population>},
 };
 
-/// The values that the arguments stand for: a field stands for all its repetitions and related records.
+/// The values that the arguments stand for. A field that is the only one stands for all its repetitions and
+/// related records; beside others it stands for one value, as elsewhere.
 DataVect expanded(Evaluation& evaluation, std::span<const Node* const> arguments) {
+    if (arguments.size() == 1)
+        if (const auto field = evaluation.fieldIn(*arguments[0])) return evaluation.valuesOf(*field);
     DataVect values;
-    for (const Node* argument : arguments) {
-        if (const auto field = evaluation.fieldIn(*argument)) {
-            const DataVect ofField = evaluation.valuesOf(*field);
-            values.insert(values.end(), ofField.begin(), ofField.end());
-        } else {
-            values.push_back(evaluation.evaluate(*argument));
-        }
-    }
+    for (const Node* argument : arguments)
+        values.push_back(evaluation.evaluate(*argument));
     return values;
 }
 
@@ -158,12 +155,11 @@ void addAll(FunctionTable& table, std::index_sequence<places...>) {
 } // namespace
 
 Aggregate aggregateNamed(std::u16string_view name) {
-    const auto* row = std::find_if(rows.begin(), rows.end(), [name](const Row& known) { return known.name == name; });
+    const auto* row =
+        std::find_if(rows.begin(), rows.end(), [name](const Row& known) { return known.name == name; });
     return row == rows.end() ? nullptr : row->aggregate;
 }
 
-void addAggregateFunctions(FunctionTable& table) {
-    addAll(table, std::make_index_sequence<rows.size()>());
-}
+void addAggregateFunctions(FunctionTable& table) { addAll(table, std::make_index_sequence<rows.size()>()); }
 
 } // namespace host::calc

@@ -29,7 +29,6 @@ constexpr std::array messages{
     Message{error::missingRelationship, "relationship is missing"},
     Message{error::missingScript, "script is missing"},
     Message{error::missingLayout, "layout is missing"},
-    Message{error::missingTable, "table is missing"},
     Message{error::missingRelatedTable, "related tables are missing"},
     Message{error::missingRepetition, "specified repetition is invalid"},
     Message{error::notWritable, "field cannot be modified"},
@@ -122,11 +121,11 @@ void addRow(FunctionTable& table, const LazyRow& row) {
 
 FunctionTable::FunctionTable() {
     for (const auto addFamily :
-         {addTextFunctions,     addTrimFunctions,      addConversionFunctions, addListFunctions,
-          addSortFunctions,     addAggregateFunctions, addRepeatingFunctions,  addJapaneseFunctions,
-          addNumberFunctions,   addRealFunctions,      addFinancialFunctions,  addDateFunctions,
-          addLogicFunctions,    addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
-          addJsonFunctions,     addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
+         {addTextFunctions,      addTrimFunctions,      addConversionFunctions, addListFunctions,
+          addSortFunctions,      addAggregateFunctions, addRepeatingFunctions,  addJapaneseFunctions,
+          addNumberFunctions,    addRealFunctions,      addFinancialFunctions,  addDateFunctions,
+          addLogicFunctions,     addGetFunctions,       addStyleFunctions,      addMarkupFunctions,
+          addJsonFunctions,      addEncodingFunctions,  addCryptFunctions,      addSignatureFunctions,
           addContainerFunctions, addFieldFunctions})
         addFamily(*this);
 }

@@ -134,12 +134,11 @@ public:
     };
     [[nodiscard]] FieldContext& fields() const { return environment_.file->fields(); }
     [[nodiscard]] FieldContext::Scope scope() const { return environment_.record.get(); }
-    /// The field that a part of the calculation names: as a name, or by GetField or Evaluate. Nothing for any
-    /// other part.
+    /// The field that a part of the calculation names, itself or by GetField; nothing for any other part.
     std::optional<FieldReference> fieldIn(const Node& node);
-    /// The same; throws 1214 for any other part.
+    /// The same, or the one that an Evaluate names; throws 1214 for any other part.
     FieldReference requiredField(const Node& node);
-    /// The field of that name; throws 102 or 106.
+    /// The field of that name; throws 102.
     FieldReference fieldNamed(std::u16string_view name);
     DataRef valueOf(const FieldReference& field);
     /// What an aggregate of the field counts: all related records, all repetitions; also empty ones.

@@ -20,8 +20,13 @@ DataRef getField(Evaluation& evaluation, std::span<const DataRef> arguments) {
     }
 }
 
+/// A repetition other than the first is named too.
 DataRef getFieldName(Evaluation& evaluation, Nodes arguments) {
-    return textResult(evaluation.fields().nameOf(evaluation.requiredField(*arguments[0]).place));
+    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
+    std::u16string name = evaluation.fields().nameOf(field.place);
+    if (field.isOneRepetition && field.repetition != 1)
+        name += u"[" + Decimal(field.repetition).text() + u"]";
+    return textResult(std::move(name));
 }
 
 /// GetNthRecord ( field ; number )
@@ -66,11 +71,11 @@ template<std::size_t place>
 DataRef design(Evaluation& evaluation, std::span<const DataRef> arguments);
 
 constexpr std::array designFunctions{
-    u"DatabaseNames",    u"TableNames",       u"TableIDs",          u"BaseTableNames",     u"BaseTableIDs",
-    u"BaseTableComment", u"FieldNames",       u"FieldIDs",          u"FieldType",          u"FieldComment",
-    u"FieldAnnotation",  u"FieldDisplayNames", u"FieldRepetitions", u"FieldStyle",         u"FieldBounds",
-    u"GetNextSerialValue", u"LayoutNames",    u"LayoutIDs",         u"LayoutObjectNames",  u"RelationInfo",
-    u"ScriptNames",      u"ScriptIDs",        u"ValueListNames",    u"ValueListIDs",       u"ValueListItems",
+    u"DatabaseNames",      u"TableNames",        u"TableIDs",         u"BaseTableNames",    u"BaseTableIDs",
+    u"BaseTableComment",   u"FieldNames",        u"FieldIDs",         u"FieldType",         u"FieldComment",
+    u"FieldAnnotation",    u"FieldDisplayNames", u"FieldRepetitions", u"FieldStyle",        u"FieldBounds",
+    u"GetNextSerialValue", u"LayoutNames",       u"LayoutIDs",        u"LayoutObjectNames", u"RelationInfo",
+    u"ScriptNames",        u"ScriptIDs",         u"ValueListNames",   u"ValueListIDs",      u"ValueListItems",
     u"WindowNames",
 };
 
@@ -85,9 +90,12 @@ void addDesignFunctions(FunctionTable& table, std::index_sequence<places...>) {
 }
 
 constexpr std::array lazyRows{
-    LazyRow{u"GetFieldName", getFieldName}, LazyRow{u"GetNthRecord", getNthRecord},
-    LazyRow{u"Lookup", lookup},             LazyRow{u"LookupNext", lookupNext},
-    LazyRow{u"GetSummary", getSummary},     LazyRow{u"Self", self},
+    LazyRow{u"GetFieldName", getFieldName},
+    LazyRow{u"GetNthRecord", getNthRecord},
+    LazyRow{u"Lookup", lookup},
+    LazyRow{u"LookupNext", lookupNext},
+    LazyRow{u"GetSummary", getSummary},
+    LazyRow{u"Self", self},
 };
 constexpr std::array evaluationRows{
     EvaluationRow{u"GetField", getField},

@@ -19,7 +19,8 @@ FieldName fieldNameIn(std::u16string_view text) {
     FieldName name;
     text = trimmed(text);
     if (const std::size_t bracket = text.rfind(u'['); text.ends_with(u']') && bracket != 0)
-        if (const auto number = Decimal::parse(trimmed(text.substr(bracket + 1, text.size() - bracket - 2)))) {
+        if (const auto number =
+                Decimal::parse(trimmed(text.substr(bracket + 1, text.size() - bracket - 2)))) {
             name.repetition = number->toInt32();
             text = text.substr(0, bracket);
         }
@@ -31,7 +32,8 @@ FieldName fieldNameIn(std::u16string_view text) {
 
 /// The place that was found when the calculation was read; found again where names may mean something else.
 Evaluation::FieldReference Evaluation::referenceTo(const Node& field) {
-    FieldReference reference{.place = field.place, .repetition = scope() == nullptr ? 1 : scope()->repetition};
+    FieldReference reference{.place = field.place,
+                             .repetition = scope() == nullptr ? 1 : scope()->repetition};
     if (field.names != fields().names(scope())) {
         const FieldContext::Found found = fields().find(scope(), field.occurrence, field.name);
         if (found.error != error::none) throw Error{found.error};
@@ -52,21 +54,34 @@ Evaluation::FieldReference Evaluation::fieldNamed(std::u16string_view text) {
             .isOneRepetition = name.repetition.has_value()};
 }
 
+namespace {
+
+bool isCallOf(const Node& node, std::u16string_view function) {
+    return node.kind == Node::Kind::call && node.function->name == function;
+}
+
+} // namespace
+
 std::optional<Evaluation::FieldReference> Evaluation::fieldIn(const Node& node) {
     if (node.kind == Node::Kind::field) return referenceTo(node);
-    if (node.kind != Node::Kind::call || node.children.empty()) return std::nullopt;
-    const std::u16string& function = node.function->name;
-    if (function == u"GetField") return fieldNamed(evaluate(*node.children[0])->asText().units());
-    if (function != u"Evaluate") return std::nullopt;
-    const ExpressionRef expression = parseHere(evaluate(*node.children[0])->asText().units());
-    const bool isField = expression->root != nullptr && expression->root->kind == Node::Kind::field;
-    return isField ? std::optional(referenceTo(*expression->root)) : std::nullopt;
+    if (!isCallOf(node, u"GetField")) return std::nullopt;
+    try {
+        return fieldNamed(evaluate(*node.children[0])->asText().units());
+    } catch (const Exhausted&) {
+        throw;
+    } catch (const Error&) {
+        return std::nullopt; // the function itself tells why
+    }
 }
 
 Evaluation::FieldReference Evaluation::requiredField(const Node& node) {
-    const auto field = fieldIn(node);
-    if (!field) throw Error{error::fieldExpected};
-    return *field;
+    if (const auto field = fieldIn(node)) return *field;
+    if (isCallOf(node, u"GetField")) return fieldNamed(evaluate(*node.children[0])->asText().units());
+    if (!isCallOf(node, u"Evaluate")) throw Error{error::fieldExpected};
+    const ExpressionRef expression = parseHere(evaluate(*node.children[0])->asText().units());
+    if (expression->root == nullptr || expression->root->kind != Node::Kind::field)
+        throw Error{error::fieldExpected};
+    return referenceTo(*expression->root);
 }
 
 DataRef Evaluation::noted(DataRef value) {

@@ -21,8 +21,8 @@ struct FieldPlace {
 /// The record that a calculation belongs to, where that is not the session's current record.
 struct RecordScope {
     std::size_t occurrence = 0;
-    std::int64_t record = 0; ///< its ID; 0: none
-    int repetition = 1;      ///< the one that is calculated
+    std::int64_t record = 0;        ///< its ID; 0: none
+    int repetition = 1;             ///< the one that is calculated
     std::optional<FieldPlace> self; ///< the field whose calculation it is
 };
 
@@ -44,7 +44,7 @@ public:
     /// A number that is the same as long as a name means the same field.
     [[nodiscard]] virtual std::uint64_t names(Scope scope) const = 0;
     struct Found {
-        int error = 0; ///< 0, 102 (no such field), 106 (no such occurrence)
+        int error = 0; ///< 0, or 102: no such field or occurrence
         FieldPlace place = {};
     };
     /// A field by name, in any case; the name of the occurrence is empty for one of the scope's own.

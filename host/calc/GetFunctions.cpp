@@ -75,6 +75,17 @@ DataRef uuid(Evaluation&) {
     return textResult(std::move(text));
 }
 
+/// A random number of 24 bytes.
+DataRef uuidNumber(Evaluation&) {
+    constexpr int words = 6;
+    static std::mt19937_64 generator(std::random_device{}());
+    std::uniform_int_distribution<std::uint32_t> pick(1);
+    Decimal number = pick(generator);
+    for (int i = 1; i < words; ++i)
+        number = number.times(std::int64_t{1} << 32).plus(pick(generator));
+    return numberResult(std::move(number));
+}
+
 struct Answer {
     std::u16string_view name; ///< folded
     DataRef (*value)(Evaluation& evaluation);
@@ -94,6 +105,7 @@ constexpr std::array answers{
     Answer{u"currenttimestamp", current<DataType::timestamp>},
     Answer{u"currenthosttimestamp", current<DataType::timestamp>},
     Answer{u"uuid", uuid},
+    Answer{u"uuidnumber", uuidNumber},
 };
 
 const Answer* answerNamed(std::u16string_view name) {
@@ -124,7 +136,8 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     const SqlAnswer answer = evaluation.file().selectSql(arguments[0]->asText().units(), parameters);
     if (answer.error == error::none)
         return textResult(answer.joined(separator(*arguments[1], u","), separator(*arguments[2], u"\r")));
-    if (!givesReason || answer.problem.empty()) return questionMark();
+    const DataRef mark = evaluation.failed(answer.error);
+    if (!givesReason || answer.problem.empty()) return mark;
     return textResult(Text(u"? ERROR: " + answer.problem));
 }
 

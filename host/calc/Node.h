@@ -74,8 +74,8 @@ public:
 
     const std::u16string source;
 
-    const Node* root = nullptr; ///< null: nothing but blanks
-    int levels = 0;             ///< how deeply it is nested
+    const Node* root = nullptr;     ///< null: nothing but blanks
+    int levels = 0;                 ///< how deeply it is nested
     std::vector<FieldPlace> fields; ///< that it reads
     std::shared_ptr<const FunctionTable> functions;
 

@@ -50,7 +50,8 @@ private:
 
 Parser::Parser(std::u16string_view source, std::shared_ptr<const FunctionTable> functions, FileContext* file,
                const RecordScope* scope, const std::vector<std::u16string_view>& bound)
-    : file_(file), scope_(scope), expression_(std::make_shared<Expression>(source)), lexer_(expression_->source) {
+    : file_(file), scope_(scope), expression_(std::make_shared<Expression>(source)),
+      lexer_(expression_->source) {
     expression_->functions = std::move(functions);
     for (const std::u16string_view name : bound)
         bind(std::u16string(name));
@@ -233,7 +234,6 @@ const Node* Parser::field(const Token& name) {
     if (file_ == nullptr) failOnName(name, false);
     FieldContext& fields = file_->fields();
     const FieldContext::Found found = fields.find(scope_, name.table, name.text);
-    if (found.error == error::missingTable) fail(error::missingTable, name);
     if (found.error != error::none) failOnName(name, false);
     expression_->fields.push_back(found.place);
     Node& node = add(Node::Kind::field, name);

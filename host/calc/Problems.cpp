@@ -105,11 +105,6 @@ std::string lackOf(std::u16string_view name) {
     return "the host has no " + named(name) + (hasReason ? " (" + std::string(row->needs) + ")" : "");
 }
 
-std::string whatIsMissing(int code, std::u16string_view near) {
-    if (code == error::functionNotFound) return "function " + named(near) + " is not known";
-    return named(near) + (code == error::missingTable ? ": no such table occurrence" : ": no such field");
-}
-
 Problem placed(std::u16string_view source, std::uint32_t position, std::uint32_t length) {
     Problem problem;
     problem.position = std::min(position, static_cast<std::uint32_t>(source.size()));
@@ -130,7 +125,6 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
     switch (error.code) {
     case error::functionNotFound:
     case error::missingField:
-    case error::missingTable:
         for (const std::u16string& name : parser.boundNames())
             nearest.consider(name);
         nearest.consider(functions.rows());
@@ -140,7 +134,10 @@ Problem problemOf(const Error& error, const Parser& parser, std::u16string_view 
                 nearest.consider(name);
                 nearest.consider(name.substr(name.find(u"::") + 2));
             });
-        problem.message = whatIsMissing(error.code, problem.near) + nearest.question();
+        problem.message =
+            (error.code == error::missingField ? named(problem.near) + ": no such field"
+                                               : "function " + named(problem.near) + " is not known") +
+            nearest.question();
         break;
     case error::tooFewParameters:
     case error::tooManyParameters:

@@ -1,6 +1,7 @@
 #include "host/cli/Candidates.h"
 
 #include "host/app/File.h"
+#include "host/app/GetNames.h"
 #include "host/cli/OpenParts.h"
 #include "host/cli/PromptCommands.h"
 #include "host/cli/Runner.h"
@@ -16,10 +17,12 @@ namespace host::cli {
 
 namespace {
 
-constexpr std::array kGetNames{
-    u"AccountName",     u"ApplicationVersion", u"CurrentDate",        u"CurrentTime", u"CurrentTimestamp",
-    u"FileName",        u"FilePath",           u"InstalledFMPlugins", u"LastError",   u"ScriptName",
-    u"ScriptParameter", u"SystemPlatform",     u"UserName",           u"UUID"};
+/// The names of Get that calculations answer without a file.
+constexpr std::array kGetNames{u"AllowAbortState", u"CurrentDate",       u"CurrentHostTimestamp",
+                               u"CurrentTime",     u"CurrentTimestamp",  u"ErrorCaptureState",
+                               u"LastError",       u"LastErrorLocation", u"ScriptName",
+                               u"ScriptParameter", u"ScriptResult",      u"UUID",
+                               u"UUIDNumber"};
 
 /// Collects the names that begin with what was typed, regardless of case.
 class Matches {
@@ -155,6 +158,8 @@ Completions candidatesFor(const std::string& before, Runner& runner) {
     Matches matches(typed);
     if (followsGet(std::u16string_view(line).substr(0, start))) {
         for (const char16_t* name : kGetNames)
+            matches.offer(name, u" )");
+        for (const std::u16string_view name : getNames())
             matches.offer(name, u" )");
     } else {
         offerFunctions(matches, runner);

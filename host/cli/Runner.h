@@ -35,8 +35,8 @@ void addSessionOptions(CLI::App& command, SessionOptions& options);
 /// Sets the clock and the native encoding as the options say.
 void prepareMachine(const SessionOptions& options);
 std::vector<Solution> loadSolutions(const SessionOptions& options);
-/// Goes to a layout, unless its name is empty, and a record of the first file. Throws std::runtime_error where
-/// there is none.
+/// Goes to a layout, unless its name is empty, and a record of the first file. Throws std::runtime_error
+/// where there is none.
 void goTo(Session& session, const std::string& layout, std::optional<std::int64_t> record);
 
 /// A session that prints results and what scripts report, and turns the host's loop.

@@ -18,12 +18,9 @@ struct SummaryFunction {
     std::u16string_view function;
 };
 constexpr std::array summaryFunctions{
-    SummaryFunction{SummaryKind::total, u"Sum"},
-    SummaryFunction{SummaryKind::average, u"Average"},
-    SummaryFunction{SummaryKind::count, u"Count"},
-    SummaryFunction{SummaryKind::minimum, u"Min"},
-    SummaryFunction{SummaryKind::maximum, u"Max"},
-    SummaryFunction{SummaryKind::standardDeviation, u"StDev"},
+    SummaryFunction{SummaryKind::total, u"Sum"},   SummaryFunction{SummaryKind::average, u"Average"},
+    SummaryFunction{SummaryKind::count, u"Count"}, SummaryFunction{SummaryKind::minimum, u"Min"},
+    SummaryFunction{SummaryKind::maximum, u"Max"}, SummaryFunction{SummaryKind::standardDeviation, u"StDev"},
     SummaryFunction{SummaryKind::list, u"List"},
 };
 
@@ -120,9 +117,8 @@ void Records::renew(RecordPlace place, std::set<std::size_t> changed, bool isAll
 DataRef Records::summary(std::size_t table, std::size_t number, const std::vector<std::int64_t>& records) {
     const Field& of = schema().tables[table].fields[number];
     const auto summarized = std::find_if(
-        schema().tables[table].fields.begin(), schema().tables[table].fields.end(), [&](const Field& known) {
-            return calc::foldName(known.name) == calc::foldName(of.summarized);
-        });
+        schema().tables[table].fields.begin(), schema().tables[table].fields.end(),
+        [&](const Field& known) { return calc::foldName(known.name) == calc::foldName(of.summarized); });
     if (summarized == schema().tables[table].fields.end() || summarized->kind == FieldKind::summary)
         return failed(calc::error::missingField);
     const auto place = static_cast<std::size_t>(summarized - schema().tables[table].fields.begin());

@@ -38,8 +38,7 @@ calc::FieldContext::Found FileFields::find(Scope scope, std::u16string_view occu
                                            std::u16string_view field) const {
     const Schema& schema = records_.schema();
     const auto in = occurrence.empty() ? occurrenceOf(scope) : schema.occurrence(occurrence);
-    if (!in) return {.error = occurrence.empty() ? calc::error::missingField : calc::error::missingTable};
-    if (*in >= schema.occurrences.size()) return {.error = calc::error::missingField};
+    if (!in || *in >= schema.occurrences.size()) return {.error = calc::error::missingField};
     const auto place = schema.field(*in, field);
     if (!place) return {.error = calc::error::missingField};
     return {.place = {static_cast<std::uint32_t>(*in), static_cast<std::uint32_t>(*place)}};
@@ -135,7 +134,8 @@ DataRef FileFields::lookupNext(Scope scope, calc::FieldPlace place, bool isHighe
 /// is sorted by before, have the current record's values.
 DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::FieldPlace breakField) {
     const Field* field = fieldAt(summaryField);
-    if (field == nullptr || field->kind != FieldKind::summary) throw calc::Error{calc::error::summaryExpected};
+    if (field == nullptr || field->kind != FieldKind::summary)
+        throw calc::Error{calc::error::summaryExpected};
     const std::size_t table = tableOf(summaryField);
     const FoundSet& set = position_.foundSet(summaryField.occurrence);
     if (summaryField == breakField) return records_.summary(table, summaryField.field, set.records);

@@ -38,7 +38,8 @@ bool fits(std::u16string_view pattern, std::u16string_view text, bool isOpen) {
             if (sign == u'*') {
                 next[i] = reached[i] || (i > 0 && next[i - 1]);
             } else if (i < text.size() && reached[i]) {
-                const bool isSame = sign == u'@' || sign == text[i] || (sign == u'#' && u_isdigit(text[i]) != 0);
+                const bool isSame =
+                    sign == u'@' || sign == text[i] || (sign == u'#' && u_isdigit(text[i]) != 0);
                 next[i + 1] = next[i + 1] || isSame;
             }
         }
@@ -122,7 +123,8 @@ private:
 
     [[nodiscard]] bool isIn(const Data& value) const {
         const std::u16string content = calc::foldName(value.asText().units());
-        if (text_.starts_with(u"==")) return fits(trimmed(std::u16string_view(text_).substr(2)), content, false);
+        if (text_.starts_with(u"=="))
+            return fits(trimmed(std::u16string_view(text_).substr(2)), content, false);
         const std::vector<std::u16string> words = wordsOf(content);
         for (std::u16string_view rest = text_; !(rest = trimmed(rest)).empty();) {
             if (rest.front() == u'"') {
@@ -173,10 +175,10 @@ DataVect valuesFor(Records& records, std::size_t occurrence, std::int64_t record
     return values;
 }
 
-std::vector<std::int64_t> meeting(Records& records, std::size_t occurrence, const FindRequest::Criterion& criterion,
+std::vector<std::int64_t> meeting(Records& records, std::size_t occurrence,
+                                  const FindRequest::Criterion& criterion,
                                   const std::vector<std::int64_t>& candidates) {
-    const Field& field =
-        records.schema().tableOf(criterion.place.occurrence).fields[criterion.place.field];
+    const Field& field = records.schema().tableOf(criterion.place.occurrence).fields[criterion.place.field];
     const Test test(criterion.text, field.type);
     std::vector<std::int64_t> met;
     std::map<std::u16string, std::vector<std::int64_t>> byValue;

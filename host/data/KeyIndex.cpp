@@ -19,14 +19,16 @@ std::vector<Key> keysOf(const Data& value, DataType type) {
     if (type != DataType::text) {
         Data converted = value;
         if (!converted.convert(type)) return keys;
-        if (const auto number = converted.number()) keys.push_back({.isText = false, .number = *number, .text = {}});
+        if (const auto number = converted.number())
+            keys.push_back({.isText = false, .number = *number, .text = {}});
         return keys;
     }
     const std::u16string_view text = value.asText().units();
     for (std::size_t start = 0; start <= text.size();) {
         const std::size_t end = std::min(text.find(u'\r', start), text.size());
         if (end > start)
-            keys.push_back({.isText = true, .number = 0, .text = calc::foldName(text.substr(start, end - start))});
+            keys.push_back(
+                {.isText = true, .number = 0, .text = calc::foldName(text.substr(start, end - start))});
         start = end + 1;
     }
     return keys;

@@ -234,8 +234,7 @@ int Position::setCriterion(calc::FieldPlace place, int repetition, const DataRef
     std::erase_if(criteria, [&](const FindRequest::Criterion& criterion) {
         return criterion.place == place && criterion.repetition == repetition;
     });
-    if (!value->isEmpty())
-        criteria.push_back({place, repetition, std::u16string(value->asText().units())});
+    if (!value->isEmpty()) criteria.push_back({place, repetition, std::u16string(value->asText().units())});
     return none;
 }
 
@@ -325,8 +324,9 @@ int Position::enterBrowseMode() {
 
 /// Finds among candidates; records that were kept stay in front.
 int Position::find(const std::vector<std::int64_t>& candidates, const std::vector<std::int64_t>& kept) {
-    const bool hasCriteria = std::any_of(requests_.begin(), requests_.end(),
-                                         [](const FindRequest& request) { return !request.criteria.empty(); });
+    const bool hasCriteria = std::any_of(requests_.begin(), requests_.end(), [](const FindRequest& request) {
+        return !request.criteria.empty();
+    });
     if (mode_ != Mode::find || !hasCriteria) {
         mode_ = Mode::browse;
         return calc::error::noCriteria;

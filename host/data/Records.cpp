@@ -48,6 +48,7 @@ DataRef typed(const DataRef& value, DataType type) {
 
 /// Whether the store keeps all of a value.
 bool isPlain(const Data& value) {
+    if (!value.isValid()) return false;
     return value.nativeType() == DataType::text ? value.asText().isPlain()
                                                 : value.nativeType() != DataType::binary || value.isEmpty();
 }

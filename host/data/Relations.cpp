@@ -132,7 +132,8 @@ std::int64_t Records::createRelated(std::size_t from, std::int64_t record, std::
     std::vector<std::pair<std::size_t, DataRef>> keys;
     for (const Relationship::Predicate& predicate : relationship.predicates) {
         if (predicate.comparison != KeyComparison::equal) continue;
-        keys.emplace_back(predicate.fields[hop.side], value({here, record}, predicate.fields[1 - hop.side], 1));
+        keys.emplace_back(predicate.fields[hop.side],
+                          value({here, record}, predicate.fields[1 - hop.side], 1));
         if (keys.back().second->isEmpty()) return 0;
     }
     const std::int64_t made = create(there);

@@ -219,6 +219,7 @@ void define(const StatementTree& tree, Connection& connection, Schema& schema) {
     }
     connection.run("RELEASE kestrel_definition");
     schema = definer.take();
+    ++schema.version;
 }
 
 } // namespace host::sql
