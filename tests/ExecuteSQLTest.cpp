@@ -146,11 +146,11 @@ TEST_F(ExecuteSQL, givesTheSameBytesAsTheShell) {
         const char *query, *fields, *records, *shells, *shellsFields, *shellsRecords;
     } cases[] = {
         {"SELECT * FROM many ORDER BY id", "\t", "\r", "SELECT * FROM many ORDER BY id", "\\t", "\\r"},
-        {"SELECT note, MAX ( name ), SUM ( price ), COUNT ( * ) FROM many GROUP BY note, INT ( id / 5 ) "
+        {"SELECT note, MAX ( name ), SUM ( id ), COUNT ( * ) FROM many GROUP BY note, INT ( id / 5 ) "
          "ORDER BY "
          "MAX ( id ), note",
          "·", "語",
-         "SELECT nullif(note, '') AS n, max(name), sum(price), count(*) FROM many GROUP BY n, id / 5 ORDER "
+         "SELECT nullif(note, '') AS n, max(name), sum(id), count(*) FROM many GROUP BY n, id / 5 ORDER "
          "BY "
          "max(id), n",
          "·", "語"},
