@@ -18,18 +18,20 @@ class ExecuteSQL : public FunctionCalls {
 protected:
     void SetUp() override {
         FunctionCalls::SetUp();
-        for (const char* statement :
-             {"CREATE TABLE t (txt TEXT, num NUMERIC, d DATE, h TIME, m TIMESTAMP, c BLOB)",
-              "INSERT INTO t VALUES ('a', 0.5, '2024-02-29', '-1:00:05', '2024-02-29 14:05:09', x'00FF')",
-              "INSERT INTO t VALUES ('b\t|\"', -12, NULL, NULL, NULL, NULL)"})
-            ASSERT_EQ(run(statement).value.asText().utf8(), "") << statement;
+        host::Solution solution;
+        solution.schema =
+            "CREATE TABLE t (txt TEXT, num NUMERIC, d DATE, h TIME, m TIMESTAMP, c BLOB);"
+            "INSERT INTO t VALUES ('a', 0.5, '2024-02-29', '-1:00:05', '2024-02-29 14:05:09', x'00FF'),"
+            "('b' || char(9) || '|\"', -12, NULL, NULL, NULL, NULL)";
+        session.close(file);
+        file = session.open(std::move(solution));
     }
 
     Answer run(const char* statement) { return call(executeSql, {Data(host::fromUtf8(statement))}); }
 };
 
 TEST_F(ExecuteSQL, givesTextOrAnErrorNumber) {
-    EXPECT_EQ(run("SELECT num FROM t LIMIT 1").value.nativeType(), host::DataType::text);
+    EXPECT_EQ(run("SELECT num FROM t FETCH FIRST 1 ROWS ONLY").value.nativeType(), host::DataType::text);
     const Answer refused = run("SELECT nothing");
     EXPECT_EQ(refused.error, 0);
     EXPECT_EQ(refused.value.nativeType(), host::DataType::number);
@@ -51,9 +53,9 @@ TEST_F(ExecuteSQL, usesTheFirstUnitOfASeparator) {
         {std::u16string(u"\0|", 2), std::u16string(u"1\0002", 3)},
     };
     for (const auto& [separator, result] : cases) {
-        const Data query(u"SELECT 1, 2");
+        const Data query(u"SELECT 1, 2 FROM t WHERE num = .5");
         EXPECT_EQ(call(executeSql, {query, Data(separator)}).value.asText().units(), result);
-        const Data rows(u"VALUES ( 1 ) , ( 2 )");
+        const Data rows(u"SELECT 1 FROM t UNION SELECT 2 FROM t ORDER BY 1");
         EXPECT_EQ(call(executeSql, {rows, Data(u"x"), Data(separator)}).value.asText().units(), result);
     }
 }
@@ -61,7 +63,7 @@ TEST_F(ExecuteSQL, usesTheFirstUnitOfASeparator) {
 TEST_F(ExecuteSQL, takesStyledTextAndGivesPlainText) {
     const char* const styled =
         "Let ( bold = TextStyleAdd ( \"|\" ; Bold ) ; Kestrel_ExecuteSQL ( "
-        "TextStyleAdd ( \"SELECT txt, num FROM t LIMIT 1\" ; Italic ) ; bold ; bold ) )";
+        "TextStyleAdd ( \"SELECT txt, num FROM t FETCH FIRST 1 ROW ONLY\" ; Italic ) ; bold ; bold ) )";
     EXPECT_EQ(textOf(styled), "a|.5");
     EXPECT_TRUE(evaluate(styled).value->asText().isPlain());
 }
@@ -112,15 +114,21 @@ TEST_F(ExecuteSQL, givesTheSameBytesAsTheShell) {
     session.open(std::move(solution));
     const std::string script = testing::TempDir() + "kestrel-" + std::to_string(::getpid()) + ".sql";
     const struct {
-        const char *query, *fields, *records, *shellsFields, *shellsRecords;
+        const char *query, *fields, *records, *shells, *shellsFields, *shellsRecords;
     } cases[] = {
-        {"SELECT * FROM many ORDER BY id", "\t", "\r", "\\t", "\\r"},
-        {"SELECT note, name, sum(price), count(*) FROM many GROUP BY id / 5, note ORDER BY max(id)", "·",
-         "語", "·", "語"},
+        {"SELECT * FROM many ORDER BY id", "\t", "\r", "SELECT * FROM many ORDER BY id", "\\t", "\\r"},
+        {"SELECT note, MAX ( name ), SUM ( id ), COUNT ( * ) FROM many GROUP BY note, INT ( id / 5 ) "
+         "ORDER BY "
+         "MAX ( id ), note",
+         "·", "語",
+         "SELECT nullif(note, '') AS n, max(name), sum(id), count(*) FROM many GROUP BY n, id / 5 ORDER "
+         "BY "
+         "max(id), n",
+         "·", "語"},
         {"SELECT a.name, b.name FROM many a JOIN many b ON b.id = a.id * 2 ORDER BY a.id DESC", "|", "\n",
-         "|", "\\n"},
+         "SELECT a.name, b.name FROM many a JOIN many b ON b.id = a.id * 2 ORDER BY a.id DESC", "|", "\\n"},
     };
-    for (const auto& [query, fields, records, shellsFields, shellsRecords] : cases) {
+    for (const auto& [query, fields, records, shells, shellsFields, shellsRecords] : cases) {
         const std::string ours = call(executeSql, {Data(host::fromUtf8(query)), Data(host::fromUtf8(fields)),
                                                    Data(host::fromUtf8(records))})
                                      .value.asText()
@@ -128,7 +136,7 @@ TEST_F(ExecuteSQL, givesTheSameBytesAsTheShell) {
         EXPECT_GT(ours.size(), 500'000U) << query;
         std::ofstream(script) << manyRows << ".mode list\n.separator \"" << shellsFields << "\" \""
                               << shellsRecords << "\"\n"
-                              << query << ";\n";
+                              << shells << ";\n";
         // The shell writes a separator after the last row as well. EXPECT_TRUE avoids a message of megabytes.
         EXPECT_TRUE(ours + records == outputOf("sqlite3 -batch -noheader -init /dev/null :memory: <'" +
                                                script + "' || echo failed"))

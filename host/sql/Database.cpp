@@ -29,12 +29,6 @@ constexpr std::size_t kLongestStatement = std::size_t{1} << 20U; ///< UTF-16 uni
 constexpr std::size_t kMostKept = 200, kLongestKept = 10'000;    ///< translations, and units of one
 constexpr int kSqlRefused = 8309;
 
-struct ChangedRecord {
-    std::string table;
-    std::int64_t record;
-    Change change;
-};
-
 Change changeOf(int operation) {
     if (operation == SQLITE_INSERT) return Change::inserted;
     return operation == SQLITE_UPDATE ? Change::updated : Change::deleted;
@@ -79,6 +73,12 @@ std::u16string keyOf(std::u16string_view statement, const DataVect& parameters) 
 }
 
 } // namespace
+
+struct Database::ChangedRecord {
+    std::string table;
+    std::int64_t record;
+    Change change;
+};
 
 struct Database::Statements {
     explicit Statements(std::chrono::milliseconds budget)
@@ -205,6 +205,16 @@ std::shared_ptr<const sql::Translation> Database::translated(std::u16string_view
     return made;
 }
 
+/// The records of a statement are all of one table, or of few.
+void Database::report(const std::vector<ChangedRecord>& changed) const {
+    std::map<std::string, std::size_t, std::less<>> places;
+    for (std::size_t i = 0; i < schema_.tables.size(); ++i)
+        places.emplace(toUtf8(schema_.tables[i].name), i);
+    for (const auto& [table, record, change] : changed)
+        if (const auto place = places.find(table); place != places.end())
+            calls_.changed(place->second, record, change);
+}
+
 calc::SqlAnswer Database::answer(const sql::Translation& translation, const DataVect& parameters,
                                  ValueForm form) {
     std::vector<ChangedRecord> changed;
@@ -219,10 +229,7 @@ calc::SqlAnswer Database::answer(const sql::Translation& translation, const Data
         if (code != SQLITE_DONE) throw problemOf(statements_->connection.handle(), code);
     }
     if (translation.fetch) cutRows(answer.rows, translation);
-    for (const ChangedRecord& record : changed)
-        for (std::size_t table = 0; calls_.changed && table < schema_.tables.size(); ++table)
-            if (toUtf8(schema_.tables[table].name) == record.table)
-                calls_.changed(table, record.record, record.change);
+    if (calls_.changed) report(changed);
     return answer;
 }
 

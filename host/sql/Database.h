@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -70,6 +71,8 @@ public:
 
 private:
     struct Statements;
+    struct ChangedRecord;
+    void report(const std::vector<ChangedRecord>& changed) const;
     calc::SqlAnswer run(std::u16string_view statement, const DataVect& parameters, bool isQueryOnly);
     /// Null for a definition, which has been carried out. Throws sql::Problem, as does `answer`.
     std::shared_ptr<const sql::Translation> translated(std::u16string_view statement,

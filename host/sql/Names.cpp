@@ -2,29 +2,19 @@
 #include "host/sql/Store.h"
 #include "host/sql/Translator.h"
 
-#include <algorithm>
+#include <optional>
 
 /// Where names are looked up.
 
 namespace host::sql {
-
-namespace {
-
-std::optional<std::size_t> fieldNamed(const BaseTable& table, const std::u16string& folded) {
-    const auto found = std::find_if(table.fields.begin(), table.fields.end(),
-                                    [&](const Field& field) { return calc::foldName(field.name) == folded; });
-    if (found == table.fields.end()) return std::nullopt;
-    return static_cast<std::size_t>(found - table.fields.begin());
-}
-
-} // namespace
 
 Translator::Place Translator::findQualified(const Expression& column) {
     const std::u16string alias = calc::foldName(column.qualifier), name = calc::foldName(column.name);
     for (Scope* scope = scope_; scope != nullptr; scope = scope->outer)
         for (const ScopeTable& table : scope->tables) {
             if (table.alias != alias) continue;
-            if (const auto field = fieldNamed(*table.table, name)) return {scope, &table, *field};
+            if (const auto field = table.fields.find(name); field != table.fields.end())
+                return {scope, &table, field->second};
             throw Problem{.code = Fql::noColumnInTable, .position = column.position, .name = column.name};
         }
     throw Problem{.code = Fql::noQualifier, .position = column.position, .name = column.qualifier};
@@ -36,11 +26,11 @@ Translator::Place Translator::find(const Expression& column) {
     for (Scope* scope = scope_; scope != nullptr; scope = scope->outer) {
         std::optional<Place> found;
         for (const ScopeTable& table : scope->tables)
-            if (const auto field = fieldNamed(*table.table, name)) {
+            if (const auto field = table.fields.find(name); field != table.fields.end()) {
                 if (found)
                     throw Problem{
                         .code = Fql::ambiguousColumn, .position = column.position, .name = column.name};
-                found = Place{scope, &table, *field};
+                found = Place{scope, &table, field->second};
             }
         if (found) return *found;
     }

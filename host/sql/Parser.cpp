@@ -11,7 +11,8 @@ namespace host::sql {
 
 namespace {
 
-constexpr std::size_t kMostTables = 50; ///< of one SELECT; the store joins at most 64
+constexpr std::size_t kMostParts = 2'000; ///< columns of a query or a table
+constexpr std::size_t kMostTables = 50;   ///< of one SELECT; the store joins at most 64
 
 } // namespace
 
@@ -40,6 +41,12 @@ void Parser::expect(std::string_view word) {
 }
 
 void Parser::fail() const { throw Problem{.code = Fql::syntax, .position = token().position}; }
+
+bool Parser::takeNext(std::size_t parts) {
+    if (!take(",")) return false;
+    if (parts >= kMostParts) throw Problem{.code = Fql::refused, .position = token().position};
+    return true;
+}
 
 bool Parser::isName(std::size_t ahead) const {
     const Token& next = token(ahead);
@@ -113,7 +120,7 @@ std::unique_ptr<Select> Parser::select(bool isSubquery) {
     if (takeAll({"FOR", "UPDATE"}) && take("OF")) {
         do
             made->updated.push_back(column());
-        while (take(","));
+        while (takeNext(made->updated.size()));
     }
     return made;
 }
@@ -125,7 +132,7 @@ Query Parser::query() {
     made.isDistinct = take("DISTINCT");
     do
         made.items.push_back(item());
-    while (take(","));
+    while (takeNext(made.items.size()));
     expect("FROM");
     tables(made.tables);
     if (take("WHERE")) made.condition = condition();
@@ -182,7 +189,7 @@ void Parser::orders(Select& select) {
         order.isDescending = take("DESC");
         if (!order.isDescending) take("ASC");
         select.orders.push_back(std::move(order));
-    } while (take(","));
+    } while (takeNext(select.orders.size()));
 }
 
 void Parser::window(Select& select) {

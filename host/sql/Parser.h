@@ -24,6 +24,8 @@ private:
     bool takeAll(std::initializer_list<std::string_view> words);
     void expect(std::string_view word);
     [[noreturn]] void fail() const;
+    /// The next part of a list; throws where there are more than the store takes.
+    [[nodiscard]] bool takeNext(std::size_t parts);
     [[nodiscard]] bool isName(std::size_t ahead = 0) const;
     std::u16string name();
     std::u16string text();

@@ -96,7 +96,7 @@ void Parser::insert(StatementTree& tree) {
     if (take("(")) {
         do
             body.columns.push_back(target(false));
-        while (take(","));
+        while (takeNext(body.columns.size()));
         expect(")");
     }
     if (isNext("SELECT")) {
@@ -106,7 +106,7 @@ void Parser::insert(StatementTree& tree) {
         expect("(");
         do
             body.values.push_back(value());
-        while (take(","));
+        while (takeNext(body.values.size()));
         expect(")");
     }
     tree.body = std::move(body);
@@ -120,7 +120,7 @@ void Parser::update(StatementTree& tree) {
         body.columns.push_back(target(true));
         expect("=");
         body.values.push_back(value());
-    } while (take(","));
+    } while (takeNext(body.values.size()));
     if (take("WHERE")) body.condition = condition();
     tree.body = std::move(body);
 }
@@ -131,7 +131,7 @@ void Parser::createTable(StatementTree& tree) {
     expect("(");
     do
         body.columns.push_back(columnDefinition());
-    while (take(","));
+    while (takeNext(body.columns.size()));
     expect(")");
     tree.body = std::move(body);
 }

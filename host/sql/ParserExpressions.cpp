@@ -357,7 +357,7 @@ ExpressionRef Parser::parameter() {
 void Parser::list(std::vector<ExpressionRef>& expressions) {
     do
         expressions.push_back(condition());
-    while (take(","));
+    while (takeNext(expressions.size()));
 }
 
 std::unique_ptr<Select> Parser::subselect() {

@@ -99,11 +99,15 @@ Translator::ScopeTable Translator::tableNamed(const TableReference& reference) {
         throw Problem{.code = Fql::noTable, .position = reference.position, .name = reference.name};
     if (table == insertTarget_)
         throw Problem{.code = Fql::subqueryOfTarget, .position = reference.position, .name = reference.name};
-    return {.alias = alias,
-            .name = "t" + std::to_string(tables_++),
-            .table = table,
-            .occurrence = occurrence.value_or(0),
-            .isSystem = !occurrence};
+    ScopeTable made{.alias = alias,
+                    .name = "t" + std::to_string(tables_++),
+                    .table = table,
+                    .occurrence = occurrence.value_or(0),
+                    .isSystem = !occurrence,
+                    .fields = {}};
+    for (std::size_t i = 0; i < table->fields.size(); ++i)
+        made.fields.emplace(calc::foldName(table->fields[i].name), i);
+    return made;
 }
 
 std::string Translator::tables(const Query& query) {

@@ -4,6 +4,7 @@
 #include "host/sql/Problems.h"
 #include "host/sql/Syntax.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,6 +48,7 @@ private:
         const BaseTable* table;
         std::size_t occurrence; ///< none for a system table
         bool isSystem;
+        std::map<std::u16string, std::size_t> fields; ///< places by folded name
     };
     struct BareColumn {
         std::size_t position;

@@ -191,11 +191,11 @@ struct Giver {
 };
 
 /// Reads UTF-8, the encoding of the tables; for another encoding the engine would convert the stored value.
-std::u16string columnText(sqlite3_stmt* statement, int column) {
+std::string_view columnText(sqlite3_stmt* statement, int column) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
     if (bytes == nullptr) return {};
-    return fromUtf8({bytes, size});
+    return {bytes, size};
 }
 
 Data columnBytes(sqlite3_stmt* statement, int column) {
@@ -206,12 +206,23 @@ Data columnBytes(sqlite3_stmt* statement, int column) {
     return Data(std::move(container));
 }
 
-Data fromText(std::u16string text, DataType declared) {
+bool isMoment(DataType type) {
+    return type == DataType::date || type == DataType::time || type == DataType::timestamp;
+}
+
+DataRef fromText(std::string_view text, DataType declared) {
+    constexpr std::size_t longestMoment = 64;
+    if (isMoment(declared) && text.size() <= longestMoment) {
+        // The few units of a date need no memory of their own.
+        std::array<char16_t, longestMoment> units{};
+        std::copy_n(reinterpret_cast<const unsigned char*>(text.data()), text.size(), units.begin());
+        if (const auto value = readSqlText({units.data(), text.size()}, declared))
+            return std::make_shared<const Data>(*value, declared);
+    }
+    std::u16string units = fromUtf8(text);
     if (declared == DataType::number)
-        if (const auto number = Decimal::parse(text)) return Data(*number);
-    if (declared == DataType::date || declared == DataType::time || declared == DataType::timestamp)
-        if (const auto value = readSqlText(text, declared)) return {*value, declared};
-    return Data(Text(std::move(text)));
+        if (const auto number = Decimal::parse(units)) return std::make_shared<const Data>(*number);
+    return std::make_shared<const Data>(Text(std::move(units)));
 }
 
 } // namespace
@@ -300,11 +311,12 @@ DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, Valu
     case SQLITE_BLOB: return std::make_shared<const Data>(columnBytes(statement, column));
     case SQLITE_TEXT: {
         const DataType wanted = form == ValueForm::typed ? declared : DataType::text;
-        return std::make_shared<const Data>(fromText(columnText(statement, column), wanted));
+        return fromText(columnText(statement, column), wanted);
     }
     default: break;
     }
-    return std::make_shared<const Data>();
+    static const DataRef empty = std::make_shared<const Data>();
+    return empty;
 }
 
 } // namespace host

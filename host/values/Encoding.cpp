@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <unicode/ucnv.h>
+#include <unicode/ustring.h>
 #include <utility>
 
 namespace host {
@@ -97,6 +101,19 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
     }
 }
 
+/// Short cut for UTF-8: nothing where a byte means nothing.
+std::optional<std::u16string> wellFormed(std::string_view bytes) {
+    if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+    std::u16string units(bytes.size(), u'\0');
+    std::int32_t size = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    const auto most = static_cast<std::int32_t>(bytes.size());
+    u_strFromUTF8(units.data(), most, &size, bytes.data(), most, &status);
+    if (U_FAILURE(status)) return std::nullopt;
+    units.resize(static_cast<std::size_t>(size));
+    return units;
+}
+
 } // namespace
 
 Encoding encodingFromNumber(std::int32_t number) {
@@ -113,6 +130,8 @@ Encoding nativeEncoding() { return nativeChoice; }
 
 std::u16string decode(std::string_view bytes, Encoding encoding) {
     encoding = meantBy(encoding);
+    if (encoding == Encoding::utf8)
+        if (auto units = wellFormed(bytes)) return *std::move(units);
     UConverter* converter = converterFor(encoding);
     std::u16string units;
     units.reserve(bytes.size());
