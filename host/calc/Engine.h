@@ -115,8 +115,9 @@ Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTab
 
 struct Result {
     int error = 0;
-    DataRef value;   ///< never null: empty text on an error
-    Problem problem; ///< set on an error
+    DataRef value;      ///< never null: empty text on an error
+    Problem problem;    ///< set on an error
+    int innerError = 0; ///< of a value that is "?": the code of the part that failed, where it has one
 };
 Result evaluate(const Expression& expression, const Environment& environment);
 /// The same as a part of the calculation that runs, if one does: both share one limit of work.
