@@ -181,6 +181,7 @@ Result evaluate(const Expression& expression, const Environment& environment, bo
         try {
             result.value = evaluation.run(expression);
             if (evaluation.isUnending()) result.value = questionMark();
+            if (!result.value->isValid()) result.innerError = evaluation.innerError();
             result.error = error::none;
             result.external = evaluation.externalError();
         } catch (const Error& error) {

@@ -127,6 +127,7 @@ struct Result {
     DataRef value;            ///< never null: empty text on an error
     Problem problem;          ///< set on an error
     ExternalError external{}; ///< set where the calculation went on after it
+    int innerError = 0;       ///< of a value that is "?": the code of the part that failed, where it has one
     /// Sets what Get ( LastError ) answers after the calculation. The detail stays until the next error that
     /// a plug-in answers.
     void setLastError(LastError& last) const {

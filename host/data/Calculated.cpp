@@ -59,7 +59,9 @@ DataRef Records::evaluated(const Cell& cell) {
     calculating_.push_back(cell);
     const calc::Result result = evaluate_(*parsed, scope);
     calculating_.pop_back();
-    return result.error == calc::error::none ? result.value : failed(result.error);
+    if (result.error != calc::error::none) return failed(result.error);
+    if (!result.value->isValid()) failure_ = result.innerError;
+    return result.value;
 }
 
 DataRef Records::calculated(const Cell& cell) {
