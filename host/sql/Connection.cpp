@@ -54,7 +54,9 @@ int Connection::authorize(void* /*self*/, int action, const char* /*first*/, con
 
 Connection::Connection(std::chrono::milliseconds budget) : budget_(budget) {
     sqlite3_hard_heap_limit64(kMemoryForAllTables);
-    constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
+    // A file is used by one thread at a time, so the engine's locks would guard nothing.
+    constexpr int flags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(":memory:", &handle_, flags, nullptr) != SQLITE_OK ||
         run("PRAGMA temp_store = MEMORY; PRAGMA max_page_count = 65536") != SQLITE_OK ||
         boundFunctions(handle_, deadline_) != SQLITE_OK) {

@@ -33,11 +33,8 @@ int collectRows(sqlite3_stmt* statement, const std::vector<DataType>& types, Val
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         DataVect& row = rows.emplace_back();
         row.reserve(types.size());
-        for (std::size_t column = 0; column < types.size(); ++column) {
-            const int place = static_cast<int>(column);
-            row.push_back(columnValue(statement, place, types[column], form));
-            bytes += static_cast<std::size_t>(sqlite3_column_bytes(statement, place));
-        }
+        for (std::size_t column = 0; column < types.size(); ++column)
+            row.push_back(columnValue(statement, static_cast<int>(column), types[column], form, bytes));
         values += types.size();
         if (values > kMostValues || bytes > kMostBytes) return SQLITE_TOOBIG;
     }

@@ -298,7 +298,8 @@ DataType declaredType(const char* declaration) {
     return DataType::invalid;
 }
 
-DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form) {
+DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form,
+                    std::size_t& bytes) {
     const auto given = [form](const Decimal& number) {
         return form == ValueForm::typed ? std::make_shared<const Data>(number)
                                         : std::make_shared<const Data>(Text(number.text()));
@@ -308,10 +309,13 @@ DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, Valu
     case SQLITE_FLOAT:
         if (const auto number = fromDouble(sqlite3_column_double(statement, column))) return given(*number);
         break;
-    case SQLITE_BLOB: return std::make_shared<const Data>(columnBytes(statement, column));
+    case SQLITE_BLOB:
+        bytes += static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+        return std::make_shared<const Data>(columnBytes(statement, column));
     case SQLITE_TEXT: {
-        const DataType wanted = form == ValueForm::typed ? declared : DataType::text;
-        return fromText(columnText(statement, column), wanted);
+        const std::string_view text = columnText(statement, column);
+        bytes += text.size();
+        return fromText(text, form == ValueForm::typed ? declared : DataType::text);
     }
     default: break;
     }

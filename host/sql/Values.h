@@ -28,7 +28,9 @@ std::optional<DateTime> readSqlText(std::u16string_view text, DataType type);
 /// The type of value that a declared column type stands for; invalid when it stands for none.
 DataType declaredType(const char* declaration);
 
-/// A column of the current row, converted to the declared type where possible. The SQL form is a text.
-DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form);
+/// A column of the current row, converted to the declared type where possible. The SQL form is a text. The
+/// size of a text or container is added to `bytes`.
+DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form,
+                    std::size_t& bytes);
 
 } // namespace host

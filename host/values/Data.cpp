@@ -131,12 +131,21 @@ std::string_view typeWord(DataType type) {
     return index < typeWords.size() ? typeWords[index] : std::string_view();
 }
 
-/// Conversions that have been asked for, kept so that references to them stay good.
+/// Conversions that have been asked for, kept so that references to them stay good. Most are texts of numbers
+/// and dates, so the others have memory of their own.
 struct Data::Readings {
+    struct Others {
+        std::optional<Decimal> number;
+        std::array<std::optional<DateTime>, 3> dateTimes; ///< date, time, timestamp
+        std::vector<std::uint32_t> lineStarts;            ///< empty: not asked for yet
+    };
+    Others& others() {
+        if (!rare) rare = std::make_unique<Others>();
+        return *rare;
+    }
+
     std::optional<Text> text;
-    std::optional<Decimal> number;
-    std::array<std::optional<DateTime>, 3> dateTimes; ///< date, time, timestamp
-    std::vector<std::uint32_t> lineStarts;            ///< empty: not asked for yet
+    std::unique_ptr<Others> rare;
 };
 
 Data Data::invalid() {
@@ -175,7 +184,7 @@ const Text& Data::asText() const {
 }
 
 const std::vector<std::uint32_t>& Data::lineStarts() const {
-    std::vector<std::uint32_t>& starts = readings().lineStarts;
+    std::vector<std::uint32_t>& starts = readings().others().lineStarts;
     if (starts.empty()) {
         const std::u16string_view units = asText().units();
         starts.push_back(0);
@@ -199,7 +208,7 @@ std::optional<Decimal> Data::number() const {
 
 const Decimal& Data::asNumber() const {
     if (held_ == DataType::number) return std::get<Decimal>(value_);
-    auto& reading = readings().number;
+    auto& reading = readings().others().number;
     if (!reading) reading = number().value_or(Decimal());
     return *reading;
 }
@@ -220,8 +229,8 @@ std::optional<DateTime> Data::dateTime(DataType wanted) const {
 
 const DateTime& Data::dateTimeReading(DataType wanted) const {
     if (held_ == wanted) return std::get<DateTime>(value_);
-    auto& reading =
-        readings().dateTimes[static_cast<std::size_t>(wanted) - static_cast<std::size_t>(DataType::date)];
+    auto& reading = readings().others().dateTimes[static_cast<std::size_t>(wanted) -
+                                                  static_cast<std::size_t>(DataType::date)];
     if (!reading) reading = dateTime(wanted).value_or(DateTime());
     return *reading;
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -33,6 +34,16 @@ std::u16string printed(const char* format, auto... values) {
     std::array<char, 96> buffer{};
     const int size = std::snprintf(buffer.data(), buffer.size(), format, values...);
     return {buffer.data(), buffer.data() + size};
+}
+
+/// A number with at least so many places; its sign takes one.
+void appendNumber(std::u16string& text, int number, std::size_t places) {
+    std::array<char, 16> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), std::abs(number)).ptr;
+    const std::size_t size = static_cast<std::size_t>(end - digits.begin()) + (number < 0 ? 1 : 0);
+    if (number < 0) text += u'-';
+    text.append(places - std::min(places, size), u'0');
+    text.append(digits.begin(), end);
 }
 
 std::int64_t thisYear() {
@@ -185,12 +196,12 @@ std::u16string DateTime::dateText() const {
     const Formats& local = formats();
     const Date parts = date();
     const std::array numbers{parts.day, parts.month, parts.year}; // in the order of Formats::Part
-    const std::array widths{local.padsDays ? 2 : 1, local.padsMonths ? 2 : 1, yearDigits};
+    const std::array<std::size_t, 3> widths{local.padsDays ? 2U : 1U, local.padsMonths ? 2U : 1U, yearDigits};
     std::u16string text;
     for (const Formats::Part part : local.dateOrder) {
         const auto index = static_cast<std::size_t>(part);
         if (!text.empty()) text += local.dateSeparator;
-        text += printed("%0*d", widths[index], numbers[index]);
+        appendNumber(text, numbers[index], widths[index]);
     }
     return text;
 }

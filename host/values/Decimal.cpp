@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -279,6 +280,13 @@ double Decimal::toDouble() const {
 }
 
 std::u16string Decimal::text() const {
+    if (scale_ == 0 && mantissa_.backend().size() == 1) {
+        // A whole number of one limb, which most numbers are, needs no large arithmetic.
+        std::array<char, 24> few{};
+        const auto end = std::to_chars(few.begin(), few.end(), *mantissa_.backend().limbs()).ptr;
+        std::u16string text(sign() < 0 ? u"-" : u"");
+        return text.append(few.begin(), end);
+    }
     std::string digits = Integer(abs(mantissa_)).str();
     const auto places = static_cast<std::size_t>(scale_);
     if (digits.size() < places) digits.insert(0, places - digits.size(), '0');
