@@ -57,6 +57,8 @@ File::File(Session& session, std::uint64_t id, Solution solution)
         fontId(font);
     loadRecords();
     position_ = std::make_unique<Position>(*records_);
+    if (solution_.record != 1 && position_->goToRecord(solution_.record) != calc::error::none)
+        throw std::runtime_error("the first layout has no record " + std::to_string(solution_.record));
     fields_ = std::make_unique<FileFields>(*records_, *position_);
     checkCalculations();
 }

@@ -9,6 +9,7 @@
 #include "host/values/Formats.h"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -97,7 +98,7 @@ public:
 
     Solution solution(const toml::table& table) const {
         checkKeys(table, {"name", "user", "account", "locale", "fonts", "function", "script", "table",
-                          "occurrence", "relationship", "layout", "value_list"});
+                          "occurrence", "relationship", "layout", "value_list", "record"});
         Solution result;
         if (const toml::node* node = table.get("name")) {
             result.name = name(*node, "name");
@@ -111,6 +112,8 @@ public:
             if (formatsOf(result.locale) == nullptr)
                 fail(node->source(), "locale \"" + result.locale + "\" is not known");
         }
+        if (const toml::node* node = table.get("record"))
+            result.record = number(*node, "record", 1, std::numeric_limits<std::int32_t>::max());
         if (const toml::node* node = table.get("fonts"))
             each(*node, "fonts",
                  [&](const toml::node& font) { result.fonts.push_back(name(font, "a font's name")); });

@@ -37,6 +37,7 @@ struct SolutionGlobal {
 ///     user = "Ada"                 # Get ( UserName ); optional, as is account
 ///     locale = "de_DE"             # how numbers, dates and times are written; en_US when absent
 ///     fonts = ["Helvetica", "Times New Roman"]
+///     record = 2                   # which record of the first layout is current at first; 1 when absent
 ///     [[function]]
 ///     name = "Twice"
 ///     parameters = ["n"]
@@ -87,6 +88,7 @@ struct Solution {
     Schema tables = {};      ///< the declared ones
     std::vector<SolutionRecords> records = {};
     std::vector<SolutionGlobal> globals = {};
+    std::int64_t record = 1; ///< the current one at first
 
     /// Throws std::runtime_error with the file's name, the line where it is known, and the problem.
     static Solution load(const std::filesystem::path& folder);

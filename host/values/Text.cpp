@@ -78,7 +78,7 @@ void Text::append(const Text& source, std::uint32_t position, std::uint32_t size
     checkSize(units_.size() + size);
     const std::uint32_t base = this->size();
     units_.append(source.units_, position, size);
-    if (source.runs_.size() == 1) return addRun(runs_, base, source.runs_.front().look);
+    if (source.runs_.size() == 1) return addRun(runs_, base, source.runs_.front().formatting);
     for (auto run = runAt(source.runs_, position); run != source.runs_.end() && run->start < position + size;
          ++run)
         addRun(runs_, base + std::max(run->start, position) - position, run->formatting);

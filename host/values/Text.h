@@ -53,7 +53,7 @@ public:
     /// True when every character has the default formatting.
     [[nodiscard]] bool isPlain() const;
 
-    /// The look at a position; the default look at or past the end.
+    /// The formatting at a position; the default formatting at or past the end.
     [[nodiscard]] const RunStyle& formattingAt(std::uint32_t position) const;
 
     [[nodiscard]] Text substring(std::uint32_t position, std::uint32_t size = end) const;
