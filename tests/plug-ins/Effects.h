@@ -396,12 +396,15 @@ inline void checkEngine(const ExprEnv& env) {
     const DataVectUniquePtr none;
     const RowVectUniquePtr rows;
     EXPECT(rows->IsEmpty());
-    EXPECT(env.ExecuteFileSQL(*Words("VALUES (1, 2), (3, 4)"), *Words(), *none, *rows) == 0 &&
-           rows->Size() == 2);
+    for (const char* change : {"CREATE TABLE pairs ( a INT , b INT )", "INSERT INTO pairs VALUES ( 1 , 2 )",
+                               "INSERT INTO pairs VALUES ( 3 , 4 )"})
+        EXPECT(env.ExecuteFileSQL(*Words(change), *Words(), *none, *rows) == 0 && rows->IsEmpty());
+    const char* const query = "SELECT a , b FROM pairs ORDER BY a";
+    EXPECT(env.ExecuteFileSQL(*Words(query), *Words(), *none, *rows) == 0 && rows->Size() == 2);
     EXPECT(utf8(rows->At(1).AtAsText(1)) == "4");
-    EXPECT(env.ExecuteFileSQLTextResult(*Words("VALUES (1, 2), (3, 4)"), *Words(), *none, *data, ',', ';') ==
-           0);
+    EXPECT(env.ExecuteFileSQLTextResult(*Words(query), *Words(), *none, *data, ',', ';') == 0);
     EXPECT(utf8(data->GetAsText()) == "1,2;3,4");
+    EXPECT(env.ExecuteFileSQL(*Words("DROP TABLE pairs"), *Words(), *none, *rows) == 0);
     EXPECT(env.EvaluateGetFunction(1005, *data) == 0 && utf8(data->GetAsText()) == "Untitled");
     EXPECT(env.EvaluateGetFunction(1, *data) == 1215);
     const struct {
