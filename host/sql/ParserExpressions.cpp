@@ -282,7 +282,9 @@ ExpressionRef Parser::moment(DataType type) {
     ++place_;
     const std::u16string given = text();
     const auto value = readSqlText(given, type);
-    if (!value) throw Problem{.code = Fql::badMoment, .position = position, .name = given};
+    constexpr std::size_t dateLength = 10; // YYYY-MM-DD
+    if (!value || (type == DataType::date && given.size() != dateLength))
+        throw Problem{.code = Fql::badMoment, .position = position, .name = given};
     const std::string canonical = sqlText(*value, type);
     return literal(position, type, {canonical.begin(), canonical.end()});
 }
