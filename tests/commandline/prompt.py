@@ -87,7 +87,7 @@ def completion():
         ("Get ( CurrentTimes" + TAB, "Get ( CurrentTimestamp )"),
         ("Let ( $längste = 1 ; $lä" + TAB + " )", "Let ( $längste = 1 ; $lä )"),
         ('Kestrel_DoFileMakerScript ( "Tidy' + TAB + '" )', 'Kestrel_DoFileMakerScript ( "Tidy up" )'),
-        ('ExecuteSQL ( "select writ' + TAB, 'ExecuteSQL ( "select written'),
+        ('ExecuteSQL ( "select writ' + TAB, 'ExecuteSQL ( "select Written'),
         (":fun" + TAB + "CSS", ":functions CSS"),
     ]:
         terminal.type(typed)
