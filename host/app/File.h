@@ -3,6 +3,7 @@
 #include "host/app/Solution.h"
 #include "host/calc/Engine.h"
 #include "host/calc/Environment.h"
+#include "host/scripts/Stage.h"
 
 #include <map>
 #include <memory>
@@ -13,28 +14,23 @@ namespace host {
 class Session;
 class Database;
 class FileFields;
-class Position;
 class Records;
-struct Schema;
 
 /// An open file. Session opens and closes files.
-class File final : public calc::FileContext, public std::enable_shared_from_this<File> {
+class File final : public scripts::StageFile, public std::enable_shared_from_this<File> {
 public:
     /// Throws std::runtime_error when the tables cannot be made, or a custom function has a name that is
     /// taken.
     File(Session& session, std::uint64_t id, Solution solution);
     ~File() override;
 
-    [[nodiscard]] std::uint64_t id() const { return id_; }
-    [[nodiscard]] const std::u16string& name() const { return solution_.name; }
+    [[nodiscard]] std::uint64_t id() const override { return id_; }
+    [[nodiscard]] const std::u16string& name() const override { return solution_.name; }
     [[nodiscard]] const Solution& solution() const { return solution_; }
-    /// The script of that name, in any case; null when there is none.
-    [[nodiscard]] const Script* script(std::u16string_view name) const;
-    /// Tables, fields and their names; null once it is closed.
-    [[nodiscard]] const Schema* schema() const;
+    [[nodiscard]] const Script* script(std::u16string_view name) const override;
+    [[nodiscard]] const Schema* schema() const override;
     [[nodiscard]] Records& records() { return *records_; }
-    /// Where the session stands in the file.
-    [[nodiscard]] Position& position() { return *position_; }
+    [[nodiscard]] Position& position() override { return *position_; }
     /// Ends evaluation and SQL in the file; the session is no longer used.
     void markClosed();
 

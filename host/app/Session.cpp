@@ -165,7 +165,11 @@ std::shared_ptr<File> Session::find(std::u16string_view name) const {
     return nullptr;
 }
 
-calc::Environment Session::environment(const std::shared_ptr<File>& file) const {
+std::shared_ptr<scripts::StageFile> Session::fileNamed(std::u16string_view name) const { return find(name); }
+
+calc::Environment Session::environment(const std::shared_ptr<File>& file) const { return scopeIn(file); }
+
+calc::Environment Session::scopeIn(const std::shared_ptr<scripts::StageFile>& file) const {
     return {.sessionId = id_,
             .fileId = file ? file->id() : 0,
             .file = file,

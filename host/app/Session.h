@@ -23,10 +23,10 @@ struct PlugInOptions;
 
 /// A user's session: the open files, in the order in which they were opened, and the calculations in them. A
 /// process has one session at a time; FM_… functions find it through `Session::current`.
-class Session final : public Application {
+class Session final : public Application, public scripts::Stage {
 public:
     Session();
-    ~Session();
+    ~Session() override;
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -63,9 +63,11 @@ public:
     [[nodiscard]] std::shared_ptr<File> front() const;
     /// An open file by name, with or without extension, any case.
     [[nodiscard]] std::shared_ptr<File> find(std::u16string_view name) const;
+    [[nodiscard]] std::shared_ptr<scripts::StageFile> fileNamed(std::u16string_view name) const override;
 
     /// An environment in a file, with new `$` variables (the top level of a calculation).
     [[nodiscard]] calc::Environment environment(const std::shared_ptr<File>& file) const;
+    [[nodiscard]] calc::Environment scopeIn(const std::shared_ptr<scripts::StageFile>& file) const override;
     /// The top level of the front file, whose `$` variables live as long as the session.
     [[nodiscard]] calc::Environment topLevel() const;
     /// Evaluates at the top level of the front file; the error is 100 when no file is open.
@@ -91,11 +93,6 @@ public:
     static constexpr std::size_t kMostScriptsPerRun = 10'000, kMostScriptDepth = 1'000,
                                  kMostWaitingScripts = 100'000;
     std::function<void(const ScriptCall&)> onScriptCall;
-    /// Called when a script starts, when it ends (with its result), and for each of its calculations and
-    /// steps that fails. A sub-script is a script.
-    std::function<void(const ScriptCall&)> onScriptStart;
-    std::function<void(const ScriptCall&, const calc::Result&)> onScriptEnd;
-    std::function<void(const ScriptError&)> onScriptError;
 
     /// One turn of the host's loop: the due work of the main queue, an idle message (kFMXT_UserIdle, or
     /// kFMXT_ScriptPaused while a script pauses), the waiting scripts. The app makes a few turns a second
@@ -106,12 +103,11 @@ public:
         std::size_t scripts = 0;     ///< scripts run
     };
     Turn turn();
-    /// Sends an idle message of the level to the plug-ins that asked for idle messages.
-    void idle(unsigned char level);
+    void turnLoop() override { turn(); }
+    void idle(unsigned char level) override;
     /// Sends the preferences message to the plug-ins that asked for it; gives their number.
     std::size_t preferences();
-    /// The error that Get ( LastError ) answers outside of scripts.
-    void setLastError(const calc::LastError& error) { *lastError_ = error; }
+    void setLastError(const calc::LastError& error) override { *lastError_ = error; }
 
     /// Called when a file has closed.
     std::function<void(std::uint64_t fileId)> onFileClosed;

@@ -5,7 +5,7 @@
 #include "host/cli/OpenParts.h"
 #include "host/cli/PromptCommands.h"
 #include "host/cli/Runner.h"
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "host/calc/Environment.h"
 #include "host/calc/Fields.h"
 #include "host/data/KeyIndex.h"
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,5 +1,3 @@
-#include "host/app/File.h"
-#include "host/app/Session.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
 #include "host/scripts/Targets.h"
@@ -51,7 +49,7 @@ void setVariable(StepRun& run) {
 
 void performScript(StepRun& run) {
     const DataRef parameter = run.value(u"Parameter");
-    std::shared_ptr<File> file = run.frame().file;
+    std::shared_ptr<StageFile> file = run.frame().file;
     std::u16string name;
     if (run.says(u"Specified", u"by name") || !run.has(u"script")) {
         // A text alone has the form of a name.
@@ -59,7 +57,7 @@ void performScript(StepRun& run) {
     } else {
         QuotedName quoted = run.quotedName(u"script");
         name = std::move(quoted.name);
-        if (!quoted.file.empty()) file = run.machine().session().find(quoted.file);
+        if (!quoted.file.empty()) file = run.machine().stage().fileNamed(quoted.file);
     }
     if (!file) throw calc::Error{calc::error::missingFile};
     const Script* script = file->script(name);

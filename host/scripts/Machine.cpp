@@ -1,8 +1,6 @@
 #include "host/scripts/Machine.h"
 
 #include "FMWrapper/FMXExtern.h"
-#include "host/app/File.h"
-#include "host/app/Session.h"
 #include "host/data/Position.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
@@ -69,7 +67,7 @@ std::size_t Machine::runWaiting(std::size_t most) {
 calc::Result Machine::runToEnd(ScriptCall call) {
     if (isRunning_) return failureOf(calc::error::unavailable);
     if (call.error != calc::error::none) return failureOf(call.error);
-    const std::shared_ptr<File> file = session_.find(call.fileName);
+    const std::shared_ptr<StageFile> file = stage_.fileNamed(call.fileName);
     const Script& script = *file->script(call.scriptName);
     const Running running(*this);
     pushRun();
@@ -131,7 +129,7 @@ std::deque<ScriptCall>* Machine::nextCalls() {
 bool Machine::begin(std::deque<ScriptCall>& calls) {
     ScriptCall call = std::move(calls.front());
     calls.pop_front();
-    const std::shared_ptr<File> file = session_.find(call.fileName);
+    const std::shared_ptr<StageFile> file = stage_.fileNamed(call.fileName);
     const Script* script = file && file->id() == call.fileId ? file->script(call.scriptName) : nullptr;
     if (script == nullptr) return false;
     makeRoom(call);
@@ -162,7 +160,7 @@ void Machine::pushRun() {
     run.lastError = std::make_shared<calc::LastError>();
 }
 
-void Machine::push(const std::shared_ptr<File>& file, const Script& script, ScriptCall call,
+void Machine::push(const std::shared_ptr<StageFile>& file, const Script& script, ScriptCall call,
                    Frame::Origin origin) {
     Run& run = runs_.back();
     auto state = std::make_shared<calc::ScriptFrame>();
@@ -173,7 +171,7 @@ void Machine::push(const std::shared_ptr<File>& file, const Script& script, Scri
         state->capturesErrors = top().state->capturesErrors;
         state->allowsAbort = top().state->allowsAbort;
     }
-    calc::Environment scope = session_.environment(file);
+    calc::Environment scope = stage_.scopeIn(file);
     scope.script = state;
     scope.lastError = run.lastError;
     run.frames.push_back({.file = file,
@@ -184,10 +182,10 @@ void Machine::push(const std::shared_ptr<File>& file, const Script& script, Scri
                           .origin = origin,
                           .last = resultOf(emptyValue()),
                           .originalLayout = file->position().layout()});
-    if (session_.onScriptStart) session_.onScriptStart(top().call);
+    if (stage_.onScriptStart) stage_.onScriptStart(top().call);
 }
 
-void Machine::perform(const std::shared_ptr<File>& file, const Script& script, DataRef parameter) {
+void Machine::perform(const std::shared_ptr<StageFile>& file, const Script& script, DataRef parameter) {
     if (runs_.back().frames.size() >= kMostFrames)
         throw calc::Error{calc::error::unavailable, "too many scripts call each other"};
     push(file, script,
@@ -204,7 +202,7 @@ void Machine::popFrame(const calc::Result& result) {
     Run& run = runs_.back();
     const Frame ended = std::move(run.frames.back());
     run.frames.pop_back();
-    if (session_.onScriptEnd) session_.onScriptEnd(ended.call, result);
+    if (stage_.onScriptEnd) stage_.onScriptEnd(ended.call, result);
     if (run.frames.empty() || ended.origin != Frame::Origin::subScript) return;
     top().state->result = result.value;
     top().state->errorLocation = ended.state->errorLocation;
@@ -218,7 +216,7 @@ void Machine::endScript(const calc::Result& result) {
 void Machine::endRun(DataRef result) {
     outside_->result = std::move(result);
     endedRun_ = runs_.back().id;
-    session_.setLastError(*runs_.back().lastError);
+    stage_.setLastError(*runs_.back().lastError);
     runs_.pop_back();
 }
 
@@ -240,7 +238,7 @@ void Machine::goOn() {
     const bool isList = script.steps.empty();
     if (frame.at >= (isList ? script.calculations.size() : script.steps.size()))
         return endScript(calc::Result(frame.last)); // the frame goes before its result
-    if (runs_.back().steps > 0) session_.idle(kFMXT_ScriptRunning);
+    if (runs_.back().steps > 0) stage_.idle(kFMXT_ScriptRunning);
     // Nothing of a file is used once it has closed, not even to report the end of its scripts.
     if (!frame.file->isOpen()) return runs_.pop_back();
     ++runs_.back().steps;
@@ -260,13 +258,13 @@ void Machine::runCalculation(Frame& frame, std::size_t at) {
     const std::u16string& source = frame.script->calculations[at];
     frame.last = evaluate(source);
     frame.last.setLastError(*runs_.back().lastError);
-    if (frame.last.error != calc::error::none && session_.onScriptError)
-        session_.onScriptError({.call = frame.call,
-                                .place = at + 1,
-                                .step = {},
-                                .source = source,
-                                .result = frame.last,
-                                .isCaptured = false});
+    if (frame.last.error != calc::error::none && stage_.onScriptError)
+        stage_.onScriptError({.call = frame.call,
+                              .place = at + 1,
+                              .step = {},
+                              .source = source,
+                              .result = frame.last,
+                              .isCaptured = false});
 }
 
 void Machine::runStep(const Step& step) {
@@ -292,13 +290,13 @@ void Machine::fail(const Step& step, std::size_t line, std::u16string_view sourc
     result.setLastError(*runs_.back().lastError);
     frame.state->errorLocation = frame.script->name + u"\r" + std::u16string(step.row->name) + u"\r" +
                                  fromUtf8(std::to_string(step.line));
-    if (session_.onScriptError)
-        session_.onScriptError({.call = frame.call,
-                                .place = line,
-                                .step = step.row->name,
-                                .source = source,
-                                .result = result,
-                                .isCaptured = frame.state->capturesErrors});
+    if (stage_.onScriptError)
+        stage_.onScriptError({.call = frame.call,
+                              .place = line,
+                              .step = step.row->name,
+                              .source = source,
+                              .result = result,
+                              .isCaptured = frame.state->capturesErrors});
 }
 
 calc::Result Machine::evaluate(const std::u16string& source) {
@@ -308,7 +306,7 @@ calc::Result Machine::evaluate(const std::u16string& source) {
     if (std::exchange(run.names, names) != names) run.parsed.clear();
     calc::ExpressionRef& parsed = run.parsed[&source];
     if (!parsed) {
-        calc::Parsed outcome = calc::parse(source, session_.functions(), top().file.get());
+        calc::Parsed outcome = calc::parse(source, stage_.functions(), top().file.get());
         if (!outcome.expression) {
             calc::Result result = failureOf(outcome.error);
             result.problem = std::move(outcome.problem);
@@ -320,13 +318,13 @@ calc::Result Machine::evaluate(const std::u16string& source) {
 }
 
 calc::Result Machine::evaluateOnce(std::u16string_view source) {
-    return calc::evaluate(source, top().scope, session_.functions());
+    return calc::evaluate(source, top().scope, stage_.functions());
 }
 
 /// A turn of the loop, and a rest. A clock that is held brings no pause to its end.
 void Machine::restWhilePaused() {
     constexpr Clock::Micros longest = std::chrono::milliseconds(20);
-    session_.turn();
+    stage_.turnLoop();
     const std::optional<Clock::Micros> end = pausedUntil();
     if (!end) return;
     if (clock().isHeld()) {

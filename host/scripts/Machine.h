@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/calc/Engine.h"
-#include "host/scripts/Script.h"
+#include "host/scripts/Stage.h"
 #include "host/values/Clock.h"
 
 #include <cstdint>
@@ -14,38 +14,13 @@
 
 namespace host {
 
-class File;
-class Session;
-
-/// A start-script call and its result.
-struct ScriptCall {
-    std::uint64_t fileId;
-    std::u16string fileName, scriptName;
-    DataRef parameter;
-    int error = 0;
-    std::size_t depth = 1; ///< 1 outside of scripts, otherwise one more than the calling script's
-    /// What becomes of the scripts that run at the call: FMX_ScriptControl.
-    unsigned char control = 0;
-    std::uint64_t during = 0; ///< the run that was current at the call; 0 for none
-};
-
-/// A calculation of a script, or a step, that failed.
-struct ScriptError {
-    const ScriptCall& call;
-    std::size_t place;          ///< of a calculation in a list of them, from 1; of a step, its line
-    std::u16string_view step;   ///< its name; empty in a list of calculations
-    std::u16string_view source; ///< the calculation that failed; empty where the step itself did
-    const calc::Result& result;
-    bool isCaptured; ///< the script has Set Error Capture on
-};
-
 namespace scripts {
 
 /// A script that runs, or waits for one that it called.
 struct Frame {
     /// A start-script call or the host begins a script; a script begins a sub-script, and gets its result.
     enum class Origin : std::uint8_t { start, subScript };
-    std::shared_ptr<File> file;
+    std::shared_ptr<StageFile> file;
     const Script* script; ///< of the file
     ScriptCall call;
     std::shared_ptr<calc::ScriptFrame> state;
@@ -74,7 +49,7 @@ class Machine {
 public:
     static constexpr std::size_t kMostSteps = 1'000'000, kMostFrames = 1'000;
 
-    explicit Machine(Session& session) : session_(session) {}
+    explicit Machine(Stage& stage) : stage_(stage) {}
 
     /// Lets a call wait for its turn.
     void add(ScriptCall call);
@@ -98,7 +73,7 @@ public:
 
     // For steps.
     /// Calls a script of the file from the one that runs; throws calc::Error when there are too many.
-    void perform(const std::shared_ptr<File>& file, const Script& script, DataRef parameter);
+    void perform(const std::shared_ptr<StageFile>& file, const Script& script, DataRef parameter);
     /// Ends the script that runs, and gives its result to the script that called it.
     void endScript(const calc::Result& result);
     /// Ends the script that runs and all that called it.
@@ -109,7 +84,7 @@ public:
     /// Sets the last error, and reports that a step failed; `line` is that of the part that did.
     void fail(const Step& step, std::size_t line, std::u16string_view source, const calc::Result& result);
     [[nodiscard]] Frame& top() { return runs_.back().frames.back(); }
-    [[nodiscard]] Session& session() { return session_; }
+    [[nodiscard]] Stage& stage() { return stage_; }
 
 private:
     class Running;
@@ -120,7 +95,8 @@ private:
     bool begin(std::deque<ScriptCall>& calls);
     void makeRoom(const ScriptCall& call);
     void pushRun();
-    void push(const std::shared_ptr<File>& file, const Script& script, ScriptCall call, Frame::Origin origin);
+    void push(const std::shared_ptr<StageFile>& file, const Script& script, ScriptCall call,
+              Frame::Origin origin);
     void popFrame(const calc::Result& result);
     void endRun(DataRef result);
     void haltAll();
@@ -130,7 +106,7 @@ private:
     void stop(const Step& step);
     void restWhilePaused();
 
-    Session& session_;
+    Stage& stage_;
     std::deque<ScriptCall> waiting_;    ///< calls that were made while no script ran or paused
     std::deque<ScriptCall> duringRuns_; ///< those that were made since
     std::vector<Run> runs_;             ///< the last one is current, those before it are suspended

@@ -1,4 +1,3 @@
-#include "host/app/File.h"
 #include "host/calc/Environment.h"
 #include "host/data/Position.h"
 #include "host/scripts/StepRun.h"

@@ -1,6 +1,5 @@
 #include "host/scripts/StepRun.h"
 
-#include "host/app/File.h"
 #include "host/calc/Environment.h"
 #include "host/scripts/Steps.h"
 

@@ -29,7 +29,7 @@ public:
     [[nodiscard]] Machine& machine() { return machine_; }
     [[nodiscard]] const Step& step() const { return step_; }
     [[nodiscard]] Frame& frame() { return machine_.top(); }
-    [[nodiscard]] File& file() { return *frame().file; }
+    [[nodiscard]] StageFile& file() { return *frame().file; }
 
     /// Null where it is not given.
     [[nodiscard]] const Option* option(std::u16string_view name) const;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/calc/Environment.h"
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 
 #include <string>
 #include <string_view>

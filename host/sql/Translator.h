@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 #include "host/sql/Problems.h"
 #include "host/sql/Syntax.h"
 

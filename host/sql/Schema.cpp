@@ -1,4 +1,4 @@
-#include "host/data/Schema.h"
+#include "host/sql/Schema.h"
 
 #include "host/calc/Environment.h"
 
