@@ -81,7 +81,7 @@ void File::checkCalculations() {
         }
 }
 
-/// What statements need of the records is set after they are there, so that none is changed while they load.
+/// The calls of statements are set after the records are there, so that none is changed while they load.
 void File::loadRecords() {
     for (const SolutionGlobal& global : solution_.globals)
         records_->set({global.table, 0}, global.field, global.repetition, global.value);

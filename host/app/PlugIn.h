@@ -17,7 +17,7 @@ namespace host {
 
 class Session;
 
-/// What a host says about itself.
+/// The version and the application that a host announces.
 struct Announcement {
     std::int16_t version = kCurrentExtnVersion;
     FMX_UChar application = kFMXT_Mobile;
@@ -46,7 +46,7 @@ public:
     std::int64_t init(std::int16_t hostVersion = currentHostVersion, FMX_UChar application = kFMXT_Mobile);
     /// Why the last init did not enable the plug-in; empty when it did.
     [[nodiscard]] const std::string& refusal() const { return refusal_; }
-    /// What the plug-in asked for; everything is off before init.
+    /// The messages that the plug-in asked for; everything is off before init.
     [[nodiscard]] const PlugInOptions& options() const { return options_; }
     void shutdown();
     // These are sent also to a plug-in that did not ask for them; a session asks `options` first.

@@ -5,13 +5,13 @@
 
 namespace host {
 
-/// What a plug-in's options string asks the host for.
+/// The messages that a plug-in's options string asks for.
 struct PlugInOptions {
     bool preferences = false; ///< message 5
     bool lifecycle = false;   ///< init and shutdown (0, 4)
     bool idle = false;        ///< message 1
     bool closing = false;     ///< session and file shutdown (8, 9)
-    /// What is wrong with the string; empty: nothing. The host then leaves the plug-in alone.
+    /// The fault of the string, for which the host leaves the plug-in alone; empty for none.
     std::string problem;
 };
 

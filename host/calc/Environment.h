@@ -72,7 +72,7 @@ public:
     virtual DataRef get(std::u16string_view name, const Environment& environment) = 0;
     /// Microseconds since 0001-01-01 00:00:00, local time.
     virtual std::int64_t localMicros() = 0;
-    /// What a design function such as FieldNames says about an open file; empty where there is no such part.
+    /// The answer of a design function such as FieldNames; empty where the file has no such part.
     virtual std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) = 0;
     /// Runs any statement on a file ("" is this one); the values of the answer are typed.
     virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
@@ -95,7 +95,7 @@ struct ScriptFrame {
     bool allowsAbort = true;
 };
 
-/// What Get ( LastError ) and Get ( LastExternalErrorDetail ) answer.
+/// The values of Get ( LastError ) and Get ( LastExternalErrorDetail ).
 struct LastError {
     int code = 0;
     std::u16string detail;

@@ -141,7 +141,8 @@ public:
     /// The field of that name; throws 102.
     FieldReference fieldNamed(std::u16string_view name);
     DataRef valueOf(const FieldReference& field);
-    /// What an aggregate of the field counts: all related records, all repetitions; also empty ones.
+    /// The values that an aggregate of the field counts: all related records, all repetitions; also empty
+    /// ones.
     DataVect valuesOf(const FieldReference& field);
     /// A value from `fields`, whose failure becomes the inner error.
     DataRef noted(DataRef value);

@@ -15,7 +15,7 @@
 
 namespace host::check {
 
-/// What a check found: empty when the contract holds, else one sentence that says what is wrong.
+/// The finding of a check: empty when the contract holds, else one sentence that says what is wrong.
 using Finding = std::string;
 
 /// Thrown by a check that cannot judge: an earlier part of the contract is broken, or the plug-in has nothing

@@ -20,7 +20,7 @@ struct EvalOptions {
     SessionOptions session;
     std::optional<double> serveSeconds; ///< how long delayed scripts are served; unset: until none is left
     double idleAfterSeconds = 0;        ///< how long the user stays busy after the last calculation
-    /// What is done in its order. Before each further stage, the scripts that are started are done.
+    /// The work in its order. Before each further stage, the scripts that are started are done.
     using Item = std::variant<Runner::Calculation, Runner::Step>;
     std::vector<std::vector<Item>> stages{1};
 

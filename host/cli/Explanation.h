@@ -9,7 +9,7 @@
 
 namespace host::cli {
 
-/// What went wrong in a calculation, and where, for people.
+/// The fault of a calculation and its place, for people.
 struct Explanation {
     int code = 0;
     std::string message; ///< one sentence without its point

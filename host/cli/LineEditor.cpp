@@ -287,7 +287,7 @@ void LineEditor::loadHistory() {
     HistEventW event;
     for (std::size_t i = first; i < lines.size(); ++i)
         ::history_w(history_, &event, H_ENTER, wide(unescaped(lines[i])).c_str());
-    // What is forgotten need not stay in the file.
+    // A line that the history has dropped need not stay in the file.
     if (first < kHistorySize) return;
     file.close();
     std::ofstream shorter(historyFile_);

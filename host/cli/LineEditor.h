@@ -16,7 +16,7 @@ struct historyW;
 
 namespace host::cli {
 
-/// What may stand in the place of the last characters before the cursor.
+/// The words that may replace the last characters before the cursor.
 struct Completions {
     std::size_t replaced = 0; ///< how many bytes before the cursor give way
     std::vector<std::string> texts;

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// What commands write. Output that cannot be written throws std::runtime_error, so no result is lost
+/// The output of commands. Output that cannot be written throws std::runtime_error, so no result is lost
 /// silently.
 
 namespace host::cli {

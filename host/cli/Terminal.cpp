@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::array kWatched{SIGINT, SIGWINCH, SIGCONT};
 
-/// What the handler works on.
+/// The data of the handler.
 std::array<int, 2> gPipe{-1, -1};
 std::atomic<bool> gIsInterrupted = false;
 termios gFoundTerminal{};

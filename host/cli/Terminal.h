@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// What the prompt needs of the terminal and of signals.
+/// The terminal and the signals, as the prompt needs them.
 
 namespace host::cli {
 
@@ -23,7 +23,7 @@ public:
     struct Taken {
         bool interrupt = false, redraw = false;
     };
-    /// What has come since the last call. Calculations may run again from then on.
+    /// The signal that came since the last call. Calculations may run again from then on.
     static Taken take();
 };
 

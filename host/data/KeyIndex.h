@@ -12,7 +12,7 @@
 
 namespace host {
 
-/// What a value is as a key: a number for numbers, dates and times, otherwise a line of text without regard
+/// A value as a key: a number for numbers, dates and times, otherwise a line of text without regard
 /// to case.
 struct Key {
     bool isText = false;

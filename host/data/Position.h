@@ -12,7 +12,7 @@
 
 namespace host {
 
-/// What a find looks for: criteria of one request, all of which a record must meet.
+/// A request of a find: its criteria, all of which a record must meet.
 struct FindRequest {
     struct Criterion {
         calc::FieldPlace place;
@@ -72,7 +72,7 @@ public:
     int setField(std::u16string_view name, const DataRef& value);
     /// Sets a field in each record of the found set, of which each is the current one in turn.
     int replaceFieldContents(calc::FieldPlace place, const std::function<DataRef()>& valueOfCurrentRecord);
-    /// What a request looks for in a field, in Find mode; empty text where nothing is set.
+    /// The criterion of a field in the current request, in Find mode; empty text where nothing is set.
     [[nodiscard]] DataRef criterion(calc::FieldPlace place, int repetition) const;
 
     int commit();

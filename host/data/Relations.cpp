@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <deque>
 
-/// What relates records: paths between occurrences, and the records at their ends.
+/// The relations of records: paths between occurrences, and the records at their ends.
 
 namespace host {
 

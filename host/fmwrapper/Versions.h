@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// Which version of the interface brought a function, and which version this host says it is.
+/// The version of the interface that brought each function, and the version that this host announces.
 
 namespace host {
 

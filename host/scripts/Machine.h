@@ -68,7 +68,7 @@ public:
     [[nodiscard]] std::size_t depth() const;
     /// When the script that pauses goes on, on the host's clock; nothing when none pauses.
     [[nodiscard]] std::optional<Clock::Micros> pausedUntil() const;
-    /// What the script that ended last gave.
+    /// The result of the script that ended last.
     [[nodiscard]] const std::shared_ptr<calc::ScriptFrame>& outside() const { return outside_; }
 
     // For steps.

@@ -22,7 +22,7 @@ struct ScriptCall {
     DataRef parameter;
     int error = 0;
     std::size_t depth = 1; ///< 1 outside of scripts, otherwise one more than the calling script's
-    /// What becomes of the scripts that run at the call: FMX_ScriptControl.
+    /// The fate of the scripts that run at the call: FMX_ScriptControl.
     unsigned char control = 0;
     std::uint64_t during = 0; ///< the run that was current at the call; 0 for none
 };

@@ -43,7 +43,7 @@ Problem problemOf(sqlite3* connection, int code) {
     return {.code = Fql::refused};
 }
 
-/// What of the rows remains: a part of them, and those that are equal to the last one.
+/// Cuts the rows to a part of them and the rows that are equal to its last one.
 void cutRows(RowVect& rows, const sql::Translation& translation) {
     const sql::Fetch& fetch = *translation.fetch;
     const auto all = static_cast<double>(rows.size());

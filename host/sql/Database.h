@@ -21,7 +21,7 @@ struct Translation;
 
 enum class Change : std::uint8_t { inserted, updated, deleted };
 
-/// What statements ask of the owner of records. Each may be empty. They may use Database::query.
+/// The calls that statements make to the owner of records. Each may be empty. They may use Database::query.
 struct RecordCalls {
     /// The value of a field without columns, for a record ID; 0 where there is no record. Places are those
     /// of the schema; repetitions count from 1.

@@ -11,7 +11,7 @@
 
 namespace host::sql {
 
-/// What functions need to know. It outlives the connection's statements.
+/// The surroundings of functions. They outlive the connection's statements.
 struct FunctionContext {
     const std::chrono::steady_clock::time_point& deadline;
     std::string account;
@@ -20,7 +20,7 @@ struct FunctionContext {
 struct FunctionRow {
     std::string_view name; ///< in upper case
     /// A letter each: n a number, s a text, d a date or timestamp, t a time or timestamp, c a container.
-    /// Those after `?` may be left out.
+    /// Parameters after `?` may be left out.
     std::string_view parameters;
     DataType result;
     SqlImplementation implementation;

@@ -14,7 +14,7 @@ namespace host {
 
 enum class FieldKind : std::uint8_t { normal, global, storedCalculation, unstoredCalculation, summary };
 
-/// What a summary field makes of another field of its table.
+/// The result that a summary field makes of another field of its table.
 enum class SummaryKind : std::uint8_t { total, average, count, minimum, maximum, standardDeviation, list };
 
 struct Field {
@@ -40,8 +40,8 @@ struct Field {
     [[nodiscard]] bool isWritable() const { return kind == FieldKind::normal || kind == FieldKind::global; }
 };
 
-/// What the store knows of a record beside its fields: nothing in a view, the record's ID in a table that
-/// schema.sql made, and the count of modifications as well in a declared table.
+/// The data of a record that the store has beside its fields: nothing in a view, the record's ID in a table
+/// that schema.sql made, and the count of modifications as well in a declared table.
 enum class RecordKeys : std::uint8_t { none, id, idAndCount };
 
 /// A base table. The store keeps its records under the same name; a record's ID is the row's ID there.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/sql/Schema.h"
 #include "host/sql/Problems.h"
+#include "host/sql/Schema.h"
 #include "host/sql/Syntax.h"
 
 #include <map>
@@ -16,7 +16,7 @@ namespace host::sql {
 struct Translation {
     std::string statement;
     std::vector<DataType> types; ///< of the columns of its answer, hidden ones as well
-    /// What the store cannot cut off: rows of a percentage, and rows that are equal to the last one.
+    /// The cut that the store cannot make: a percentage of rows, or rows equal to the last one.
     std::optional<Fetch> fetch;
     std::int64_t offset = 0;       ///< with `fetch`
     std::size_t visible = 0;       ///< columns of the answer; hidden ones follow

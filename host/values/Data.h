@@ -73,7 +73,7 @@ public:
     void setDateTime(DateTime value, DataType type, DataType nativeType);
     void setBinary(Binary value, bool forceBinaryType = true);
     void clear(DataType type = DataType::invalid);
-    /// What `asText` gives until the value is changed, for a value that holds no text.
+    /// The text that `asText` gives until the value is changed, for a value that holds no text.
     void showAs(Text text);
     /// Converts in place; false (and unchanged) when there is no such reading. A text without a number
     /// becomes an empty number: one that is held as empty text.
