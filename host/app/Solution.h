@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/sql/Schema.h"
 #include "host/scripts/Script.h"
+#include "host/sql/Schema.h"
 
 #include <filesystem>
 #include <string>
