@@ -55,7 +55,7 @@ void answerString(FMX_ExternCallPtr call) {
                                                            : "";
     auto* units = reinterpret_cast<fmx::unichar16*>(call->result);
     for (; *text != '\0'; ++text)
-        *units++ = static_cast<fmx::unichar16>(*text);
+        *units++ = static_cast<unsigned char>(*text);
     *units = 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -14,7 +15,8 @@ namespace host::cli {
 
 namespace {
 
-bool gIsTerminal = false; ///< whether standard output was one at the start
+bool gIsTerminal = false;       ///< whether standard output was one at the start
+bool gEndsAtClosedPipe = false; ///< whether SIGPIPE would have ended the process at the start
 
 /// False with errno set where not everything could be written.
 bool writeAll(int descriptor, std::string_view bytes) {
@@ -37,8 +39,14 @@ bool writeAll(int descriptor, std::string_view bytes) {
 } // namespace
 
 void write(std::string_view bytes) {
-    if (!writeAll(STDOUT_FILENO, bytes))
-        throw std::runtime_error(std::string("the output cannot be written: ") + std::strerror(errno));
+    if (writeAll(STDOUT_FILENO, bytes)) return;
+    const int problem = errno;
+    // Libraries of plug-ins make the process ignore the signal.
+    if (problem == EPIPE && gEndsAtClosedPipe) {
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+    }
+    throw std::runtime_error(std::string("the output cannot be written: ") + std::strerror(problem));
 }
 
 void writeLine(std::string text) { write(text += '\n'); }
@@ -67,6 +75,8 @@ std::string withLineFeeds(std::string text) {
 
 void prepareStandardStreams() {
     gIsTerminal = ::isatty(STDOUT_FILENO) != 0;
+    struct sigaction atPipe{};
+    gEndsAtClosedPipe = ::sigaction(SIGPIPE, nullptr, &atPipe) == 0 && atPipe.sa_handler != SIG_IGN;
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
