@@ -36,16 +36,22 @@ bool writeAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
+/// Ends the process as the signal does. Libraries of plug-ins make the process ignore or block it.
+void endAtClosedPipe() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    std::signal(SIGPIPE, SIG_DFL);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    std::raise(SIGPIPE);
+}
+
 } // namespace
 
 void write(std::string_view bytes) {
     if (writeAll(STDOUT_FILENO, bytes)) return;
     const int problem = errno;
-    // Libraries of plug-ins make the process ignore the signal.
-    if (problem == EPIPE && gEndsAtClosedPipe) {
-        std::signal(SIGPIPE, SIG_DFL);
-        std::raise(SIGPIPE);
-    }
+    if (problem == EPIPE && gEndsAtClosedPipe) endAtClosedPipe();
     throw std::runtime_error(std::string("the output cannot be written: ") + std::strerror(problem));
 }
 
