@@ -66,7 +66,7 @@ DataRef Records::evaluated(const Cell& cell) {
 
 DataRef Records::calculated(const Cell& cell) {
     const DataType type = schema().tables[cell.place.table].fields[cell.field].type;
-    const DataRef value = evaluated(cell);
+    DataRef value = evaluated(cell);
     if (!value->isValid() || value->isEmpty() || value->nativeType() == type) return value;
     Data converted = *value;
     return converted.convert(type) ? std::make_shared<const Data>(std::move(converted)) : failed(0);
