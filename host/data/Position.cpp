@@ -48,7 +48,9 @@ std::optional<std::size_t> Position::occurrence() const {
     return layouts[*layout_].occurrence;
 }
 
-std::size_t Position::table() const { return records_.schema().occurrences[*occurrence()].table; }
+std::size_t Position::table() const {
+    return records_.schema().occurrences.at(occurrence().value_or(0)).table;
+}
 
 /// Records that were deleted since leave the set; new ones join one that has all.
 FoundSet& Position::foundSet(std::size_t occurrence) {
@@ -332,7 +334,8 @@ int Position::find(const std::vector<std::int64_t>& candidates, const std::vecto
         return calc::error::noCriteria;
     }
     mode_ = Mode::browse;
-    const std::set<std::int64_t> matches = findRecords(records_, *occurrence(), requests_, candidates);
+    const std::set<std::int64_t> matches =
+        findRecords(records_, occurrence().value_or(0), requests_, candidates);
     std::vector<std::int64_t> found = kept;
     for (const std::int64_t record : candidates)
         if (matches.contains(record)) found.push_back(record);

@@ -260,10 +260,10 @@ void Records::giveSerials(RecordPlace place) {
     std::vector<Field>& fields = database_.schema().tables[place.table].fields;
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const Cell cell{place, i, 1};
-        if (!fields[i].nextSerial || !stored(cell)->isEmpty()) continue;
-        const std::u16string serial = *fields[i].nextSerial;
-        fields[i].nextSerial = nextOf(serial, fields[i].serialStep);
-        store(cell, fitted(std::make_shared<const Data>(Text(serial)), fields[i].type));
+        const std::optional<std::u16string> serial = fields[i].nextSerial;
+        if (!serial || !stored(cell)->isEmpty()) continue;
+        fields[i].nextSerial = nextOf(*serial, fields[i].serialStep);
+        store(cell, fitted(std::make_shared<const Data>(Text(*serial)), fields[i].type));
     }
 }
 

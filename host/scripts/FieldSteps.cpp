@@ -16,7 +16,7 @@ void setField(StepRun& run) {
     const Option* option = run.option(u"field");
     if (option == nullptr) throw calc::Error{calc::error::missingField};
     const DataRef value = run.value(u"value");
-    const Target target = *targetIn(option->text);
+    const Target target = targetOf(*option);
     check(run.position().setField(run.field(target), run.repetition(target, option->line), value));
 }
 
@@ -29,7 +29,7 @@ void setFieldByName(StepRun& run) {
 void insert(StepRun& run, DataRef value) {
     const Option* option = run.option(u"Target");
     if (option == nullptr) throw calc::Error{calc::error::missingField};
-    const Target target = *targetIn(option->text);
+    const Target target = targetOf(*option);
     std::optional<calc::FieldPlace> field;
     if (target.kind == Target::Kind::field) field = run.field(target);
     if (field && run.position().occurrence() != field->occurrence)
@@ -53,7 +53,7 @@ void insertText(StepRun& run) {
 
 void replaceFieldContents(StepRun& run) {
     Position& position = run.position();
-    const calc::FieldPlace place = run.field(*targetIn(run.option(u"field")->text));
+    const calc::FieldPlace place = run.field(targetOf(*run.option(u"field")));
     const auto before = static_cast<std::int64_t>(position.recordNumber());
     try {
         check(position.replaceFieldContents(place, [&run] { return run.value(u"value"); }));

@@ -3,6 +3,7 @@
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -66,7 +67,7 @@ void find(StepRun& run) {
 
 /// Found sets are sorted by fields of their own.
 std::size_t localField(StepRun& run, const Option& option) {
-    const calc::FieldPlace place = run.field(*targetIn(option.text));
+    const calc::FieldPlace place = run.field(targetOf(option));
     if (run.position().occurrence() != place.occurrence) throw calc::Error{calc::error::missingField};
     return place.field;
 }
@@ -85,7 +86,8 @@ void sortRecords(StepRun& run) {
 void goToRelatedRecord(StepRun& run) {
     Position& position = run.position();
     std::u16string layout = run.quotedName(u"Using layout").name;
-    if (layout.empty() && position.layout()) layout = run.file().schema()->layouts[*position.layout()].name;
+    const std::optional<std::size_t> current = position.layout();
+    if (layout.empty() && current) layout = run.file().schema()->layouts[*current].name;
     check(position.goToRelatedRecord(run.quotedName(u"From table").name, layout,
                                      run.says(u"records", u"show only related records")));
 }

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace host::scripts {
 
@@ -60,6 +62,12 @@ calc::FieldPlace StepRun::field(const Target& target) {
     const calc::FieldContext::Found found = file().fields().find(nullptr, target.occurrence, target.name);
     check(found.error);
     return found.place;
+}
+
+Target targetOf(const Option& option) {
+    std::optional<Target> target = targetIn(option.text);
+    if (!target) throw calc::Error{calc::error::missingField};
+    return std::move(*target);
 }
 
 void check(int code) {

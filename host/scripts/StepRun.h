@@ -61,6 +61,9 @@ private:
     const Step& step_;
 };
 
+/// The target that an option of a step names.
+Target targetOf(const Option& option);
+
 /// Throws calc::Error for a code other than 0.
 void check(int code);
 
