@@ -36,6 +36,7 @@ Translator::Written Translator::target(const BaseTable& table, const Target& tar
 std::vector<Translator::Written> Translator::targets(const BaseTable& table,
                                                      const std::vector<Target>& columns) const {
     std::vector<Written> written;
+    written.reserve(columns.size());
     for (const Target& each : columns)
         written.push_back(target(table, each));
     if (columns.empty())

@@ -44,8 +44,7 @@ Problem problemOf(sqlite3* connection, int code) {
 }
 
 /// Cuts the rows to a part of them and the rows that are equal to its last one.
-void cutRows(RowVect& rows, const sql::Translation& translation) {
-    const sql::Fetch& fetch = *translation.fetch;
+void cutRows(RowVect& rows, const sql::Translation& translation, const sql::Fetch& fetch) {
     const auto all = static_cast<double>(rows.size());
     const double wanted = fetch.isPercent ? std::ceil(all * fetch.count / 100) : fetch.count;
     const auto first = static_cast<std::size_t>(std::min(static_cast<double>(translation.offset), all));
@@ -228,7 +227,7 @@ calc::SqlAnswer Database::answer(const sql::Translation& translation, const Data
         statements_->changed = before;
         if (code != SQLITE_DONE) throw problemOf(statements_->connection.handle(), code);
     }
-    if (translation.fetch) cutRows(answer.rows, translation);
+    if (translation.fetch) cutRows(answer.rows, translation, *translation.fetch);
     if (calls_.changed) report(changed);
     return answer;
 }

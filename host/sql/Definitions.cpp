@@ -176,7 +176,7 @@ void Definer::operator()(const DropColumn& body) {
             if (!isOwners(relationship.sides[side].occurrence)) continue;
             for (Relationship::Predicate& predicate : relationship.predicates)
                 move(predicate.fields[side]);
-            if (relationship.sides[side].sortField) move(*relationship.sides[side].sortField);
+            if (std::optional<std::size_t>& sortField = relationship.sides[side].sortField) move(*sortField);
         }
     for (ValueList& list : schema_.valueLists)
         if (list.occurrence && isOwners(*list.occurrence)) move(list.field);
