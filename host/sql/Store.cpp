@@ -56,8 +56,10 @@ void emptyToNull(Connection& connection, const BaseTable& table) {
         for (int repetition = 1; field.type == DataType::text && repetition <= field.repetitions;
              ++repetition) {
             const std::string column = columnName(field, repetition);
-            connection.run("UPDATE OR IGNORE " + quotedName(table.name) + " SET " + column +
-                           " = NULL WHERE " + column + " = ''");
+            std::string statement = "UPDATE OR IGNORE ";
+            statement.append(quotedName(table.name)).append(" SET ").append(column);
+            statement.append(" = NULL WHERE ").append(column).append(" = ''");
+            connection.run(statement);
         }
 }
 
