@@ -6,6 +6,7 @@
 
 extern "C" {
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the C++ ABI gives the names.
 void __cxa_increment_exception_refcount(void* exception) noexcept;
 void __cxa_decrement_exception_refcount(void* exception) noexcept;
 void* __cxa_current_primary_exception() noexcept;
@@ -45,3 +46,4 @@ void* __cxa_current_primary_exception() noexcept { return host::currentException
 void __cxa_rethrow_primary_exception(void* exception) {
     if (exception != nullptr) host::rethrowException({exception});
 }
+// NOLINTEND(bugprone-reserved-identifier)
