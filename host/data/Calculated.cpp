@@ -85,7 +85,12 @@ bool Records::reads(const Cell& cell, const std::set<std::size_t>& fields) {
 /// Calculates again what depends on fields of a record: first the automatic values of fields that are empty,
 /// then what the record stores.
 void Records::renew(RecordPlace place, std::set<std::size_t> changed, bool isAll) {
-    const std::vector<Field> fields = schema().tables[place.table].fields;
+    const std::vector<Field>& known = schema().tables[place.table].fields;
+    if (std::none_of(known.begin(), known.end(), [](const Field& field) {
+            return !field.autoEnter.empty() || field.kind == FieldKind::storedCalculation;
+        }))
+        return;
+    const std::vector<Field> fields = known; // a calculation may change the schema
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const Cell cell{place, i, 1};
         if (fields[i].autoEnter.empty() || fields[i].kind != FieldKind::normal) continue;

@@ -52,7 +52,9 @@ std::size_t Position::table() const {
     return records_.schema().occurrences.at(occurrence().value_or(0)).table;
 }
 
-/// Records that were deleted since leave the set; new ones join one that has all.
+/// Records that were deleted since leave the set; new ones join one that has all. A step that makes or
+/// deletes one record changes the set itself, because comparing it with all records takes time in proportion
+/// to them.
 FoundSet& Position::foundSet(std::size_t occurrence) {
     const std::size_t table = records_.schema().occurrences[occurrence].table;
     const auto [place, isNew] = foundSets_.try_emplace(occurrence);
@@ -131,6 +133,20 @@ int Position::goToRecord(Step step) {
     return goToRecord(static_cast<std::int64_t>(mode_ == Mode::find ? requests_.size() : found().size()));
 }
 
+/// Takes in a record that was made since the set had the version `before`, and makes it current.
+void Position::add(FoundSet& set, std::int64_t made, std::uint64_t before) {
+    if (set.version == before && records_.membership(table()) == before + 1) {
+        set.version = before + 1;
+        set.records.push_back(made);
+        set.current = set.records.size() - 1;
+        set.hasUnsorted = !set.sortedBy.empty();
+        return;
+    }
+    std::ignore = current(); // takes new records into a set that has all
+    if (!placeIn(set.records, made)) set.records.push_back(made);
+    set.current = placeIn(set.records, made).value_or(0);
+}
+
 int Position::newRecord() {
     if (mode_ == Mode::find) {
         requests_.emplace_back();
@@ -139,15 +155,11 @@ int Position::newRecord() {
     }
     if (!occurrence()) return calc::error::unavailable;
     commit();
-    std::ignore = current(); // knows the records there are
+    FoundSet& set = *current();
+    const std::uint64_t before = set.version;
     const std::int64_t made = records_.create(table());
     if (made == 0) return calc::error::unavailable;
-    FoundSet& set = *current();
-    if (!placeIn(set.records, made)) {
-        set.records.push_back(made);
-        set.hasUnsorted = !set.sortedBy.empty();
-    }
-    set.current = *placeIn(set.records, made);
+    add(set, made, before);
     return none;
 }
 
@@ -160,11 +172,11 @@ int Position::duplicateRecord() {
     const std::int64_t original = record();
     if (original == 0) return calc::error::missingRecord;
     commit();
+    FoundSet& set = *current();
+    const std::uint64_t before = set.version;
     const std::int64_t made = records_.duplicate({table(), original});
     if (made == 0) return calc::error::unavailable;
-    FoundSet& set = *current();
-    if (!placeIn(set.records, made)) set.records.push_back(made);
-    set.current = *placeIn(set.records, made);
+    add(set, made, before);
     return none;
 }
 
@@ -177,7 +189,13 @@ int Position::deleteRecord() {
     }
     const std::int64_t doomed = record();
     if (doomed == 0) return calc::error::missingRecord;
+    FoundSet& set = *current();
+    const std::uint64_t before = set.version;
     records_.remove({table(), doomed});
+    if (set.version != before || records_.membership(table()) != before + 1) return none;
+    set.version = before + 1;
+    set.records.erase(set.records.begin() + static_cast<std::ptrdiff_t>(set.current));
+    if (set.current == set.records.size() && set.current > 0) --set.current;
     return none;
 }
 

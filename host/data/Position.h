@@ -99,6 +99,7 @@ public:
 
 private:
     [[nodiscard]] FoundSet* current();
+    void add(FoundSet& set, std::int64_t made, std::uint64_t before);
     [[nodiscard]] std::size_t table() const;
     [[nodiscard]] std::int64_t recordToChange(calc::FieldPlace place, int& error);
     int setCriterion(calc::FieldPlace place, int repetition, const DataRef& value);

@@ -390,8 +390,12 @@ void Records::changed(RecordPlace place, Change change) {
         membership_.resize(std::max(membership_.size(), place.table + 1));
         ++membership_[place.table];
         giveSerials(place);
+        return renew(place, {}, true);
     }
-    renew(place, {}, true);
+    std::set<std::size_t> fields;
+    for (std::size_t i = 0; i < schema().tables[place.table].fields.size(); ++i)
+        fields.insert(fields.end(), i);
+    renew(place, std::move(fields), false);
 }
 
 std::u16string Records::nextSerial(std::size_t table, std::size_t number) const {

@@ -9,6 +9,19 @@
 
 namespace host::sql {
 
+namespace {
+
+/// The table that a statement changes, under its own name.
+TableReference changedTable(const StatementTree& tree) {
+    return {.name = tree.table,
+            .alias = tree.table,
+            .join = Join::comma,
+            .condition = {},
+            .position = tree.tablePosition};
+}
+
+} // namespace
+
 Translation Translator::change(const StatementTree& tree) {
     if (const auto* body = std::get_if<Insert>(&tree.body)) return insert(tree, *body);
     if (const auto* body = std::get_if<Update>(&tree.body)) return update(tree, *body);
@@ -88,11 +101,7 @@ Translation Translator::update(const StatementTree& tree, const Update& body) {
     const std::vector<Written> columns = targets(table, body.columns);
     Scope scope;
     const Entered entered(scope_, scope);
-    scope.tables.push_back(tableNamed({.name = tree.table,
-                                       .alias = tree.table,
-                                       .join = Join::comma,
-                                       .condition = {},
-                                       .position = tree.tablePosition}));
+    scope.tables.push_back(tableNamed(changedTable(tree)));
     std::string text = "UPDATE " + quotedName(table.name) + " AS " + scope.tables.front().name + " SET ";
     for (std::size_t i = 0; i < columns.size(); ++i)
         text += (i == 0 ? "" : ", ") + columns[i].column + " = " + assigned(columns[i], *body.values[i]);
@@ -108,11 +117,7 @@ Translation Translator::remove(const StatementTree& tree, const Delete& body) {
     const BaseTable& table = written(tree);
     Scope scope;
     const Entered entered(scope_, scope);
-    scope.tables.push_back(tableNamed({.name = tree.table,
-                                       .alias = tree.table,
-                                       .join = Join::comma,
-                                       .condition = {},
-                                       .position = tree.tablePosition}));
+    scope.tables.push_back(tableNamed(changedTable(tree)));
     Translation result;
     // Without a condition the store would not name the records that go.
     result.statement = "DELETE FROM " + quotedName(table.name) + " AS " + scope.tables.front().name +

@@ -228,7 +228,7 @@ calc::SqlAnswer Database::answer(const sql::Translation& translation, const Data
         if (code != SQLITE_DONE) throw problemOf(statements_->connection.handle(), code);
     }
     if (translation.fetch) cutRows(answer.rows, translation, *translation.fetch);
-    if (calls_.changed) report(changed);
+    if (calls_.changed && !changed.empty()) report(changed);
     return answer;
 }
 
