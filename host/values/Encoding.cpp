@@ -101,8 +101,8 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
     }
 }
 
-/// Short cut for UTF-8: nothing where a byte means nothing.
-std::optional<std::u16string> wellFormed(std::string_view bytes) {
+/// The units of UTF-8, in one step; nothing where it is malformed.
+std::optional<std::u16string> wellFormed(std::span<const char> bytes) {
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
     std::u16string units(bytes.size(), u'\0');
     std::int32_t size = 0;
