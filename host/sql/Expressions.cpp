@@ -233,6 +233,7 @@ Translator::Piece Translator::strval(const Expression& expression) {
 
 Translator::Piece Translator::aggregate(const Expression& expression) {
     const std::string& word = expression.word;
+    if (scope_ == nullptr) throw Problem{.code = Fql::aggregateInside, .position = expression.position};
     scope_->hasAggregate = true;
     if (expression.operands.empty() && word == "COUNT") return {"count(*)", DataType::number};
     if (expression.operands.size() != 1)

@@ -15,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 /// Checks of the effects of the interface's calls, a function for each part of it. They need the host's
@@ -61,7 +62,8 @@ inline QuadCharUniquePtr creator() { return {'U', 'S', 'E', 'S'}; }
 
 template<class Value>
 bool isOrdered(const Value& less, const Value& more) {
-    return less == less && less != more && less < more && less <= more && more > less && more >= less;
+    const Value& same = less;
+    return less == same && less != more && less < more && less <= more && more > less && more >= less;
 }
 
 inline void checkTypes(const ExprEnv&) {
@@ -429,8 +431,10 @@ inline void checkEngine(const ExprEnv& env) {
 /// Objects are made and given back on several threads at once; the host's count comes out even. Exceptions of
 /// this library's kind pass through threads and containers of it.
 inline void checkThreads(const ExprEnv&) {
+    constexpr int count = 4;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
+    threads.reserve(count);
+    for (int i = 0; i < count; ++i)
         threads.emplace_back([] {
             for (int turn = 0; turn < 10'000; ++turn)
                 Words("x")->AppendText(*Words("y"));
@@ -447,7 +451,7 @@ inline void checkThreads(const ExprEnv&) {
         }
         return "nothing";
     };
-    EXPECT(messageOf([] { (void)std::vector<int>().at(1); }) == "range");
+    EXPECT(messageOf([] { std::ignore = std::vector<int>().at(1); }) == "range");
     EXPECT(messageOf([] { throw std::runtime_error(std::string()); }).empty());
     EXPECT(messageOf([] { (void)std::stoi("no number"); }).starts_with("stoi"));
     EXPECT(messageOf([] {
