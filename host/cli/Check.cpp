@@ -5,6 +5,7 @@
 #include "host/cli/Output.h"
 #include "host/cli/Runner.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdio>

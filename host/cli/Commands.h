@@ -1,12 +1,15 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <vector>
 
 /// The commands of the development host, one a file. Each adds itself to the application and says how it is
 /// run.
+
+namespace CLI {
+class App;
+}
 
 namespace host::cli {
 

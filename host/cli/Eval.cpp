@@ -6,6 +6,7 @@
 #include "host/fmwrapper/Faults.h"
 #include "host/fmwrapper/ObjectCounts.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <chrono>

@@ -7,6 +7,7 @@
 #include "host/cli/Runner.h"
 #include "host/values/Encoding.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <optional>

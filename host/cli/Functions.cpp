@@ -4,6 +4,7 @@
 #include "host/cli/Runner.h"
 #include "host/values/Encoding.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 

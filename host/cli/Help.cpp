@@ -5,6 +5,7 @@
 #include "host/cli/Runner.h"
 #include "host/values/Encoding.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace host::cli {

@@ -7,6 +7,7 @@
 #include "host/cli/Runner.h"
 #include "host/html/Reader.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 

@@ -8,6 +8,7 @@
 #include "host/cli/Runner.h"
 #include "host/values/Encoding.h"
 
+#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdlib>
 #include <memory>

@@ -8,6 +8,7 @@
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdlib>

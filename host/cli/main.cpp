@@ -1,6 +1,7 @@
 #include "host/cli/Commands.h"
 #include "host/cli/Output.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <clocale>
 #include <exception>

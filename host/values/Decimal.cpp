@@ -1,6 +1,7 @@
 #include "host/values/Decimal.h"
 
 #include <boost/multiprecision/cpp_dec_float.hpp>
+#include <boost/multiprecision/cpp_int.hpp>
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,9 @@ namespace host {
 
 namespace {
 
-using Integer = Decimal::Integer;
+/// Without expression templates: their temporaries are beyond what static analysis can follow.
+using Integer =
+    boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>, boost::multiprecision::et_off>;
 /// Its exponents reach far past a double's, as a Decimal's magnitudes do.
 using Float =
     boost::multiprecision::number<boost::multiprecision::cpp_dec_float<100>, boost::multiprecision::et_off>;
@@ -31,10 +34,6 @@ Integer divided(const Integer& number, const Integer& divisor, bool cut) {
     boost::multiprecision::divide_qr(number, divisor, quotient, remainder);
     if (!cut && 2 * abs(remainder) >= abs(divisor)) quotient += number.sign() * divisor.sign();
     return quotient;
-}
-
-Integer timesPowerOfTen(const Integer& number, int exponent) {
-    return exponent == 0 ? number : Integer(number * powerOfTen(exponent));
 }
 
 /// So few bits that no comparison with 10^400 is needed.
@@ -77,24 +76,68 @@ std::optional<int> takeExponent(std::u16string_view& text) {
     return isNegative ? -exponent : exponent;
 }
 
+bool fitsSmall(const Integer& number) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    return number.backend().size() == 1 && number <= Limits::max() && number >= Limits::min();
+}
+
+/// Nothing where 64 bits do not hold the product.
+std::optional<std::int64_t> smallTimesPowerOfTen(std::int64_t number, int exponent) {
+    while (exponent-- > 0)
+        if (__builtin_mul_overflow(number, 10, &number)) return std::nullopt;
+    return number;
+}
+
 } // namespace
 
-Decimal Decimal::of(Integer mantissa, int scale, int precision) {
+/// A mantissa of any size.
+struct Decimal::Large {
+    Integer value;
+};
+
+Decimal Decimal::ofSmall(std::int64_t mantissa, int scale, int precision) {
     Decimal result;
-    result.mantissa_ = std::move(mantissa);
+    result.small_ = mantissa;
     result.scale_ = scale;
     result.precision_ = precision;
-    if (scale > maximumPrecision) {
-        result.mantissa_ = divided(result.mantissa_, powerOfTen(scale - maximumPrecision), false);
-        result.scale_ = maximumPrecision;
-    }
-    if (!isFarBelowLimit(result.mantissa_) &&
-        abs(result.mantissa_) >= magnitudeLimit() * powerOfTen(result.scale_))
-        throw std::overflow_error("a number would reach 10^400");
     return result;
 }
 
-Decimal::Decimal(std::int64_t value, int precision) : mantissa_(value) { setPrecision(precision); }
+Decimal Decimal::of(Large mantissa, int scale, int precision) {
+    Integer& value = mantissa.value;
+    if (scale > maximumPrecision) {
+        value = divided(value, powerOfTen(scale - maximumPrecision), false);
+        scale = maximumPrecision;
+    }
+    if (fitsSmall(value)) return ofSmall(static_cast<std::int64_t>(value), scale, precision);
+    if (!isFarBelowLimit(value) && abs(value) >= magnitudeLimit() * powerOfTen(scale))
+        throw std::overflow_error("a number would reach 10^400");
+    Decimal result = ofSmall(0, scale, precision);
+    result.large_ = std::make_shared<const Large>(std::move(mantissa));
+    return result;
+}
+
+Decimal::Large Decimal::mantissa() const { return large_ == nullptr ? Large{small_} : *large_; }
+
+/// The mantissa at a scale that is not below the number's own; nothing where 64 bits do not hold it.
+std::optional<std::int64_t> Decimal::smallAt(int scale) const {
+    if (large_ != nullptr) return std::nullopt;
+    return smallTimesPowerOfTen(small_, scale - scale_);
+}
+
+Decimal::Large Decimal::largeAt(int scale) const {
+    Large result = mantissa();
+    if (scale != scale_) result.value *= powerOfTen(scale - scale_);
+    return result;
+}
+
+int Decimal::sign() const {
+    if (large_ != nullptr) return large_->value.sign();
+    return static_cast<int>(small_ > 0) - static_cast<int>(small_ < 0);
+}
+
+Decimal::Decimal(std::int64_t value, int precision)
+    : small_(value), precision_(std::clamp(precision, minimumPrecision, maximumPrecision)) {}
 
 Decimal Decimal::fromDouble(double value, int precision) {
     if (!std::isfinite(value)) throw std::range_error("not a finite number");
@@ -122,14 +165,14 @@ std::optional<Decimal> Decimal::parse(std::u16string_view text) {
     // A leading 0 would mean octal.
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 1));
     Integer mantissa(digits);
-    return scaled(isNegative ? Integer(-mantissa) : std::move(mantissa), places - *exponent);
+    return scaled({isNegative ? Integer(-mantissa) : std::move(mantissa)}, places - *exponent);
 }
 
 /// A mantissa divided by a power of ten of any size.
-std::optional<Decimal> Decimal::scaled(Integer mantissa, int scale) {
-    if (mantissa == 0 || scale > static_cast<int>(longestText) + maximumPrecision) return Decimal();
+std::optional<Decimal> Decimal::scaled(Large mantissa, int scale) {
+    if (mantissa.value == 0 || scale > static_cast<int>(longestText) + maximumPrecision) return Decimal();
     if (scale < -maximumIntegerDigits) return std::nullopt;
-    if (scale < 0) mantissa *= powerOfTen(-std::exchange(scale, 0));
+    if (scale < 0) mantissa.value *= powerOfTen(-std::exchange(scale, 0));
     try {
         return of(std::move(mantissa), scale, std::clamp(scale, minimumPrecision, maximumPrecision));
     } catch (const std::overflow_error&) {
@@ -139,29 +182,31 @@ std::optional<Decimal> Decimal::scaled(Integer mantissa, int scale) {
 
 void Decimal::setPrecision(int precision) {
     const int kept = std::clamp(precision, minimumPrecision, maximumPrecision);
-    // Rounding up may carry a number over the limit.
-    *this = scale_ > kept ? of(divided(mantissa_, powerOfTen(scale_ - kept), false), kept, kept)
-                          : of(std::move(mantissa_), scale_, kept);
+    if (scale_ <= kept)
+        precision_ = kept;
+    else // Rounding up may carry a number over the limit.
+        *this = of({divided(mantissa().value, powerOfTen(scale_ - kept), false)}, kept, kept);
 }
 
 Decimal Decimal::plus(const Decimal& other) const {
-    const int scale = std::max(scale_, other.scale_);
-    return of(timesPowerOfTen(mantissa_, scale - scale_) +
-                  timesPowerOfTen(other.mantissa_, scale - other.scale_),
-              scale, std::max(precision_, other.precision_));
+    const int scale = std::max(scale_, other.scale_), precision = std::max(precision_, other.precision_);
+    const auto left = smallAt(scale), right = other.smallAt(scale);
+    std::int64_t sum = 0;
+    if (left && right && !__builtin_add_overflow(*left, *right, &sum)) return ofSmall(sum, scale, precision);
+    return of({largeAt(scale).value + other.largeAt(scale).value}, scale, precision);
 }
 
 Decimal Decimal::minus(const Decimal& other) const { return plus(other.negated()); }
 
 Decimal Decimal::times(const Decimal& other) const {
-    const int precision = std::max(precision_, other.precision_);
-    Integer product = mantissa_ * other.mantissa_;
-    int scale = scale_ + other.scale_;
-    if (scale > precision) {
-        product = divided(product, powerOfTen(scale - precision), false);
-        scale = precision;
-    }
-    return of(std::move(product), scale, precision);
+    const int precision = std::max(precision_, other.precision_), scale = scale_ + other.scale_;
+    const bool areSmall = large_ == nullptr && other.large_ == nullptr;
+    std::int64_t small = 0;
+    if (areSmall && scale <= precision && !__builtin_mul_overflow(small_, other.small_, &small))
+        return ofSmall(small, scale, precision);
+    Integer product = mantissa().value * other.mantissa().value;
+    if (scale <= precision) return of({std::move(product)}, scale, precision);
+    return of({divided(product, powerOfTen(scale - precision), false)}, precision, precision);
 }
 
 std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
@@ -169,16 +214,12 @@ std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
     const int precision = std::max(precision_, other.precision_);
     // (m1 / 10^s1) / (m2 / 10^s2), with `precision` places kept.
     const int shift = precision - scale_ + other.scale_;
-    const Integer number = shift >= 0 ? Integer(mantissa_ * powerOfTen(shift)) : mantissa_;
-    const Integer divisor = shift >= 0 ? other.mantissa_ : Integer(other.mantissa_ * powerOfTen(-shift));
-    return of(divided(number, divisor, false), precision, precision);
+    Integer number = mantissa().value, divisor = other.mantissa().value;
+    (shift >= 0 ? number : divisor) *= powerOfTen(std::abs(shift));
+    return of({divided(number, divisor, false)}, precision, precision);
 }
 
-Decimal Decimal::negated() const {
-    Decimal result(*this);
-    result.mantissa_ = -result.mantissa_;
-    return result;
-}
+Decimal Decimal::negated() const { return of({-mantissa().value}, scale_, precision_); }
 
 std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
     const int precision = std::max(precision_, exponent.precision_);
@@ -196,7 +237,7 @@ Decimal Decimal::wholePower(const Decimal& exponent) const {
     if (exponent.sign() < 0) square = result.dividedBy(square).value_or(Decimal());
     // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and 1
     // and -1 never grow.
-    for (Integer left = abs(exponent.truncated(0).mantissa_); left > 0; left /= 2) {
+    for (Integer left = abs(exponent.truncated(0).mantissa().value); left > 0; left /= 2) {
         if (bit_test(left, 0)) result = result.times(square);
         if (left > 1) square = square.times(square);
     }
@@ -205,7 +246,7 @@ Decimal Decimal::wholePower(const Decimal& exponent) const {
 
 Decimal Decimal::fractionalPower(const Decimal& exponent) const {
     const auto wide = [](const Decimal& number) {
-        return Float(number.mantissa_.str() + "e-" + std::to_string(number.scale_));
+        return Float(number.digits() + "e-" + std::to_string(number.scale_));
     };
     const Float logarithm = wide(exponent) * log(wide(*this));
     const Float limit = maximumIntegerDigits * log(Float(10));
@@ -224,8 +265,8 @@ std::optional<Decimal> Decimal::squareRoot() const {
     if (sign() < 0) return std::nullopt;
     // One digit more than is kept, so that the last one can be rounded.
     const int places = precision_ + 1;
-    const Integer scaled = mantissa_ * powerOfTen(2 * places - scale_);
-    return of(Integer(sqrt(scaled)), places, maximumPrecision).rounded(precision_).withPrecision(precision_);
+    const Integer square = largeAt(2 * places).value;
+    return of({sqrt(square)}, places, maximumPrecision).rounded(precision_).withPrecision(precision_);
 }
 
 Decimal Decimal::withPrecision(int precision) const {
@@ -237,9 +278,9 @@ Decimal Decimal::withPrecision(int precision) const {
 Decimal Decimal::toPlaces(int places, bool cut) const {
     if (places >= scale_) return *this;
     const int dropped = scale_ - std::max(places, -maximumIntegerDigits - 1);
-    Integer kept = divided(mantissa_, powerOfTen(dropped), cut);
-    if (places >= 0) return of(std::move(kept), places, precision_);
-    return of(kept * powerOfTen(dropped - scale_), 0, precision_);
+    Integer kept = divided(mantissa().value, powerOfTen(dropped), cut);
+    if (places >= 0) return of({std::move(kept)}, places, precision_);
+    return of({kept * powerOfTen(dropped - scale_)}, 0, precision_);
 }
 
 Decimal Decimal::rounded(int places) const { return toPlaces(places, false); }
@@ -257,16 +298,16 @@ Decimal Decimal::ceiling() const {
 
 std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
     const int scale = std::max(scale_, other.scale_);
-    const Integer left = timesPowerOfTen(mantissa_, scale - scale_);
-    return left.compare(timesPowerOfTen(other.mantissa_, scale - other.scale_)) <=> 0;
+    const auto left = smallAt(scale), right = other.smallAt(scale);
+    if (left && right) return *left <=> *right;
+    return largeAt(scale).value.compare(other.largeAt(scale).value) <=> 0;
 }
 
 std::int64_t Decimal::toInt64() const {
-    const Integer whole = scale_ == 0 ? mantissa_ : divided(mantissa_, powerOfTen(scale_), true);
+    if (scale_ > 0) return truncated(0).toInt64();
     using Limits = std::numeric_limits<std::int64_t>;
-    if (whole > Limits::max()) return Limits::max();
-    if (whole < Limits::min()) return Limits::min();
-    return static_cast<std::int64_t>(whole);
+    if (large_ != nullptr) return sign() < 0 ? Limits::min() : Limits::max();
+    return small_;
 }
 
 std::int32_t Decimal::toInt32() const {
@@ -274,28 +315,26 @@ std::int32_t Decimal::toInt32() const {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(toInt64(), Limits::min(), Limits::max()));
 }
 
+/// The mantissa with its sign.
+std::string Decimal::digits() const {
+    return large_ == nullptr ? std::to_string(small_) : large_->value.str();
+}
+
 double Decimal::toDouble() const {
-    const std::string digits = mantissa_.str() + "e-" + std::to_string(scale_);
-    return std::strtod(digits.c_str(), nullptr);
+    return std::strtod((digits() + "e-" + std::to_string(scale_)).c_str(), nullptr);
 }
 
 std::u16string Decimal::text() const {
-    if (scale_ == 0 && mantissa_.backend().size() == 1) {
-        // A whole number of one limb, which most numbers are, needs no large arithmetic.
-        std::array<char, 24> few{};
-        const auto end = std::to_chars(few.begin(), few.end(), *mantissa_.backend().limbs()).ptr;
-        std::u16string text(sign() < 0 ? u"-" : u"");
-        return text.append(few.begin(), end);
+    std::string text = digits();
+    if (scale_ > 0) {
+        const std::size_t first = text.front() == '-' ? 1 : 0;
+        const auto places = static_cast<std::size_t>(scale_);
+        if (text.size() - first < places) text.insert(first, places - (text.size() - first), '0');
+        text.insert(text.size() - places, 1, '.');
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.back() == '.') text.pop_back();
+        if (text.size() == first) text = "0";
     }
-    std::string digits = Integer(abs(mantissa_)).str();
-    const auto places = static_cast<std::size_t>(scale_);
-    if (digits.size() < places) digits.insert(0, places - digits.size(), '0');
-    std::string whole = digits.substr(0, digits.size() - places);
-    std::string fraction = digits.substr(digits.size() - places);
-    fraction.erase(fraction.find_last_not_of('0') + 1);
-    if (whole == "0" && !fraction.empty()) whole.clear();
-    if (whole.empty() && fraction.empty()) whole = "0";
-    const std::string text = (sign() < 0 ? "-" : "") + whole + (fraction.empty() ? "" : "." + fraction);
     return {text.begin(), text.end()};
 }
 

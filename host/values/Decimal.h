@@ -1,9 +1,8 @@
 #pragma once
 
-#include <boost/multiprecision/cpp_int.hpp>
-
 #include <compare>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,10 +15,6 @@ namespace host {
 class Decimal {
 public:
     static constexpr int minimumPrecision = 16, maximumPrecision = 400, maximumIntegerDigits = 400;
-
-    /// Without expression templates: their temporaries are beyond what static analysis can follow.
-    using Integer = boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>,
-                                                  boost::multiprecision::et_off>;
 
     Decimal() = default;
     Decimal(std::int64_t value, int precision = minimumPrecision); // NOLINT(google-explicit-constructor)
@@ -52,8 +47,8 @@ public:
     [[nodiscard]] Decimal floor() const;
     [[nodiscard]] Decimal ceiling() const;
 
-    [[nodiscard]] bool isZero() const { return mantissa_ == 0; }
-    [[nodiscard]] int sign() const { return mantissa_.sign(); }
+    [[nodiscard]] bool isZero() const { return small_ == 0 && large_ == nullptr; }
+    [[nodiscard]] int sign() const; ///< -1, 0 or 1
     std::strong_ordering operator<=>(const Decimal& other) const;
     bool operator==(const Decimal& other) const { return (*this <=> other) == 0; }
 
@@ -66,15 +61,24 @@ public:
     [[nodiscard]] std::u16string text() const;
 
 private:
-    static Decimal of(Integer mantissa, int scale, int precision);
-    static std::optional<Decimal> scaled(Integer mantissa, int scale);
+    struct Large;
+
+    static Decimal ofSmall(std::int64_t mantissa, int scale, int precision);
+    static Decimal of(Large mantissa, int scale, int precision);
+    static std::optional<Decimal> scaled(Large mantissa, int scale);
+    [[nodiscard]] Large mantissa() const;
+    [[nodiscard]] std::optional<std::int64_t> smallAt(int scale) const;
+    [[nodiscard]] Large largeAt(int scale) const;
+    [[nodiscard]] std::string digits() const;
     [[nodiscard]] Decimal withPrecision(int precision) const;
     [[nodiscard]] Decimal toPlaces(int places, bool cut) const;
     [[nodiscard]] Decimal wholePower(const Decimal& exponent) const;
     [[nodiscard]] Decimal fractionalPower(const Decimal& exponent) const;
 
-    Integer mantissa_ = 0; ///< value times 10^scale_
-    int scale_ = 0;        ///< 0…400
+    /// The mantissa is the value times 10^scale_. One that 64 bits hold is never large.
+    std::int64_t small_ = 0;
+    std::shared_ptr<const Large> large_; ///< null where small_ is the mantissa
+    int scale_ = 0;                      ///< 0…400
     int precision_ = minimumPrecision;
 };
 
