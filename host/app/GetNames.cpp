@@ -100,10 +100,10 @@ Data identifier(const Place& place) {
 }
 
 Data recordNumber(const Place& place) {
-    const RecordPlace here = place.record();
-    if (!place.environment.record) return number(place.position().recordNumber());
-    const auto& found = place.position().foundSet(*place.occurrence()).records;
-    const auto at = std::find(found.begin(), found.end(), here.record);
+    const auto& scope = place.environment.record;
+    if (!scope) return number(place.position().recordNumber());
+    const auto& found = place.position().foundSet(scope->occurrence).records;
+    const auto at = std::find(found.begin(), found.end(), place.record().record);
     return number(at == found.end() ? 0 : at - found.begin() + 1);
 }
 
@@ -324,6 +324,7 @@ const Answer* answerNamed(std::u16string_view name) {
 
 std::vector<std::u16string_view> getNames() {
     std::vector<std::u16string_view> names;
+    names.reserve(answers.size());
     for (const Answer& answer : answers)
         names.push_back(answer.name);
     return names;

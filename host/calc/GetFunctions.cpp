@@ -136,7 +136,7 @@ DataRef executeSql(Evaluation& evaluation, std::span<const DataRef> arguments) {
     const SqlAnswer answer = evaluation.file().selectSql(arguments[0]->asText().units(), parameters);
     if (answer.error == error::none)
         return textResult(answer.joined(separator(*arguments[1], u","), separator(*arguments[2], u"\r")));
-    const DataRef mark = evaluation.failed(answer.error);
+    DataRef mark = evaluation.failed(answer.error);
     if (!givesReason || answer.problem.empty()) return mark;
     return textResult(Text(u"? ERROR: " + answer.problem));
 }

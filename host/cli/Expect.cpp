@@ -127,9 +127,10 @@ std::vector<TestCase> runFile(const std::string& file, Evaluator& evaluator) {
     for (const Example& example : readExamples(file)) {
         const std::string difference = differenceOf(example, evaluator);
         const std::string calculation = onOneLine(example.calculation);
-        const std::string line = std::to_string(example.line);
-        if (!difference.empty()) writeLine(file + ":" + line + ": " + calculation + "\n  " + difference);
-        tests.push_back({.suite = file, .name = "line " + line + ": " + calculation, .failure = difference});
+        const std::string name = std::to_string(example.line).append(": ").append(calculation);
+        if (!difference.empty())
+            writeLine(std::string(file).append(":").append(name).append("\n  ").append(difference));
+        tests.push_back({.suite = file, .name = std::string("line ").append(name), .failure = difference});
     }
     if (tests.empty()) {
         const std::string none = "no example";

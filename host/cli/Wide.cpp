@@ -20,7 +20,7 @@ std::wstring wide(std::string_view utf8) {
 std::string narrow(std::wstring_view characters) {
     std::u16string units;
     for (const wchar_t character : characters) {
-        const auto point = static_cast<UChar32>(character);
+        const auto point = static_cast<char32_t>(character);
         if (U_IS_BMP(point)) {
             units += static_cast<char16_t>(point);
         } else {
