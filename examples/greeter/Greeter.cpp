@@ -34,7 +34,8 @@ greet(short, const fmx::ExprEnv&, const fmx::DataVect& arguments, fmx::Data& res
 FMX_PtrType init() {
     const auto id = identifier();
     const char* const step =
-        "<PluginStep><Parameter Type=\"calc\" ID=\"1\" Label=\"Name\" DataType=\"text\"/></PluginStep>";
+        "<PluginStep><Parameter Type=\"calc\" ID=\"1\" Label=\"Name\" DataType=\"text\"/>"
+        "<Parameter Type=\"target\" ID=\"2\" Label=\"Result\"/></PluginStep>";
     fmx::ExprEnv::RegisterExternalFunctionEx(*id, kGreet, *Words("Greet"), *Words("Greet( name )"),
                                              *Words("hello welcome|Greets somebody."), 1, 1,
                                              fmx::ExprEnv::kDisplayInAllDialogs, greet);

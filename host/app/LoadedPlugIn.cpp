@@ -37,6 +37,7 @@ void LoadedPlugIn::start() {
             words += "; " + refused;
         throw std::runtime_error(words);
     }
+    session_.requireSteps();
 }
 
 const RegisteredFunction* LoadedPlugIn::findFunction(std::u16string_view name) const {

@@ -1,11 +1,13 @@
 #include "host/app/Session.h"
 
 #include "FMWrapper/FMXExtern.h"
+#include "host/app/DescriptionReader.h"
 #include "host/app/File.h"
 #include "host/app/PlugIn.h"
 #include "host/calc/Stack.h"
 #include "host/dispatch/MainQueue.h"
 #include "host/fmwrapper/Bridge.h"
+#include "host/scripts/Steps.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -120,9 +122,17 @@ StepOutcome Session::runStep(const RegisteredStep& step, const std::vector<StepA
         outcome.error = error.code;
         outcome.message = error.message;
     }
-    lastError_->code = outcome.error;
-    if (outcome.error != calc::error::none) lastError_->detail = fromUtf8(outcome.message);
+    environment.lastError->code = outcome.error;
+    if (outcome.error != calc::error::none) environment.lastError->detail = fromUtf8(outcome.message);
     return outcome;
+}
+
+void Session::requireSteps() const {
+    for (const auto& file : files_)
+        for (const Script& script : file->solution().scripts)
+            for (const scripts::Step& step : script.steps)
+                if (step.row->isOfPlugIn && !registeredStep(step.name))
+                    failAt(script.source, step.line, "there is no step \"" + toUtf8(step.name) + "\"");
 }
 
 std::uint64_t Session::open(Solution solution) {

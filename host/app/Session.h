@@ -1,7 +1,6 @@
 #pragma once
 
 #include "host/app/Solution.h"
-#include "host/app/StepCall.h"
 #include "host/calc/Engine.h"
 #include "host/fmwrapper/Application.h"
 #include "host/scripts/Machine.h"
@@ -43,11 +42,12 @@ public:
     std::int16_t registerStep(RegisteredStep step) override;
     std::int16_t unregisterStep(const QuadChar& creator, std::int16_t id) override;
 
-    /// A script step that a plug-in has registered, by name in any case; null when there is none.
-    [[nodiscard]] std::shared_ptr<const RegisteredStep> registeredStep(std::u16string_view name) const;
-    /// Runs a step of a plug-in, as StepCall.h says, and sets what Get ( LastError ) answers.
+    [[nodiscard]] std::shared_ptr<const RegisteredStep>
+    registeredStep(std::u16string_view name) const override;
     StepOutcome runStep(const RegisteredStep& step, const std::vector<StepArgument>& arguments,
-                        const calc::Environment& environment);
+                        const calc::Environment& environment) override;
+    /// Throws std::runtime_error for a step of a script that neither the app nor a plug-in has.
+    void requireSteps() const;
 
     /// Opens a solution and gives the file's identifier. Calculations run in the first open file. Throws
     /// std::runtime_error with the cause when the tables cannot be made or a file of that name is open.

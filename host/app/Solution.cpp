@@ -53,7 +53,8 @@ public:
         if (const toml::node* node = table.get("steps")) {
             if (table.contains("calculations"))
                 fail(node->source(), "a script has either steps or calculations");
-            result.steps = stepsIn(text(*node, "steps"), file(), firstLineOf(*node));
+            result.source = file();
+            result.steps = stepsIn(text(*node, "steps"), result.source, firstLineOf(*node));
         }
         return result;
     }
@@ -147,7 +148,8 @@ void addScripts(const fs::path& folder, std::vector<Script>& scripts) {
         const auto isSame = [&](const Script& other) { return calc::foldName(other.name) == folded; };
         if (std::any_of(scripts.begin(), scripts.end(), isSame))
             throw std::runtime_error(file.string() + ": the solution has a script of this name already");
-        script.steps = stepsIn(fromUtf8(contentOfFile(file)), file.string(), 1);
+        script.source = file.string();
+        script.steps = stepsIn(fromUtf8(contentOfFile(file)), script.source, 1);
         scripts.push_back(std::move(script));
     }
 }

@@ -55,18 +55,6 @@ std::string scriptInWords(const ScriptCall& call) {
     return "script \"" + toUtf8(call.scriptName) + "\" of \"" + toUtf8(call.fileName) + "\"";
 }
 
-/// A step's parameter that begins with the label of one of its parameters and a colon, in its two parts.
-std::pair<std::u16string, std::u16string> splitLabel(const RegisteredStep& step, const std::u16string& text) {
-    const std::size_t colon = text.find(u':');
-    if (colon == std::u16string::npos) return {{}, text};
-    const std::u16string label = text.substr(0, colon);
-    const auto isMeant = [folded = calc::foldName(label)](const StepParameter& parameter) {
-        return calc::foldName(parameter.label) == folded;
-    };
-    if (std::ranges::none_of(step.parameters, isMeant)) return {{}, text};
-    return {label, text.substr(colon + 1)};
-}
-
 void writeScriptCall(const ScriptCall& call) {
     nlohmann::ordered_json object = scriptObject(call);
     object["parameter"] = utf8(call.parameter);
@@ -227,11 +215,13 @@ bool Runner::runAndPrint(const Step& step) {
     if (!found) throw std::runtime_error("no plug-in has a script step \"" + step.name + "\"");
     std::vector<StepArgument> arguments;
     for (const std::string& text : step.parameters) {
-        const auto [label, calculation] = splitLabel(*found, fromUtf8(text));
+        const std::u16string argument = fromUtf8(text);
+        const auto [parameter, calculation] = splitLabel(*found, argument);
         const calc::Result result = session().evaluate(calculation);
         if (result.error != calc::error::none)
             return print(result, {.text = toUtf8(calculation), .file = step.name});
-        arguments.push_back({.label = label, .value = result.value});
+        arguments.push_back(
+            {.label = parameter == nullptr ? std::u16string() : parameter->label, .value = result.value});
     }
     const StepOutcome outcome = session().runStep(*found, arguments, session().topLevel());
     if (outcome.error == calc::error::none) {

@@ -44,7 +44,7 @@ void endLoop(StepRun& run) { run.jumpTo(run.step().opener); }
 void setVariable(StepRun& run) {
     const Option& option = *run.option(u"variable");
     const DataRef value = run.value(u"Value");
-    run.setVariable(targetOf(option), option.line, value);
+    run.setVariable(targetOf(option.text), option.line, value);
 }
 
 void performScript(StepRun& run) {

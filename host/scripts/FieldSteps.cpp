@@ -16,7 +16,7 @@ void setField(StepRun& run) {
     const Option* option = run.option(u"field");
     if (option == nullptr) throw calc::Error{calc::error::missingField};
     const DataRef value = run.value(u"value");
-    const Target target = targetOf(*option);
+    const Target target = targetOf(option->text);
     check(run.position().setField(run.field(target), run.repetition(target, option->line), value));
 }
 
@@ -29,7 +29,7 @@ void setFieldByName(StepRun& run) {
 void insert(StepRun& run, DataRef value) {
     const Option* option = run.option(u"Target");
     if (option == nullptr) throw calc::Error{calc::error::missingField};
-    const Target target = targetOf(*option);
+    const Target target = targetOf(option->text);
     std::optional<calc::FieldPlace> field;
     if (target.kind == Target::Kind::field) field = run.field(target);
     if (field && run.position().occurrence() != field->occurrence)
@@ -39,10 +39,7 @@ void insert(StepRun& run, DataRef value) {
         joined.append(value->asText());
         value = std::make_shared<const Data>(std::move(joined));
     }
-    if (field)
-        check(run.position().setField(*field, run.repetition(target, option->line), value));
-    else
-        run.setVariable(target, option->line, std::move(value));
+    run.set(target, option->line, std::move(value));
 }
 
 void insertCalculatedResult(StepRun& run) { insert(run, run.value(u"value")); }
@@ -53,7 +50,7 @@ void insertText(StepRun& run) {
 
 void replaceFieldContents(StepRun& run) {
     Position& position = run.position();
-    const calc::FieldPlace place = run.field(targetOf(*run.option(u"field")));
+    const calc::FieldPlace place = run.field(targetOf(run.option(u"field")->text));
     const auto before = static_cast<std::int64_t>(position.recordNumber());
     try {
         check(position.replaceFieldContents(place, [&run] { return run.value(u"value"); }));

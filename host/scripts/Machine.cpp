@@ -288,12 +288,12 @@ void Machine::fail(const Step& step, std::size_t line, std::u16string_view sourc
                    const calc::Result& result) {
     Frame& frame = top();
     result.setLastError(*runs_.back().lastError);
-    frame.state->errorLocation = frame.script->name + u"\r" + std::u16string(step.row->name) + u"\r" +
-                                 fromUtf8(std::to_string(step.line));
+    frame.state->errorLocation =
+        frame.script->name + u"\r" + step.name + u"\r" + fromUtf8(std::to_string(step.line));
     if (stage_.onScriptError)
         stage_.onScriptError({.call = frame.call,
                               .place = line,
-                              .step = step.row->name,
+                              .step = step.name,
                               .source = source,
                               .result = result,
                               .isCaptured = frame.state->capturesErrors});

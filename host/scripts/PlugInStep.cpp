@@ -1,10 +1,14 @@
-#include "host/app/StepCall.h"
+#include "host/scripts/PlugInStep.h"
 
 #include "host/calc/Engine.h"
+#include "host/scripts/Scanner.h"
+#include "host/scripts/StepRun.h"
+#include "host/scripts/Steps.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace host {
@@ -75,6 +79,16 @@ DataVect placed(const std::vector<const StepParameter*>& parameters,
 
 } // namespace
 
+std::pair<const StepParameter*, std::u16string_view> splitLabel(const RegisteredStep& step,
+                                                                std::u16string_view text) {
+    const std::size_t colon = text.find(u':');
+    if (colon == std::u16string_view::npos) return {nullptr, text};
+    const std::u16string label = calc::foldName(scripts::trimmed(text.substr(0, colon)));
+    for (const StepParameter& parameter : step.parameters)
+        if (calc::foldName(parameter.label) == label) return {&parameter, text.substr(colon + 1)};
+    return {nullptr, text};
+}
+
 DataVect stepValues(const RegisteredStep& step, const std::vector<StepArgument>& arguments) {
     std::vector<const StepParameter*> parameters;
     for (const StepParameter& parameter : step.parameters)
@@ -88,5 +102,52 @@ DataVect stepValues(const RegisteredStep& step, const std::vector<StepArgument>&
     }
     return values;
 }
+
+namespace scripts {
+
+namespace {
+
+/// `On` and `Off` are a boolean's words; anything else is a calculation.
+DataRef argument(StepRun& run, const Option& option, const StepParameter* parameter,
+                 std::u16string_view text) {
+    const std::u16string word = calc::foldName(trimmed(text));
+    const bool isBoolean = parameter != nullptr && parameter->type == StepParameter::Type::boolean;
+    if (isBoolean && (word == u"on" || word == u"off"))
+        return std::make_shared<const Data>(Data::boolean(word == u"on"));
+    return run.evaluate(text, option.line);
+}
+
+void runPlugInStep(StepRun& run) {
+    const Step& step = run.step();
+    Stage& stage = run.machine().stage();
+    const auto registered = stage.registeredStep(step.name);
+    if (!registered) throw calc::Error{calc::error::unavailable, "no plug-in has this step"};
+    std::vector<StepArgument> arguments;
+    std::optional<std::pair<Target, std::size_t>> target;
+    for (const Option& option : step.options) {
+        const auto [parameter, text] = splitLabel(*registered, option.text);
+        if (parameter != nullptr && parameter->type == StepParameter::Type::target)
+            target = {targetOf(trimmed(text)), option.line};
+        else
+            arguments.push_back({.label = parameter == nullptr ? std::u16string() : parameter->label,
+                                 .value = argument(run, option, parameter, text)});
+    }
+    const StepOutcome outcome = stage.runStep(*registered, arguments, run.frame().scope);
+    check(outcome.error, outcome.message);
+    if (target) run.set(target->first, target->second, outcome.result);
+}
+
+} // namespace
+
+const StepRow& plugInStep() {
+    static constexpr StepRow row{.name = u"plug-in's step",
+                                 .run = runPlugInStep,
+                                 .options = {OptionRow{.name = u"parameter"}},
+                                 .repeats = true,
+                                 .isOfPlugIn = true};
+    return row;
+}
+
+} // namespace scripts
 
 } // namespace host

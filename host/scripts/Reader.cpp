@@ -1,6 +1,7 @@
 #include "host/scripts/Reader.h"
 
 #include "host/calc/Environment.h"
+#include "host/scripts/PlugInStep.h"
 #include "host/scripts/Scanner.h"
 #include "host/scripts/Steps.h"
 #include "host/scripts/Targets.h"
@@ -68,7 +69,7 @@ public:
             statement();
         if (!blocks_.empty()) {
             const Step& open = steps_[blocks_.back().opener];
-            fail(open.line, toUtf8(open.row->name) + " has no end");
+            fail(open.line, toUtf8(open.name) + " has no end");
         }
         return std::move(steps_);
     }
@@ -118,11 +119,15 @@ private:
         const StepRow* row = stepNamed(name);
         // A line with two slashes may also be a remark.
         if (row == nullptr && isDisabled) return advanceTo(lineEnd());
-        if (row == nullptr) fail(line, "there is no step " + quoted(name));
+        if (row == nullptr && name.find_first_of(u"$\";]") != std::u16string_view::npos)
+            fail(line, "there is no step " + quoted(name));
+        const bool isOfPlugIn = row == nullptr;
+        if (isOfPlugIn) row = &plugInStep();
         at_ = nameEnd;
         const std::vector<Part> parts = options(line);
         if (isDisabled) return;
-        Step step{.row = row, .line = line, .options = {}};
+        Step step{
+            .row = row, .name = std::u16string(isOfPlugIn ? name : row->name), .line = line, .options = {}};
         if (!row->takesAnything) step.options = matched(*row, parts, line);
         add(std::move(step));
     }
@@ -152,7 +157,7 @@ private:
         std::vector<Option> options;
         std::size_t place = 0;
         for (const Part& part : parts) {
-            const std::size_t label = labelLength(part.text);
+            const std::size_t label = row.isOfPlugIn ? 0 : labelLength(part.text);
             const OptionRow* option = label > 0 ? labelled(row, part, label) : unlabelled(row, part, place);
             if (option == nullptr) continue;
             const std::u16string_view value = label > 0 ? trimmed(part.text.substr(label + 1)) : part.text;
@@ -205,12 +210,11 @@ private:
         step.opener = innermostLoop();
         if (isOfIf || block == Block::closesLoop) {
             if (blocks_.empty() || blocks_.back().isLoop != isOfLoop)
-                fail(step.line,
-                     toUtf8(step.row->name) + " has no " + (isOfIf ? "If" : "Loop") + " before it");
+                fail(step.line, toUtf8(step.name) + " has no " + (isOfIf ? "If" : "Loop") + " before it");
             step.opener = blocks_.back().opener;
         }
         if (block == Block::leavesLoop && step.opener == kNoStep)
-            fail(step.line, toUtf8(step.row->name) + " stands in no Loop");
+            fail(step.line, toUtf8(step.name) + " stands in no Loop");
         if (isOfIf) branch(step, place);
         if (block == Block::closesIf || block == Block::closesLoop) {
             steps_[step.opener].end = place;
@@ -228,7 +232,7 @@ private:
         OpenBlock& open = blocks_.back();
         Step& before = steps_[open.branch];
         if (before.row->block == Block::otherwise && step.row->block != Block::closesIf)
-            fail(step.line, toUtf8(step.row->name) + " stands after Else");
+            fail(step.line, toUtf8(step.name) + " stands after Else");
         before.nextBranch = place;
         open.branch = place;
     }

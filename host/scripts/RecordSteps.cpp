@@ -67,7 +67,7 @@ void find(StepRun& run) {
 
 /// Found sets are sorted by fields of their own.
 std::size_t localField(StepRun& run, const Option& option) {
-    const calc::FieldPlace place = run.field(targetOf(option));
+    const calc::FieldPlace place = run.field(targetOf(option.text));
     if (run.position().occurrence() != place.occurrence) throw calc::Error{calc::error::missingField};
     return place.field;
 }

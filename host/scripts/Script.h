@@ -24,6 +24,7 @@ constexpr std::size_t kNoStep = std::numeric_limits<std::size_t>::max();
 /// A step of a script. Places are those of the script's steps.
 struct Step {
     const StepRow* row;
+    std::u16string name;  ///< its row's, or a plug-in's as it was written
     std::size_t line = 0; ///< from 1
     std::vector<Option> options;
     /// Of a step that continues or closes a block, the step that opens it; of any other step, the Loop around
@@ -40,6 +41,7 @@ struct Script {
     std::u16string name;
     std::vector<std::u16string> calculations; ///< evaluated in order in one variable scope
     std::vector<scripts::Step> steps = {};
+    std::string source = {}; ///< the file that has the steps, for messages
 };
 
 } // namespace host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/calc/Engine.h"
+#include "host/scripts/PlugInStep.h"
 #include "host/scripts/Script.h"
 
 #include <cstddef>
@@ -62,6 +63,12 @@ public:
     [[nodiscard]] virtual std::shared_ptr<StageFile> fileNamed(std::u16string_view name) const = 0;
     /// An environment in a file, with new `$` variables.
     [[nodiscard]] virtual calc::Environment scopeIn(const std::shared_ptr<StageFile>& file) const = 0;
+    /// A script step that a plug-in has registered, by name in any case; null when there is none.
+    [[nodiscard]] virtual std::shared_ptr<const RegisteredStep>
+    registeredStep(std::u16string_view name) const = 0;
+    /// Runs a step of a plug-in and sets the environment's last error.
+    virtual StepOutcome runStep(const RegisteredStep& step, const std::vector<StepArgument>& arguments,
+                                const calc::Environment& environment) = 0;
     /// Sends an idle message of the level to the plug-ins that asked for idle messages.
     virtual void idle(unsigned char level) = 0;
     /// One turn of the host's loop.

@@ -1,6 +1,7 @@
 #include "host/scripts/StepRun.h"
 
 #include "host/calc/Environment.h"
+#include "host/data/Position.h"
 #include "host/scripts/Steps.h"
 
 #include <algorithm>
@@ -30,6 +31,12 @@ DataRef StepRun::value(std::u16string_view name) {
     return result.value;
 }
 
+DataRef StepRun::evaluate(std::u16string_view text, std::size_t line) {
+    const calc::Result result = machine_.evaluateOnce(text);
+    if (result.error != calc::error::none) throw CalculationFailure{line, std::u16string(text), result};
+    return result.value;
+}
+
 bool StepRun::isTrue(std::u16string_view name) {
     try {
         return value(name)->asBoolean();
@@ -50,6 +57,13 @@ void StepRun::setVariable(const Target& target, std::size_t line, DataRef value)
     (isOfFile ? file().fileVariables() : *frame().scope.locals).set(target.name, place, std::move(value));
 }
 
+void StepRun::set(const Target& target, std::size_t line, DataRef value) {
+    if (target.kind == Target::Kind::field)
+        check(position().setField(field(target), repetition(target, line), value));
+    else
+        setVariable(target, line, std::move(value));
+}
+
 bool StepRun::leaveLoop() {
     if (step_.opener == kNoStep) return false;
     jumpTo(frame().script->steps[step_.opener].end + 1);
@@ -64,21 +78,19 @@ calc::FieldPlace StepRun::field(const Target& target) {
     return found.place;
 }
 
-Target targetOf(const Option& option) {
-    std::optional<Target> target = targetIn(option.text);
+Target targetOf(std::u16string_view text) {
+    std::optional<Target> target = targetIn(text);
     if (!target) throw calc::Error{calc::error::missingField};
     return std::move(*target);
 }
 
-void check(int code) {
-    if (code != calc::error::none) throw calc::Error{code};
+void check(int code, const std::string& message) {
+    if (code != calc::error::none) throw calc::Error{code, message};
 }
 
 int StepRun::repetition(const Target& target, std::size_t line) {
     if (target.repetition.empty()) return 1;
-    const calc::Result result = machine_.evaluateOnce(target.repetition);
-    if (result.error != calc::error::none) throw CalculationFailure{line, target.repetition, result};
-    const std::int64_t repetition = result.value->asNumber().toInt64();
+    const std::int64_t repetition = evaluate(target.repetition, line)->asNumber().toInt64();
     if (repetition < 1 || repetition > calc::Variables::maximumRepetition)
         throw calc::Error{calc::error::missingRepetition};
     return static_cast<int>(repetition);

@@ -50,8 +50,12 @@ public:
 
     /// The repetition of a target, 1 where it names none; `line` is that of the target.
     int repetition(const Target& target, std::size_t line);
+    /// The value of a text in the script's place. Throws CalculationFailure, with the line.
+    DataRef evaluate(std::u16string_view text, std::size_t line);
     /// Sets a variable of the script, or of its file.
     void setVariable(const Target& target, std::size_t line, DataRef value);
+    /// Sets a field or a variable. Throws calc::Error.
+    void set(const Target& target, std::size_t line, DataRef value);
     void jumpTo(std::size_t place) { frame().at = place; }
     /// Goes on after the loop around the step; false where it stands in none.
     bool leaveLoop();
@@ -61,10 +65,10 @@ private:
     const Step& step_;
 };
 
-/// The target that an option of a step names.
-Target targetOf(const Option& option);
+/// The target that a text names. Throws calc::Error, 102, where it names none.
+Target targetOf(std::u16string_view text);
 
 /// Throws calc::Error for a code other than 0.
-void check(int code);
+void check(int code, const std::string& message = {});
 
 } // namespace host::scripts

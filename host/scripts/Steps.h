@@ -55,10 +55,11 @@ struct StepRow {
     bool keepsError = false;    ///< it leaves the last error as it is, unless it fails
     bool repeats = false;       ///< its options without labels may come several times
     bool takesAnything = false; ///< its options are not looked at
+    bool isOfPlugIn = false;    ///< the plug-in defines the labels, so that its options keep them
 };
 
-/// The step of a name, in any case; of a name with slashes the part before the first one is enough. Null for
-/// an unknown one. The reader finds every step here, so steps that plug-ins register belong here too.
+/// The app's step of a name, in any case; of a name with slashes the part before the first one is enough.
+/// Null for an unknown one, which may be a plug-in's.
 const StepRow* stepNamed(std::u16string_view name);
 
 /// The tables, each of a kind of steps.

@@ -83,6 +83,32 @@ check("after a step", (run("eval", *both, "--step", "Join Values", '"fail"', "--
                            "Get ( LastExternalErrorDetail )")[1], "1553\nfail|1|7|\n"))
 check("no such step", (run("eval", *both, "--step", "Other")[0], 2))
 
+# Steps of plug-ins in a script: labels, targets, words, errors, and a step that no plug-in has.
+solution = scratch / "steps"
+(solution / "scripts").mkdir(parents=True)
+(solution / "solution.toml").write_text('name = "Steps"\n[[table]]\nname = "Notes"\nfields = [{ name = "Text" }]\n'
+                                        'records = "Notes.tsv"\n')
+(solution / "Notes.tsv").write_text("Text\nold\n")
+(solution / "scripts" / "Join.txt").write_text("""Set Error Capture [ On ]
+Set Variable [ $a ; Value: "a" ]
+Join Values [ $a & "b" ; Result: $joined ; Sign: "plus" ; Loud: Off ; Number: Length ( "a;b]" ) ]
+join values [ "x" ; Result: Notes::Text ]
+Join Values [ "fail" ; Result: $kept ]
+Set Variable [ $error ; Value: Get ( LastError ) & Get ( LastExternalErrorDetail ) & Length ( $kept ) ]
+Join Values [ 1 + ]
+Join Values [ Unknown: 1 ]
+Join Values
+Exit Script [ Text Result: List ( $joined ; Notes::Text ; $error ; Get ( LastError ) ) ]
+""")
+answer = run("eval", *both, "--solution", solution, "--trace", 'Kestrel_DoFileMakerScript ( "Join" )',
+             "--then", "Get ( ScriptResult )")
+check("steps in a script", (answer[:2], (0, "0\nab|0|4|plus\nx|1|7|\n1553fail|1|7|0\n0\n")),
+      ([line.split(": ")[1] for line in answer[2].splitlines() if ": error" in line],
+       [f'script "Join" of "Steps", line {line}, Join Values' for line in (5, 7, 8)]))
+(solution / "scripts" / "Next.txt").write_text("\nJoin All Values [ 1 ]\n")
+check("unknown step", (run("eval", *both, "--solution", solution, "1"),
+                       (2, "", f'kestrel: {solution}/scripts/Next.txt, line 2: there is no step "Join All Values"\n')))
+
 # What cannot be used is named with its reason.
 needs = run("eval", "--plugin", foreign / "NeedsTheFuture.so", "1")
 check("missing", (needs[0], 2), ("FM_Text_Foresee (in no version up to 71)" in needs[2], True),
