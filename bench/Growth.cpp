@@ -177,7 +177,7 @@ void benchLinesOfVariables(const Loaded& plugIn) {
             keep(result);
         };
     }
-    growthRow("Kestrel_GetAsHTML, 2500 lines of a variable (4 x)", start, actions, nullptr);
+    growthRow("Kestrel_GetAsHTML, 2500 lines of a variable", start, actions, nullptr);
 }
 
 } // namespace

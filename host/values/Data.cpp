@@ -163,7 +163,7 @@ bool Data::isEmpty() const {
     switch (held_) {
     case DataType::text: return std::get<Text>(value_).empty();
     case DataType::binary: {
-        const auto& binary = std::get<Binary>(value_);
+        const Binary& binary = asBinary();
         return binary.streams().empty() && binary.fileName().empty();
     }
     default: return false;
@@ -172,7 +172,7 @@ bool Data::isEmpty() const {
 
 const Text& Data::asText() const {
     if (held_ == DataType::text) return std::get<Text>(value_);
-    if (held_ == DataType::binary) return textOf(std::get<Binary>(value_));
+    if (held_ == DataType::binary) return textOf(asBinary());
     auto& reading = readings().text;
     if (!reading) {
         if (held_ == DataType::number) reading = Text(textOf(std::get<Decimal>(value_)));
@@ -241,7 +241,7 @@ const DateTime& Data::asTimestamp() const { return dateTimeReading(DataType::tim
 
 const Binary& Data::asBinary() const {
     static const Binary none;
-    return held_ == DataType::binary ? std::get<Binary>(value_) : none;
+    return held_ == DataType::binary ? *std::get<std::shared_ptr<const Binary>>(value_) : none;
 }
 
 bool Data::asBoolean() const {
@@ -274,7 +274,8 @@ void Data::setDateTime(DateTime value, DataType type, DataType nativeType) {
 }
 
 void Data::setBinary(Binary value, bool forceBinaryType) {
-    hold(std::move(value), DataType::binary, forceBinaryType ? DataType::binary : type_);
+    hold(std::make_shared<const Binary>(std::move(value)), DataType::binary,
+         forceBinaryType ? DataType::binary : type_);
 }
 
 void Data::showAs(Text text) { readings().text = std::move(text); }
@@ -306,6 +307,7 @@ bool Data::convert(DataType type) {
 bool Data::isIdenticalTo(const Data& other) const {
     if (type_ != other.type_ || held_ != other.held_ || !(locale_ == other.locale_)) return false;
     if (held_ == DataType::text) return std::get<Text>(value_).isIdenticalTo(std::get<Text>(other.value_));
+    if (held_ == DataType::binary) return asBinary() == other.asBinary();
     return value_ == other.value_;
 }
 

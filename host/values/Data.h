@@ -35,7 +35,8 @@ public:
         : value_(std::move(number)), type_(DataType::number), held_(DataType::number) {}
     Data(DateTime value, DataType type) { setDateTime(value, type, type); }
     explicit Data(Binary value)
-        : value_(std::move(value)), type_(DataType::binary), held_(DataType::binary) {}
+        : value_(std::make_shared<const Binary>(std::move(value))), type_(DataType::binary),
+          held_(DataType::binary) {}
     static Data boolean(bool value) { return Data(Decimal(value ? 1 : 0)); } ///< calculations answer 1 and 0
     static Data invalid();
 
@@ -84,7 +85,8 @@ public:
 
 private:
     struct Readings;
-    using Value = std::variant<Text, Decimal, DateTime, Binary>;
+    /// Containers are rare, and larger than the others by far.
+    using Value = std::variant<Text, Decimal, DateTime, std::shared_ptr<const Binary>>;
 
     void hold(Value value, DataType held, DataType nativeType);
     Readings& readings() const;

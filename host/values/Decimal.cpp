@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace host {
@@ -164,8 +165,16 @@ std::optional<Decimal> Decimal::parse(std::u16string_view text) {
     if (digits.empty() || !exponent || !text.empty()) return std::nullopt;
     // A leading 0 would mean octal.
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 1));
+    const int scale = places - *exponent;
+    std::int64_t small = 0;
+    const auto end = digits.data() + digits.size();
+    if (scale >= 0 && scale <= maximumPrecision &&
+        std::from_chars(digits.data(), end, small).ec == std::errc()) {
+        if (small == 0) return Decimal();
+        return ofSmall(isNegative ? -small : small, scale, std::max(scale, minimumPrecision));
+    }
     Integer mantissa(digits);
-    return scaled({isNegative ? Integer(-mantissa) : std::move(mantissa)}, places - *exponent);
+    return scaled({isNegative ? Integer(-mantissa) : std::move(mantissa)}, scale);
 }
 
 /// A mantissa divided by a power of ten of any size.
