@@ -43,7 +43,7 @@ class Evaluation; // one run of it
 /// How the parameters of a function are written.
 enum class Form : std::uint8_t {
     values,     ///< calculations
-    field,      ///< calculations; the first one is a field or a variable by itself
+    field,      ///< calculations; the first one is a field or a variable by itself, or names a field
     word,       ///< one bare word, the name that Get asks for
     triggers,   ///< a list in brackets is read and dropped
     assignment, ///< Let ( [ name = value ; … ] ; calculation )

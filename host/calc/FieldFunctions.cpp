@@ -90,11 +90,11 @@ void addDesignFunctions(FunctionTable& table, std::index_sequence<places...>) {
 }
 
 constexpr std::array lazyRows{
-    LazyRow{u"GetFieldName", getFieldName},
-    LazyRow{u"GetNthRecord", getNthRecord},
-    LazyRow{u"Lookup", lookup},
-    LazyRow{u"LookupNext", lookupNext},
-    LazyRow{u"GetSummary", getSummary},
+    LazyRow{u"GetFieldName", getFieldName, Form::field},
+    LazyRow{u"GetNthRecord", getNthRecord, Form::field},
+    LazyRow{u"Lookup", lookup, Form::field},
+    LazyRow{u"LookupNext", lookupNext, Form::field},
+    LazyRow{u"GetSummary", getSummary, Form::field},
     LazyRow{u"Self", self},
 };
 constexpr std::array evaluationRows{

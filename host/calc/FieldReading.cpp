@@ -54,14 +54,6 @@ Evaluation::FieldReference Evaluation::fieldNamed(std::u16string_view text) {
             .isOneRepetition = name.repetition.has_value()};
 }
 
-namespace {
-
-bool isCallOf(const Node& node, std::u16string_view function) {
-    return node.kind == Node::Kind::call && node.function->name == function;
-}
-
-} // namespace
-
 std::optional<Evaluation::FieldReference> Evaluation::fieldIn(const Node& node) {
     if (node.kind == Node::Kind::field) return referenceTo(node);
     if (!isCallOf(node, u"GetField")) return std::nullopt;

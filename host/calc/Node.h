@@ -62,6 +62,11 @@ struct Node {
     std::shared_ptr<const Function> function;
 };
 
+/// Whether a node is a call of the function of that name.
+inline bool isCallOf(const Node& node, std::u16string_view function) {
+    return node.kind == Node::Kind::call && node.function->name == function;
+}
+
 /// Owns the nodes of a calculation side by side, so that they go without recursion.
 class Expression {
 public:
