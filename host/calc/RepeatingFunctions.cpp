@@ -12,45 +12,37 @@ namespace {
 
 using Nodes = std::span<const Node* const>;
 
-/// The name of the variable that an argument stands for, and where its value is kept. An expression in its
-/// place is an error.
-struct Named {
-    Named(Evaluation& evaluation, const Node& node)
-        : variables(node.ofFile ? evaluation.file().fileVariables() : *evaluation.environment().locals),
-          name(node.name) {
-        if (node.kind != Node::Kind::variable) throw Error{error::fieldExpected};
-    }
-    const Variables& variables;
-    std::u16string_view name;
-};
+/// The variables of which an argument names one; null for an argument that stands for a field.
+const Variables* variablesOf(const Evaluation& evaluation, const Node& node) {
+    if (node.kind != Node::Kind::variable) return nullptr;
+    return node.ofFile ? &evaluation.file().fileVariables() : evaluation.environment().locals.get();
+}
 
 /// Extend ( field ), Extend ( variable ): its value, which stands for every repetition of a calculation that
 /// has several.
 DataRef extend(Evaluation& evaluation, Nodes arguments) {
-    if (const auto field = evaluation.fieldIn(*arguments[0]))
-        return evaluation.valueOf({.place = field->place});
-    const Named named(evaluation, *arguments[0]);
-    return named.variables.value(named.name);
+    const Node& node = *arguments[0];
+    if (const Variables* variables = variablesOf(evaluation, node)) return variables->value(node.name);
+    return evaluation.valueOf({.place = evaluation.requiredField(node).place});
 }
 
 DataRef getRepetition(Evaluation& evaluation, Nodes arguments) {
+    const Node& node = *arguments[0];
     const int repetition = evaluation.evaluate(*arguments[1])->asNumber().toInt32();
-    if (const auto field = evaluation.fieldIn(*arguments[0]))
-        return evaluation.valueOf({.place = field->place, .repetition = repetition, .isOneRepetition = true});
-    const Named named(evaluation, *arguments[0]);
-    return named.variables.value(named.name, repetition);
+    if (const Variables* variables = variablesOf(evaluation, node))
+        return variables->value(node.name, repetition);
+    return evaluation.valueOf(
+        {.place = evaluation.requiredField(node).place, .repetition = repetition, .isOneRepetition = true});
 }
 
 /// The last repetition, or related value, that is not empty.
 DataRef last(Evaluation& evaluation, Nodes arguments) {
-    if (const auto field = evaluation.fieldIn(*arguments[0])) {
-        const DataVect values = evaluation.valuesOf(*field);
-        const auto found = std::find_if(values.rbegin(), values.rend(),
-                                        [](const DataRef& value) { return !value->isEmpty(); });
-        return found == values.rend() ? emptyResult() : *found;
-    }
-    const Named named(evaluation, *arguments[0]);
-    return named.variables.lastValue(named.name);
+    const Node& node = *arguments[0];
+    if (const Variables* variables = variablesOf(evaluation, node)) return variables->lastValue(node.name);
+    const DataVect values = evaluation.valuesOf(evaluation.requiredField(node));
+    const auto found =
+        std::find_if(values.rbegin(), values.rend(), [](const DataRef& value) { return !value->isEmpty(); });
+    return found == values.rend() ? emptyResult() : *found;
 }
 
 /// Payments at the ends of periods, at one rate of interest, as they are worth before the first period.
@@ -73,9 +65,11 @@ DataRef presentValue(const DataVect& payments, const Data& rate) {
 
 /// NPV ( payments ; interestRate ): the repetitions are the payments.
 DataRef netPresentValue(Evaluation& evaluation, Nodes arguments) {
-    const Named named(evaluation, *arguments[0]);
+    const Node& node = *arguments[0];
     const DataRef rate = evaluation.evaluate(*arguments[1]);
-    return presentValue(named.variables.values(named.name), *rate);
+    if (const Variables* variables = variablesOf(evaluation, node))
+        return presentValue(variables->values(node.name), *rate);
+    return presentValue(evaluation.valuesOf(evaluation.requiredField(node)), *rate);
 }
 
 constexpr std::array rows{
