@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <set>
 
 namespace host {
@@ -250,15 +251,15 @@ constexpr std::array answers{
 
 } // namespace
 
-std::u16string designAnswer(std::u16string_view function, Arguments arguments, File& file,
-                            const Session& session) {
+std::optional<std::u16string> designAnswer(std::u16string_view function, Arguments arguments, File& file,
+                                           const Session& session) {
     const auto* row = std::find_if(answers.begin(), answers.end(),
                                    [function](const Answer& answer) { return answer.function == function; });
-    if (row == answers.end()) return {};
+    if (row == answers.end()) return u"";
     const std::u16string_view name =
         arguments.empty() ? std::u16string_view() : arguments[0]->asText().units();
     const std::shared_ptr<File> other = name.empty() ? nullptr : session.find(name);
-    if (!name.empty() && !other) return {};
+    if (!name.empty() && !other) return std::nullopt;
     return row->value({other ? *other : file, session, arguments});
 }
 

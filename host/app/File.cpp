@@ -136,8 +136,8 @@ DataRef File::get(std::u16string_view name, const calc::Environment& environment
 
 std::int64_t File::localMicros() { return clock().localSinceYearOne().count(); }
 
-std::u16string File::design(std::u16string_view function, std::span<const DataRef> arguments) {
-    return open_ ? designAnswer(function, arguments, *this, *session_) : std::u16string();
+std::optional<std::u16string> File::design(std::u16string_view function, std::span<const DataRef> arguments) {
+    return open_ ? designAnswer(function, arguments, *this, *session_) : u"";
 }
 
 calc::SqlAnswer File::executeSql(std::u16string_view statement, std::u16string_view fileName,

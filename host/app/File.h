@@ -42,7 +42,8 @@ public:
     [[nodiscard]] bool knowsGet(std::u16string_view name) const override;
     DataRef get(std::u16string_view name, const calc::Environment& environment) override;
     std::int64_t localMicros() override;
-    std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) override;
+    std::optional<std::u16string> design(std::u16string_view function,
+                                         std::span<const DataRef> arguments) override;
     calc::SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                const DataVect& parameters) override;
     calc::SqlAnswer selectSql(std::u16string_view statement, const DataVect& parameters) override;

@@ -72,8 +72,10 @@ public:
     virtual DataRef get(std::u16string_view name, const Environment& environment) = 0;
     /// Microseconds since 0001-01-01 00:00:00, local time.
     virtual std::int64_t localMicros() = 0;
-    /// The answer of a design function such as FieldNames; empty where the file has no such part.
-    virtual std::u16string design(std::u16string_view function, std::span<const DataRef> arguments) = 0;
+    /// The answer of a design function such as FieldNames; empty where the file has no such part, nothing
+    /// where the first argument names a file that is not open.
+    virtual std::optional<std::u16string> design(std::u16string_view function,
+                                                 std::span<const DataRef> arguments) = 0;
     /// Runs any statement on a file ("" is this one); the values of the answer are typed.
     virtual SqlAnswer executeSql(std::u16string_view statement, std::u16string_view fileName,
                                  const DataVect& parameters) = 0;

@@ -81,7 +81,9 @@ constexpr std::array designFunctions{
 
 template<std::size_t place>
 DataRef design(Evaluation& evaluation, std::span<const DataRef> arguments) {
-    return textResult(evaluation.file().design(designFunctions[place], arguments));
+    const auto answer = evaluation.file().design(designFunctions[place], arguments);
+    if (!answer) evaluation.setInnerError(error::missingFile);
+    return textResult(answer.value_or(u""));
 }
 
 template<std::size_t... places>
