@@ -209,6 +209,17 @@ std::u16string Lexer::quotedName() {
     return std::u16string(source_.substr(first, close - first));
 }
 
+/// Takes the colons between a table and a field, and the blanks around them.
+bool Lexer::takeColons() {
+    const auto afterBlanks = [this](std::size_t from) {
+        return std::min(source_.find_first_not_of(u" \t\r\n", from), source_.size());
+    };
+    const std::size_t colons = afterBlanks(at_);
+    if (!source_.substr(colons).starts_with(u"::")) return false;
+    at_ = afterBlanks(colons + 2);
+    return true;
+}
+
 Token Lexer::variable() {
     Token token = made(Token::Kind::variable);
     ++at_;
@@ -230,8 +241,7 @@ Token Lexer::name() {
     Token token = made(Token::Kind::name);
     token.isQuoted = sees(u"${");
     token.text = token.isQuoted ? quotedName() : plainName();
-    if (!sees(u"::")) return token;
-    at_ += 2;
+    if (!takeColons()) return token;
     token.isQualified = true;
     token.table = std::move(token.text);
     token.isQuoted = sees(u"${");

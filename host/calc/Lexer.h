@@ -61,6 +61,7 @@ private:
     Token variable();
     Token name();
     Token symbol();
+    bool takeColons();
     std::u16string plainName();
     std::u16string quotedName();
 
