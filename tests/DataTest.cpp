@@ -39,7 +39,7 @@ TEST(DataConversions, followOneTable) {
         {Data(Text(u"abc")), "abc", none, none, none, none, false},
         {Data(referenceToFile()), "a7.txt", none, none, none, none, true},
         {Data(Text(u"x0.5")), "x0.5", ".5", none, none, none, true},
-        {Data(Text(u"11/21/2026")), "11/21/2026", "11212026", "11/21/2026", "0:00:00", "11/21/2026 12:00 AM",
+        {Data(Text(u"11/21/2026")), "11/21/2026", "11212026", "11/21/2026", none, "11/21/2026 12:00 AM",
          true},
         {Data(Text(u"11/21/2026 4:06:40 PM")), "11/21/2026 4:06:40 PM", "1121202640640", "11/21/2026",
          "16:06:40", "11/21/2026 4:06:40 PM", true},

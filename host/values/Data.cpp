@@ -110,6 +110,7 @@ std::optional<DateTime> dateTimeIn(std::u16string_view text, DataType wanted) {
     }
     case DataType::time: {
         if (const auto time = DateTime::parseTime(text)) return time;
+        if (DateTime::parseDate(text)) return std::nullopt; // as a timestamp it would be midnight
         const auto moment = DateTime::parseTimestamp(text);
         return moment ? std::optional(DateTime{.days = 0, .micros = moment->micros}) : std::nullopt;
     }
