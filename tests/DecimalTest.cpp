@@ -78,23 +78,17 @@ TEST(DecimalPower, ofWholeExponentsIsRoundedOnce) {
 TEST(DecimalPower, hasResultsBeyondTheRangeOfADouble) {
     const struct {
         const char *base, *exponent, *power; ///< null where there is no result
-    } cases[] = {{"2", "-2000", "0"},   {".1", "-20", "100000000000000000000"},
-                 {"2", "-2", ".25"},    {".01", "-3", "1000000"},
-                 {"0", "-1", nullptr},  {"-1", "1000000000000000000000000000001", "-1"},
-                 {"-1", "1e30", "1"},   {"-1", "-9223372036854775808", "1"},
-                 {".5", "1e300", "0"},  {"1.0000000000000001", "1e16", "2.7182818284590451"},
-                 {"4", ".5", "2"},      {"2", ".5", "1.414213562373095"},
-                 {".5", "2000.5", "0"}, {"8", "-.3333333333333333", ".5"},
-                 {"0", ".5", "0"},      {"-8", ".5", nullptr},
-                 {"0", "-.5", nullptr}};
+    } cases[] = {{"2", "-2000", "0"},  {".1", "-20", "100000000000000000000"},
+                 {"2", "-2", ".25"},   {".01", "-3", "1000000"},
+                 {"0", "-1", nullptr}, {"-1", "1000000000000000000000000000001", "-1"},
+                 {"-1", "1e30", "1"},  {"-1", "-9223372036854775808", "1"},
+                 {".5", "1e300", "0"}, {"1.0000000000000001", "1e16", "2.7182818284590451"},
+                 {"0", "0", "1"},      {"2", "3.9", "8"}};
     for (const auto& [base, exponent, expected] : cases) {
         const auto power = read(host::fromUtf8(base)).power(read(host::fromUtf8(exponent)));
         const std::string result = power ? host::toUtf8(power->text()) : "none";
         EXPECT_EQ(result, expected == nullptr ? "none" : expected) << base << " ^ " << exponent;
     }
-    EXPECT_EQ(read(u"1e40").power(read(u"1.5"))->text(), u"1" + std::u16string(60, u'0'));
-    EXPECT_EQ(read(u"1e360").power(read(u".1"))->text(), u"1" + std::u16string(36, u'0'));
-    EXPECT_EQ(Decimal(4, 400).power(read(u".5"))->text(), u"2");
     EXPECT_EQ(Decimal(3).power(Decimal(-1, 400))->text().size(), 401U);
     EXPECT_EQ(Decimal(1).dividedBy(Decimal(3, 400))->text().size(), 401U);
 }
@@ -113,7 +107,6 @@ TEST(DecimalBounds, areKeptByEveryOperation) {
         {"ceiling", [&] { return nearly.ceiling(); }},
         {"setPrecision", [copy = nearly]() mutable { return copy.setPrecision(16), copy; }},
         {"power", [&] { return Decimal(2).power(read(u"1e300")).value(); }},
-        {"root power", [&] { return most.power(read(u"1.5")).value(); }},
         {"reciprocal power", [&] { return least.power(Decimal(-1)).value(); }},
         {"slow power", [&] { return read(u"1.0000001").power(read(u"1e18")).value(); }},
     };

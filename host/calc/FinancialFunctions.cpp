@@ -1,5 +1,6 @@
 #include "host/calc/Arguments.h"
 #include "host/calc/BuiltIns.h"
+#include "host/calc/RealFunctions.h"
 
 #include <algorithm>
 #include <array>
@@ -41,7 +42,7 @@ DataRef result(std::optional<Decimal> number, int precision) {
 std::optional<Decimal> valueOfOnes(const Terms& terms, bool isAtStart) {
     if (terms.rate.isZero()) return terms.periods;
     const Decimal one(1);
-    const auto growth = one.plus(terms.rate).power(isAtStart ? terms.periods.negated() : terms.periods);
+    const auto growth = powerOf(one.plus(terms.rate), isAtStart ? terms.periods.negated() : terms.periods);
     if (!growth) return std::nullopt;
     const Decimal gain = isAtStart ? one.minus(*growth) : growth->minus(one);
     return gain.dividedBy(terms.rate);

@@ -1,6 +1,7 @@
 #include "host/calc/Operators.h"
 
 #include "host/calc/BuiltIns.h"
+#include "host/calc/RealFunctions.h"
 #include "host/values/Formats.h"
 
 #include <array>
@@ -106,7 +107,7 @@ DataRef arithmetic(Operator op, const Data& left, const Data& right, int precisi
     case Operator::subtract: return numberResult(a.minus(b));
     case Operator::multiply: return numberResult(a.times(b));
     case Operator::divide: return optionalResult(a.dividedBy(b));
-    default: return optionalResult(a.power(b));
+    default: return optionalResult(powerOf(a, b));
     }
 }
 

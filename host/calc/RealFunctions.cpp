@@ -1,7 +1,10 @@
+#include "host/calc/RealFunctions.h"
+
 #include "host/calc/Arguments.h"
 #include "host/calc/BuiltIns.h"
 #include "host/values/Encoding.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/math/constants/constants.hpp>
 #include <boost/multiprecision/cpp_bin_float.hpp>
@@ -21,8 +24,8 @@ using Usual = Float<100>;
 /// The digits of the longest numbers, 400 on both sides of the point, and some to spare.
 using Wide = Float<850>;
 
-/// The work of one function, in steps.
-constexpr std::size_t usualSteps = 100, wideSteps = 20'000;
+/// The work of one function, in steps. A loop may call a usual one in each of its 50,000 turns.
+constexpr std::size_t usualSteps = 50, wideSteps = 20'000;
 
 template<typename Real>
 Real realOf(const Decimal& number) {
@@ -41,21 +44,24 @@ std::optional<Decimal> decimalOf(const Real& real, int precision) {
 
 /// Evaluates `function` with so many digits that `precision` places of its result are right.
 template<typename Function>
-DataRef evaluated(const Decimal& argument, int precision, bool isWide, const Function& function) {
+std::optional<Decimal> evaluated(const Decimal& argument, int precision, bool isWide,
+                                 const Function& function) {
     Work::charge(isWide ? wideSteps : usualSteps);
-    if (!isWide) return optionalResult(decimalOf(function(realOf<Usual>(argument)), precision));
-    return optionalResult(decimalOf(function(realOf<Wide>(argument)), precision));
+    if (!isWide) return decimalOf(function(realOf<Usual>(argument)), precision);
+    return decimalOf(function(realOf<Wide>(argument)), precision);
 }
 
 constexpr int usualPlaces = 60;
+/// Exponents of e: 10^400 is below its power, and a power that the usual digits suffice for.
+constexpr int largestExponent = 922, largestUsualExponent = 60;
 
 DataRef exponential(Arguments arguments) {
     const Decimal& exponent = arguments[0]->asNumber();
-    constexpr std::int64_t largest = 922, smallest = -922, largestUsual = 60; // e ^ 922 passes 10^400
-    if (exponent > Decimal(largest)) return questionMark();
-    if (exponent < Decimal(smallest)) return numberResult(0);
-    const bool isWide = exponent.precision() > usualPlaces || exponent > Decimal(largestUsual);
-    return evaluated(exponent, exponent.precision(), isWide, [](const auto& x) { return exp(x); });
+    if (exponent > Decimal(largestExponent)) return questionMark();
+    if (exponent < Decimal(-largestExponent)) return numberResult(0);
+    const bool isWide = exponent.precision() > usualPlaces || exponent > Decimal(largestUsualExponent);
+    return optionalResult(
+        evaluated(exponent, exponent.precision(), isWide, [](const auto& x) { return exp(x); }));
 }
 
 /// A logarithm keeps the precision of its argument; 0 and numbers below have none.
@@ -63,7 +69,7 @@ template<auto function>
 DataRef logarithm(Arguments arguments) {
     const Decimal& number = arguments[0]->asNumber();
     if (number.sign() <= 0) return questionMark();
-    return evaluated(number, number.precision(), number.precision() > usualPlaces, function);
+    return optionalResult(evaluated(number, number.precision(), number.precision() > usualPlaces, function));
 }
 constexpr auto naturalLogarithm = [](const auto& x) { return log(x); };
 constexpr auto decimalLogarithm = [](const auto& x) { return log10(x); };
@@ -77,7 +83,7 @@ DataRef trigonometric(Arguments arguments) {
     static const Decimal largestUsual = Decimal(10).power(Decimal(40)).value_or(Decimal());
     const Decimal& angle = arguments[0]->asNumber();
     const bool isWide = angle > largestUsual || angle < largestUsual.negated();
-    return evaluated(angle, Decimal::minimumPrecision, isWide, function);
+    return optionalResult(evaluated(angle, Decimal::minimumPrecision, isWide, function));
 }
 
 /// The inverse of a function that reaches from -1 to 1.
@@ -133,7 +139,30 @@ constexpr std::array rows{
     EagerRow{u"Radians", ofValid<degreesToRadians>},
 };
 
+/// A power of a number above 0, by its logarithm.
+std::optional<Decimal> realPower(const Decimal& base, const Decimal& exponent) {
+    const auto scaledLogarithm = [&]<typename Real>(const Real& factor) {
+        return Real(factor * log(realOf<Real>(base)));
+    };
+    const Usual logarithm = scaledLogarithm(realOf<Usual>(exponent));
+    const int precision = std::max(base.precision(), exponent.precision());
+    if (logarithm > largestExponent) return std::nullopt;
+    if (logarithm < -largestExponent) return Decimal(0, precision);
+    // An exponent so large belongs to a base so near to 1 that its logarithm has lost digits.
+    static const Decimal largestUsual = Decimal(10).power(20).value_or(Decimal());
+    const bool isWide = precision > usualPlaces || logarithm > largestUsualExponent ||
+                        exponent > largestUsual || exponent < largestUsual.negated();
+    return evaluated(exponent, precision, isWide,
+                     [&](const auto& factor) { return exp(scaledLogarithm(factor)); });
+}
+
 } // namespace
+
+std::optional<Decimal> powerOf(const Decimal& base, const Decimal& exponent) {
+    if (exponent.truncated(0) == exponent) return base.power(exponent);
+    if (base.sign() > 0) return realPower(base, exponent);
+    return base.isZero() && exponent.sign() > 0 ? std::optional(Decimal()) : std::nullopt;
+}
 
 void addRealFunctions(FunctionTable& table) { addRows(table, rows); }
 

@@ -1,6 +1,5 @@
 #include "host/values/Decimal.h"
 
-#include <boost/multiprecision/cpp_dec_float.hpp>
 #include <boost/multiprecision/cpp_int.hpp>
 
 #include <algorithm>
@@ -21,9 +20,6 @@ namespace {
 /// Without expression templates: their temporaries are beyond what static analysis can follow.
 using Integer =
     boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>, boost::multiprecision::et_off>;
-/// Its exponents reach far past a double's, as a Decimal's magnitudes do.
-using Float =
-    boost::multiprecision::number<boost::multiprecision::cpp_dec_float<100>, boost::multiprecision::et_off>;
 
 Integer powerOfTen(int exponent) {
     return boost::multiprecision::pow(Integer(10), static_cast<unsigned>(exponent));
@@ -230,44 +226,23 @@ std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
 
 Decimal Decimal::negated() const { return of({-mantissa().value}, scale_, precision_); }
 
-std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
-    const int precision = std::max(precision_, exponent.precision_);
-    if (exponent.isZero()) return Decimal(1, precision);
-    if (isZero()) return exponent.sign() > 0 ? std::optional(Decimal(0, precision)) : std::nullopt;
-    if (exponent.truncated(0) == exponent) return wholePower(exponent).withPrecision(precision);
-    if (sign() < 0) return std::nullopt;
-    return fractionalPower(exponent).withPrecision(precision);
-}
-
 /// Every step keeps all places that there are: rounding to fewer would grow with the exponent, and a small
 /// base would vanish before its reciprocal is taken.
-Decimal Decimal::wholePower(const Decimal& exponent) const {
+std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
+    const int precision = std::max(precision_, exponent.precision_);
     Decimal square = withPrecision(maximumPrecision), result(1, maximumPrecision);
-    if (exponent.sign() < 0) square = result.dividedBy(square).value_or(Decimal());
+    if (exponent.sign() < 0) {
+        const auto reciprocal = result.dividedBy(square);
+        if (!reciprocal) return std::nullopt;
+        square = *reciprocal;
+    }
     // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and 1
     // and -1 never grow.
     for (Integer left = abs(exponent.truncated(0).mantissa().value); left > 0; left /= 2) {
         if (bit_test(left, 0)) result = result.times(square);
         if (left > 1) square = square.times(square);
     }
-    return result;
-}
-
-Decimal Decimal::fractionalPower(const Decimal& exponent) const {
-    const auto wide = [](const Decimal& number) {
-        return Float(number.digits() + "e-" + std::to_string(number.scale_));
-    };
-    const Float logarithm = wide(exponent) * log(wide(*this));
-    const Float limit = maximumIntegerDigits * log(Float(10));
-    if (logarithm >= limit) throw std::overflow_error("a power would reach 10^400");
-    if (logarithm < -limit - 1) return {};
-    // The last ten digits are rounding errors: logarithm and exponential lose as many as 921, the largest
-    // logarithm, has, and some.
-    constexpr int goodDigits = 90;
-    const std::string digits = Float(exp(logarithm)).str(goodDigits - 1, std::ios_base::scientific);
-    const auto result = parse(std::u16string(digits.begin(), digits.end()));
-    if (!result) throw std::overflow_error("a power would reach 10^400");
-    return *result;
+    return result.withPrecision(precision);
 }
 
 std::optional<Decimal> Decimal::squareRoot() const {

@@ -36,9 +36,8 @@ public:
     /// Nothing when the divisor is zero.
     [[nodiscard]] std::optional<Decimal> dividedBy(const Decimal& other) const;
     [[nodiscard]] Decimal negated() const;
-    /// Nothing where no real result exists (0 to a negative power, a root of a negative number). Whole
-    /// exponents of any size are exact but for the rounding of places past the 400th; others give ninety
-    /// significant digits (fewer for a base closer to 1 than 10^-10).
+    /// A power with a whole exponent of any size, exact but for the rounding of places past the 400th.
+    /// Nothing for 0 to a negative power; an exponent's fraction is cut.
     [[nodiscard]] std::optional<Decimal> power(const Decimal& exponent) const;
     [[nodiscard]] std::optional<Decimal> squareRoot() const;
     /// Rounded half away from zero, or cut, to `places` after the point (negative: before it).
@@ -72,8 +71,6 @@ private:
     [[nodiscard]] std::string digits() const;
     [[nodiscard]] Decimal withPrecision(int precision) const;
     [[nodiscard]] Decimal toPlaces(int places, bool cut) const;
-    [[nodiscard]] Decimal wholePower(const Decimal& exponent) const;
-    [[nodiscard]] Decimal fractionalPower(const Decimal& exponent) const;
 
     /// The mantissa is the value times 10^scale_. One that 64 bits hold is never large.
     std::int64_t small_ = 0;
