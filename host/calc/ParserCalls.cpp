@@ -39,6 +39,8 @@ const Node* Parser::call(const std::shared_ptr<const Function>& function, const 
     }
     close(Token::Kind::rightParenthesis, opening);
     checkCount(function, given, name);
+    if (function->form == Form::field && calculates(*node.children[0]))
+        fail(error::fieldExpected, *node.children[0]);
     unbindTo(outer);
     return &node;
 }
@@ -63,8 +65,6 @@ void Parser::arguments(Node& call) {
             triggers(call);
         } else {
             call.children.push_back(expression());
-            const Node& first = *call.children[0];
-            if (form == Form::field && calculates(first)) fail(error::fieldExpected, first);
         }
     } while (take(Token::Kind::semicolon));
 }
