@@ -24,14 +24,17 @@ DataRef asNumber(Arguments arguments) {
     return std::make_shared<const Data>(std::move(empty));
 }
 
+/// An empty value stays empty.
 template<DataType type>
 DataRef asDateTime(Arguments arguments) {
+    if (arguments[0]->isEmpty()) return emptyResult();
     const auto value = arguments[0]->dateTime(type);
     return value ? std::make_shared<const Data>(*value, type) : questionMark();
 }
 
 /// A number of seconds is shown with its seconds, also where they are 0.
 DataRef asTimestamp(Arguments arguments) {
+    if (arguments[0]->isEmpty()) return emptyResult();
     const auto value = arguments[0]->dateTime(DataType::timestamp);
     if (!value) return questionMark();
     auto result = std::make_shared<Data>(*value, DataType::timestamp);
