@@ -14,8 +14,8 @@ namespace {
 /// Whether a node calculates its value, so that it is no field and no variable. GetField and Evaluate may
 /// stand for a field.
 bool calculates(const Node& node) {
-    constexpr std::array kinds{Node::Kind::literal, Node::Kind::binding,    Node::Kind::chain,
-                               Node::Kind::negate,  Node::Kind::logicalNot, Node::Kind::call};
+    constexpr std::array kinds{Node::Kind::literal, Node::Kind::chain, Node::Kind::call,
+                               Node::Kind::negate, Node::Kind::logicalNot};
     if (isCallOf(node, u"GetField") || isCallOf(node, u"Evaluate")) return false;
     return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
 }
