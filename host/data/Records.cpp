@@ -2,6 +2,7 @@
 
 #include "host/sql/Database.h"
 #include "host/sql/Store.h"
+#include "host/sql/Values.h"
 #include "host/values/Formats.h"
 
 #include <algorithm>
@@ -49,8 +50,19 @@ DataRef typed(const DataRef& value, DataType type) {
 /// Whether the store keeps all of a value.
 bool isPlain(const Data& value) {
     if (!value.isValid()) return false;
-    return value.nativeType() == DataType::text ? value.asText().isPlain()
-                                                : value.nativeType() != DataType::binary || value.isEmpty();
+    switch (value.nativeType()) {
+    case DataType::text: return value.asText().isPlain();
+    case DataType::number: return isStoredWhole(value.asNumber());
+    case DataType::binary: return value.isEmpty();
+    default: return true;
+    }
+}
+
+/// Whether the store still has what it keeps of a value.
+bool isKept(const Data& stored, const Data& value) {
+    if (value.nativeType() == DataType::number)
+        return stored.asNumber().toDouble() == value.asNumber().toDouble();
+    return value.nativeType() == DataType::text && stored.asText() == value.asText();
 }
 
 /// The number with the step added to its last run of digits, leading zeros kept.
@@ -383,8 +395,7 @@ void Records::changed(RecordPlace place, Change change) {
         const Cell known = cell->first;
         const DataRef kept = cell->second;
         cell = beside_.erase(cell);
-        if (stored(known)->asText() == kept->asText() && kept->nativeType() == DataType::text)
-            beside_.emplace(known, kept);
+        if (isKept(*stored(known), *kept)) beside_.emplace(known, kept);
     }
     if (change == Change::inserted) {
         membership_.resize(std::max(membership_.size(), place.table + 1));

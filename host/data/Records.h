@@ -155,7 +155,7 @@ private:
     std::uint64_t version_ = 0; ///< of the schema that the places below belong to
     std::vector<std::uint64_t> membership_;
     std::map<std::pair<std::u16string, int>, DataRef> globals_; ///< by table and field, folded
-    std::map<Cell, DataRef> beside_; ///< values that the store would keep without styles
+    std::map<Cell, DataRef> beside_; ///< values that the store would not keep whole
     std::map<std::pair<std::size_t, std::size_t>, KeyIndex> indexes_;
     std::map<std::pair<std::size_t, std::size_t>, calc::ExpressionRef> expressions_;
     std::map<RecordPlace, OpenRecord> open_;

@@ -227,6 +227,10 @@ DataRef fromText(std::string_view text, DataType declared) {
 
 } // namespace
 
+bool isStoredWhole(const Decimal& number) {
+    return !std::holds_alternative<std::string>(storedNumber(number));
+}
+
 std::optional<Decimal> storedDecimal(sqlite3_value* value) {
     if (sqlite3_value_type(value) == SQLITE_INTEGER) return Decimal(sqlite3_value_int64(value));
     if (sqlite3_value_type(value) == SQLITE_FLOAT) return fromDouble(sqlite3_value_double(value));

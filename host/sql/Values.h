@@ -18,6 +18,9 @@ int bindValue(sqlite3_stmt* statement, int place, const Data& value);
 /// Gives a value as the result of a function, converted to a type; NULL where it has no such reading.
 void giveValue(sqlite3_context* context, const Data& value, DataType type);
 
+/// Whether the store keeps all digits of a number.
+bool isStoredWhole(const Decimal& number);
+
 /// A number in the store; nothing for all else.
 std::optional<Decimal> storedDecimal(sqlite3_value* value);
 
