@@ -19,9 +19,6 @@ namespace {
 
 using Arguments = std::span<const DataRef>;
 
-/// Identifiers are stable and start at these numbers.
-constexpr std::size_t kFirstOccurrence = 1'065'089, kFirstTable = 129;
-
 struct Question {
     File& file; ///< that the first argument names
     const Session& session;
@@ -220,7 +217,7 @@ constexpr auto none = [](const Question&) { return std::u16string(); };
 constexpr std::array answers{
     Answer{u"BaseTableComment", baseTableComment},
     Answer{u"BaseTableIDs",
-           [](const Question& question) { return idsOf(question.schema().tables, kFirstTable); }},
+           [](const Question& question) { return idsOf(question.schema().tables, kFirstTableId); }},
     Answer{u"BaseTableNames", [](const Question& question) { return namesOf(question.schema().tables); }},
     Answer{u"DatabaseNames", databaseNames},
     Answer{u"FieldAnnotation", none},
@@ -241,7 +238,7 @@ constexpr std::array answers{
     Answer{u"ScriptNames",
            [](const Question& question) { return namesOf(question.file.solution().scripts); }},
     Answer{u"TableIDs",
-           [](const Question& question) { return idsOf(question.schema().occurrences, kFirstOccurrence); }},
+           [](const Question& question) { return idsOf(question.schema().occurrences, kFirstOccurrenceId); }},
     Answer{u"TableNames", [](const Question& question) { return namesOf(question.schema().occurrences); }},
     Answer{u"ValueListIDs", [](const Question& question) { return idsOf(question.schema().valueLists, 1); }},
     Answer{u"ValueListItems", valueListItems},

@@ -90,6 +90,9 @@ struct ValueList {
     std::size_t field = 0;
 };
 
+/// Identifiers of occurrences and base tables are stable and start at these numbers.
+constexpr std::size_t kFirstOccurrenceId = 1'065'089, kFirstTableId = 129;
+
 struct Schema {
     std::uint64_t version = 0; ///< changes with each change of the description
     std::vector<BaseTable> tables;

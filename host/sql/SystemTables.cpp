@@ -55,8 +55,8 @@ void addFields(std::string& rows, const std::u16string& name, const BaseTable& t
 std::string occurrences(const Schema& schema, std::u16string_view fileName) {
     std::string rows;
     for (std::size_t i = 0; i < schema.occurrences.size(); ++i)
-        add(rows, {quotedText(schema.occurrences[i].name), number(i + 1), quotedText(schema.tableOf(i).name),
-                   quotedText(fileName)});
+        add(rows, {quotedText(schema.occurrences[i].name), number(kFirstOccurrenceId + i),
+                   quotedText(schema.tableOf(i).name), quotedText(fileName)});
     return rows;
 }
 
@@ -70,7 +70,7 @@ std::string fields(const Schema& schema, std::u16string_view /*fileName*/) {
 std::string baseTables(const Schema& schema, std::u16string_view /*fileName*/) {
     std::string rows;
     for (std::size_t i = 0; i < schema.tables.size(); ++i)
-        add(rows, {quotedText(schema.tables[i].name), number(i + 1), "'<Internal>'"});
+        add(rows, {quotedText(schema.tables[i].name), number(kFirstTableId + i), "'<Internal>'"});
     return rows;
 }
 
