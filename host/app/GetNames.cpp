@@ -229,7 +229,6 @@ const std::array answers{
     Answer{u"HostName", nothing},
     Answer{u"InstalledFMPlugins", installedPlugIns},
     Answer{u"InstalledFMPluginsAsJSON", installedPlugInsAsJson},
-    Answer{u"LastErrorDetail", nothing},
     Answer{u"LastMessageChoice", always<0>},
     Answer{u"LastStepTokensUsed", always<0>},
     Answer{u"LayoutAccess", always<2>},

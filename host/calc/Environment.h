@@ -97,7 +97,7 @@ struct ScriptFrame {
     bool allowsAbort = true;
 };
 
-/// The values of Get ( LastError ) and Get ( LastExternalErrorDetail ).
+/// The values of Get ( LastError ) and Get ( LastErrorDetail ).
 struct LastError {
     int code = 0;
     std::u16string detail;

@@ -57,7 +57,7 @@ DataRef lastError(Evaluation& evaluation) {
     return numberResult(last ? last->code : 0);
 }
 
-DataRef lastExternalErrorDetail(Evaluation& evaluation) {
+DataRef lastErrorDetail(Evaluation& evaluation) {
     const auto& last = evaluation.environment().lastError;
     return last ? textResult(last->detail) : emptyResult();
 }
@@ -96,7 +96,8 @@ constexpr std::array answers{
     Answer{u"scriptparameter", scriptParameter},
     Answer{u"scriptresult", scriptResult},
     Answer{u"lasterror", lastError},
-    Answer{u"lastexternalerrordetail", lastExternalErrorDetail},
+    Answer{u"lasterrordetail", lastErrorDetail},
+    Answer{u"lastexternalerrordetail", lastErrorDetail}, // its former name
     Answer{u"lasterrorlocation", errorLocation},
     Answer{u"errorcapturestate", capturesErrors},
     Answer{u"allowabortstate", allowsAbort},

@@ -18,10 +18,19 @@ namespace host::cli {
 namespace {
 
 /// The names of Get that calculations answer without a file.
-constexpr std::array kGetNames{u"AllowAbortState", u"CurrentDate",       u"CurrentHostTimestamp",
-                               u"CurrentTime",     u"CurrentTimestamp",  u"ErrorCaptureState",
-                               u"LastError",       u"LastErrorLocation", u"ScriptName",
-                               u"ScriptParameter", u"ScriptResult",      u"UUID",
+constexpr std::array kGetNames{u"AllowAbortState",
+                               u"CurrentDate",
+                               u"CurrentHostTimestamp",
+                               u"CurrentTime",
+                               u"CurrentTimestamp",
+                               u"ErrorCaptureState",
+                               u"LastError",
+                               u"LastErrorDetail",
+                               u"LastErrorLocation",
+                               u"ScriptName",
+                               u"ScriptParameter",
+                               u"ScriptResult",
+                               u"UUID",
                                u"UUIDNumber"};
 
 /// Collects the names that begin with what was typed, regardless of case.
