@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <unicode/uchar.h>
 #include <utility>
@@ -28,10 +29,9 @@ std::vector<std::u16string> wordsOf(std::u16string_view text) {
     return words;
 }
 
-/// Whether a text is what a pattern with `*`, `@` and `#` stands for; `isOpen` lets more follow.
-bool fits(std::u16string_view pattern, std::u16string_view text, bool isOpen) {
-    std::vector<bool> reached(text.size() + 1, false);
-    reached[0] = true;
+/// Whether a pattern with `*`, `@` and `#` stands for the text from a place that is `reached` on; `isOpen`
+/// lets more follow.
+bool fits(std::u16string_view pattern, std::u16string_view text, bool isOpen, std::vector<bool> reached) {
     for (const char16_t sign : pattern) {
         std::vector<bool> next(text.size() + 1, false);
         for (std::size_t i = 0; i <= text.size(); ++i) {
@@ -48,24 +48,75 @@ bool fits(std::u16string_view pattern, std::u16string_view text, bool isOpen) {
     return isOpen ? std::find(reached.begin(), reached.end(), true) != reached.end() : reached.back();
 }
 
-/// The value that a criterion names, as the field's type; invalid where it names none.
-Data valueIn(std::u16string_view text, DataType type) {
-    Data value{Text(std::u16string(text))};
-    if (text == u"//" && type != DataType::text) {
-        value = Data(DateTime::fromMicrosSinceEpoch(clock().localSinceYearOne().count()), DataType::date);
+bool fits(std::u16string_view pattern, std::u16string_view text, bool isOpen) {
+    std::vector<bool> start(text.size() + 1, false);
+    start[0] = true;
+    return fits(pattern, text, isOpen, std::move(start));
+}
+
+/// Whether a word, or a sign between words, begins at a place of a text.
+bool beginsPart(std::u16string_view text, std::size_t place) {
+    return place == 0 || place == text.size() || !isWordPart(text[place - 1]) || !isWordPart(text[place]);
+}
+
+std::vector<bool> partStarts(std::u16string_view text) {
+    std::vector<bool> starts(text.size() + 1);
+    for (std::size_t place = 0; place < starts.size(); ++place)
+        starts[place] = beginsPart(text, place);
+    return starts;
+}
+
+constexpr std::u16string_view kDigits = u"0123456789";
+
+/// A number of at most four digits.
+std::optional<int> wholeIn(std::u16string_view text) {
+    constexpr std::size_t most = 4;
+    const bool isNumber =
+        !text.empty() && text.size() <= most && text.find_first_not_of(kDigits) == std::u16string_view::npos;
+    return isNumber ? std::optional(std::stoi(std::string(text.begin(), text.end()))) : std::nullopt;
+}
+
+/// The first and the last value that a criterion names.
+struct Span {
+    Data first, last;
+};
+
+/// The days that a criterion names: today, a day, a month as `2/2024`, or a year of four digits.
+std::optional<std::pair<DateTime, DateTime>> daysIn(std::u16string_view text) {
+    constexpr int firstYear = 1'000, months = 12;
+    if (text == u"//") {
+        const DateTime now = DateTime::fromMicrosSinceEpoch(clock().localSinceYearOne().count());
+        const DateTime today{.days = now.days, .micros = 0};
+        return {{today, today}};
     }
-    return value.convert(type) ? value : Data::invalid();
+    const std::size_t sign = text.find_first_not_of(kDigits);
+    const bool hasMonth = sign != std::u16string_view::npos;
+    const auto year = wholeIn(hasMonth ? text.substr(sign + 1) : text),
+               month = hasMonth ? wholeIn(text.substr(0, sign)) : std::nullopt;
+    if (year && *year >= firstYear && (!hasMonth || (month && *month >= 1 && *month <= months))) {
+        const auto first = DateTime::fromDate(*year, month.value_or(1), 1),
+                   last = DateTime::fromDate(*year, month.value_or(months) + 1, 0);
+        if (first && last) return {{*first, *last}};
+    }
+    const auto day = DateTime::parseDate(text);
+    return day ? std::optional(std::pair(*day, *day)) : std::nullopt;
+}
+
+std::optional<Span> spanIn(std::u16string_view text, DataType type) {
+    if (type == DataType::date || type == DataType::timestamp)
+        if (const auto days = daysIn(text)) {
+            const DateTime last{.days = days->second.days, .micros = DateTime::microsPerDay - 1};
+            return Span{Data(days->first, type), Data(last, type)};
+        }
+    Data value{Text(std::u16string(text))};
+    if (!value.convert(type) || value.isEmpty()) return std::nullopt;
+    return Span{value, value};
 }
 
 std::u16string_view trimmed(std::u16string_view text) {
     const std::size_t first = text.find_first_not_of(u' ');
     return first == std::u16string_view::npos ? std::u16string_view()
                                               : text.substr(first, text.find_last_not_of(u' ') + 1 - first);
-}
-
-int compare(const Data& left, const Data& right) {
-    if (isBefore(left, right)) return -1;
-    return isBefore(right, left) ? 1 : 0;
 }
 
 struct Comparison {
@@ -94,31 +145,33 @@ public:
         if (value.isEmpty() || !value.isValid()) return false;
         for (const Comparison& row : comparisons)
             if (text_.starts_with(row.sign)) return stands(value, row);
-        if (const std::size_t dots = text_.find(u"..."); dots != std::u16string::npos)
-            return lies(value, trimmed(text_.substr(0, dots)), trimmed(text_.substr(dots + 3)));
+        if (const std::size_t dots = text_.find(u".."); dots != std::u16string::npos) {
+            const std::size_t end = std::min(text_.find_first_not_of(u'.', dots), text_.size());
+            return lies(value, trimmed(std::u16string_view(text_).substr(0, dots)),
+                        trimmed(std::u16string_view(text_).substr(end)));
+        }
         return type_ == DataType::text || type_ == DataType::binary ? isIn(value) : isEqual(value);
     }
 
 private:
     [[nodiscard]] bool stands(const Data& value, const Comparison& row) const {
-        const Data bound = valueIn(trimmed(std::u16string_view(text_).substr(row.sign.size())), type_);
-        if (!bound.isValid() || bound.isEmpty()) return false;
-        const int order = compare(value, bound);
-        return order < 0 ? row.isLess : order == 0 ? row.isEqual : row.isGreater;
+        const auto bound = spanIn(trimmed(std::u16string_view(text_).substr(row.sign.size())), type_);
+        if (!bound) return false;
+        if (isBefore(value, bound->first)) return row.isLess;
+        return isBefore(bound->last, value) ? row.isGreater : row.isEqual;
     }
 
     [[nodiscard]] bool lies(const Data& value, std::u16string_view first, std::u16string_view last) const {
-        const Data low = valueIn(first, type_), high = valueIn(last, type_);
-        if (!low.isValid() || !high.isValid()) return false;
-        return compare(low, value) <= 0 && compare(value, high) <= 0;
+        const auto low = spanIn(first, type_), high = spanIn(last, type_);
+        return low && high && !isBefore(value, low->first) && !isBefore(high->last, value);
     }
 
     [[nodiscard]] bool isEqual(const Data& value) const {
         std::u16string_view wanted = text_;
         while (wanted.starts_with(u'='))
             wanted.remove_prefix(1);
-        const Data number = valueIn(trimmed(wanted), type_);
-        return number.isValid() && !number.isEmpty() && compare(value, number) == 0;
+        const auto span = spanIn(trimmed(wanted), type_);
+        return span && !isBefore(value, span->first) && !isBefore(span->last, value);
     }
 
     [[nodiscard]] bool isIn(const Data& value) const {
@@ -127,10 +180,12 @@ private:
             return fits(trimmed(std::u16string_view(text_).substr(2)), content, false);
         const std::vector<std::u16string> words = wordsOf(content);
         for (std::u16string_view rest = text_; !(rest = trimmed(rest)).empty();) {
-            if (rest.front() == u'"') {
-                const std::size_t close = std::min(rest.find(u'"', 1), rest.size());
-                if (content.find(rest.substr(1, close - 1)) == std::u16string::npos) return false;
-                rest.remove_prefix(std::min(close + 1, rest.size()));
+            const bool isWhole = rest.starts_with(u"=\"");
+            const std::u16string_view quoted = rest.substr(isWhole ? 1 : 0);
+            if (quoted.front() == u'"') {
+                const std::size_t close = std::min(quoted.find(u'"', 1), quoted.size());
+                if (!hasPhrase(quoted.substr(1, close - 1), content, isWhole)) return false;
+                rest = quoted.substr(std::min(close + 1, quoted.size()));
                 continue;
             }
             const std::size_t end = std::min(rest.find(u' '), rest.size());
@@ -140,12 +195,20 @@ private:
         return true;
     }
 
+    static bool hasPhrase(std::u16string_view phrase, const std::u16string& content, bool isWhole) {
+        std::size_t at = content.find(phrase);
+        while (isWhole && at != std::u16string::npos &&
+               !(beginsPart(content, at) && beginsPart(content, at + phrase.size())))
+            at = content.find(phrase, at + 1);
+        return at != std::u16string::npos;
+    }
+
     static bool hasWord(std::u16string_view wanted, const std::u16string& content,
                         const std::vector<std::u16string>& words) {
         const bool isWhole = wanted.starts_with(u'=');
         if (isWhole) wanted.remove_prefix(1);
         if (wanted.find_first_of(u"*@#") != std::u16string_view::npos && !isWhole)
-            return fits(u"*" + std::u16string(wanted), content, true);
+            return fits(wanted, content, true, partStarts(content));
         if (std::all_of(wanted.begin(), wanted.end(), isWordPart) || isWhole)
             return std::any_of(words.begin(), words.end(),
                                [&](const std::u16string& word) { return fits(wanted, word, !isWhole); });
