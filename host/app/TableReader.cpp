@@ -77,6 +77,7 @@ public:
         eachPart(description, "layout", &TableReader::layout);
         eachPart(description, "relationship", &TableReader::relationship);
         eachPart(description, "value_list", &TableReader::valueList);
+        checkUsedLists();
     }
 
 private:
@@ -137,8 +138,10 @@ private:
 
     /// Adds a field to a table; true where its records are written as HTML.
     bool field(const toml::table& part, std::size_t table) {
-        reader_.checkKeys(part, {"name", "type", "repetitions", "comment", "indexed", "serial", "step",
-                                 "global", "calculation", "stored", "summary", "auto", "rich"});
+        reader_.checkKeys(part, {"name",    "type",    "repetitions", "comment",     "indexed",
+                                 "serial",  "step",    "global",      "calculation", "stored",
+                                 "summary", "auto",    "rich",        "required",    "unique",
+                                 "strict",  "longest", "range",       "value_list",  "valid"});
         Field field;
         field.name = identifier(part, "a field");
         for (const Field& known : schema_.tables[table].fields)
@@ -154,6 +157,9 @@ private:
             reader_.fail(part.source(), "only a text field can be rich");
         checkKind(part);
         automatic(part, field);
+        validation(part, field);
+        for (const char* key : {"calculation", "auto"})
+            if (const toml::node* node = part.get(key)) field.line = node->source().begin.line;
         if (const toml::node* node = part.get("calculation")) {
             field.calculation = reader_.text(*node, "calculation");
             field.kind = reader_.flag(part, "stored", true) ? FieldKind::storedCalculation
@@ -195,6 +201,47 @@ private:
         if (const toml::node* node = part.get("step"))
             field.serialStep = reader_.number(*node, "step", 1, 1'000'000);
         if (const toml::node* node = part.get("auto")) field.autoEnter = reader_.text(*node, "auto");
+    }
+
+    void validation(const toml::table& part, Field& field) {
+        Validation& rules = field.validation;
+        rules.isRequired = reader_.flag(part, "required", false);
+        rules.isUnique = reader_.flag(part, "unique", false);
+        rules.isStrict = reader_.flag(part, "strict", false);
+        if (const toml::node* node = part.get("longest"))
+            rules.longest = static_cast<std::size_t>(reader_.number(*node, "longest", 1, 1'000'000));
+        if (const toml::node* node = part.get("range")) range(*node, field);
+        if (const toml::node* node = part.get("value_list")) {
+            rules.valueList = reader_.name(*node, "value_list");
+            usedLists_.emplace_back(node, rules.valueList);
+        }
+        if (const toml::node* node = part.get("valid")) rules.calculation = reader_.text(*node, "valid");
+        for (const char* key : {"global", "calculation", "summary"})
+            if (part.contains(key) && rules.isAny())
+                reader_.fail(part.source(), "only a field that records hold is validated");
+    }
+
+    void range(const toml::node& node, Field& field) const {
+        std::vector<DataRef> bounds;
+        reader_.each(node, "range", [&](const toml::node& bound) {
+            const std::string written = toUtf8(reader_.text(bound, "a bound"));
+            bounds.push_back(valueFrom(written, field.type));
+            if (!bounds.back())
+                reader_.fail(bound.source(),
+                             "\"" + written + "\" is no " + std::string(typeWord(field.type)));
+        });
+        if (bounds.size() != 2) reader_.fail(node.source(), "range must be the least and the most");
+        field.validation.least = bounds.front();
+        field.validation.most = bounds.back();
+    }
+
+    /// Value lists are described after the fields that name them.
+    void checkUsedLists() const {
+        for (const auto& [node, name] : usedLists_)
+            if (std::none_of(
+                    schema_.valueLists.begin(), schema_.valueLists.end(),
+                    [&](const ValueList& list) { return calc::foldName(list.name) == calc::foldName(name); }))
+                reader_.fail(node->source(), "there is no value list \"" + toUtf8(name) + "\"");
     }
 
     void summary(const toml::node& node, Field& field) const {
@@ -369,6 +416,7 @@ private:
     fs::path folder_;
     Solution& solution_;
     Schema& schema_;
+    std::vector<std::pair<const toml::node*, std::u16string>> usedLists_; ///< that fields name
 };
 
 } // namespace

@@ -19,15 +19,17 @@ namespace host::calc {
 namespace error {
 inline constexpr int none = 0, unavailable = 3, outOfRange = 14, missingFile = 100, missingRecord = 101,
                      missingField = 102, missingRelationship = 103, missingScript = 104, missingLayout = 105,
-                     missingRelatedTable = 110, missingRepetition = 111, notWritable = 201, noCriteria = 400,
-                     nothingFound = 401, unspecific = 1200, tooFewParameters = 1201, tooManyParameters = 1202,
-                     unexpectedEnd = 1203, operandExpected = 1204, unterminatedComment = 1205,
-                     unterminatedText = 1206, unbalancedParenthesis = 1207, functionNotFound = 1208,
-                     nameMissing = 1209, alreadyRegistered = 1210, listNotAllowed = 1211,
-                     operatorExpected = 1212, fieldExpected = 1214, invalidGetParameter = 1215,
-                     summaryExpected = 1216, wrongBreakField = 1217, unreadableNumber = 1218,
-                     ownFormula = 1219, notImplemented = 1223, notSupported = 1225, plugInFirst = 1552,
-                     plugInLast = 1559;
+                     missingTable = 106, missingRelatedTable = 110, missingRepetition = 111,
+                     notWritable = 201, noCriteria = 400, nothingFound = 401, wrongDate = 500,
+                     wrongTime = 501, wrongNumber = 502, outsideRange = 503, notUnique = 504, notListed = 506,
+                     validationFailed = 507, valueRequired = 509, tooLong = 511, unspecific = 1200,
+                     tooFewParameters = 1201, tooManyParameters = 1202, unexpectedEnd = 1203,
+                     operandExpected = 1204, unterminatedComment = 1205, unterminatedText = 1206,
+                     unbalancedParenthesis = 1207, functionNotFound = 1208, nameMissing = 1209,
+                     alreadyRegistered = 1210, listNotAllowed = 1211, operatorExpected = 1212,
+                     fieldExpected = 1214, invalidGetParameter = 1215, summaryExpected = 1216,
+                     wrongBreakField = 1217, unreadableNumber = 1218, ownFormula = 1219,
+                     notImplemented = 1223, notSupported = 1225, plugInFirst = 1552, plugInLast = 1559;
 }
 /// A sentence for a code, for people; "unknown error" for one that has none.
 std::string_view errorMessage(int code);

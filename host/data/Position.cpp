@@ -104,7 +104,7 @@ int Position::goToLayout(std::u16string_view name) {
 
 int Position::goToLayout(std::size_t layout) {
     if (layout >= records_.schema().layouts.size()) return calc::error::missingLayout;
-    if (mode_ == Mode::browse) commit();
+    if (const int error = leave(); error != none) return error;
     layout_ = layout;
     return none;
 }
@@ -117,7 +117,7 @@ int Position::goToRecord(std::int64_t number) {
         request_ = place;
         return none;
     }
-    commit();
+    if (const int error = leave(); error != none) return error;
     current()->current = place;
     return none;
 }
@@ -154,7 +154,7 @@ int Position::newRecord() {
         return none;
     }
     if (!occurrence()) return calc::error::unavailable;
-    commit();
+    if (const int error = leave(); error != none) return error;
     FoundSet& set = *current();
     const std::uint64_t before = set.version;
     const std::int64_t made = records_.create(table());
@@ -171,7 +171,7 @@ int Position::duplicateRecord() {
     }
     const std::int64_t original = record();
     if (original == 0) return calc::error::missingRecord;
-    commit();
+    if (const int error = leave(); error != none) return error;
     FoundSet& set = *current();
     const std::uint64_t before = set.version;
     const std::int64_t made = records_.duplicate({table(), original});
@@ -275,19 +275,9 @@ int Position::replaceFieldContents(calc::FieldPlace place,
         current()->current = i;
         error = setField(place, 1, valueOfCurrentRecord());
     }
-    commit();
+    const int refusal = commit();
     current()->current = std::min(before, found().size() - 1);
-    return error;
-}
-
-int Position::commit() {
-    records_.commit();
-    return none;
-}
-
-int Position::revert() {
-    records_.revert();
-    return none;
+    return error != none ? error : refusal;
 }
 
 void Position::show(std::vector<std::int64_t> records, bool isAll) {
@@ -302,14 +292,14 @@ void Position::show(std::vector<std::int64_t> records, bool isAll) {
 int Position::showAllRecords() {
     enterBrowseMode();
     if (!occurrence()) return calc::error::unavailable;
-    commit();
+    if (const int error = leave(); error != none) return error;
     show(records_.all(table()), true);
     return none;
 }
 
 int Position::showOmittedOnly() {
     if (mode_ == Mode::find || !occurrence()) return calc::error::unavailable;
-    commit();
+    if (const int error = leave(); error != none) return error;
     show(without(records_.all(table()), found()), false);
     return none;
 }
@@ -320,7 +310,7 @@ int Position::omitRecord() {
         return none;
     }
     if (record() == 0) return calc::error::missingRecord;
-    commit();
+    if (const int error = leave(); error != none) return error;
     FoundSet& set = *current();
     set.records.erase(set.records.begin() + static_cast<std::ptrdiff_t>(set.current));
     set.isAll = false;
@@ -330,7 +320,7 @@ int Position::omitRecord() {
 
 int Position::enterFindMode() {
     if (!occurrence()) return calc::error::unavailable;
-    if (mode_ == Mode::browse) commit();
+    if (const int error = leave(); error != none) return error;
     mode_ = Mode::find;
     requests_.assign(1, {});
     request_ = 0;
@@ -383,7 +373,7 @@ int Position::sort(std::vector<SortKey> keys) {
     if (set == nullptr || mode_ == Mode::find) return calc::error::unavailable;
     for (const SortKey& key : keys)
         if (key.field >= records_.schema().tables[table()].fields.size()) return calc::error::missingField;
-    commit();
+    if (const int error = leave(); error != none) return error;
     std::map<std::int64_t, DataVect> values;
     for (const std::int64_t record : set->records)
         for (const SortKey& key : keys)
@@ -428,7 +418,7 @@ int Position::goToRelatedRecord(std::u16string_view name, std::u16string_view la
         records_.schema().tables[table].name)
         return calc::error::missingLayout;
     const std::int64_t first = related->front();
-    goToLayout(*layout);
+    if (const int error = goToLayout(*layout); error != none) return error;
     if (onlyRelated)
         show(*related, false);
     else if (!placeIn(found(), first))

@@ -75,8 +75,21 @@ public:
     /// The criterion of a field in the current request, in Find mode; empty text where nothing is set.
     [[nodiscard]] DataRef criterion(calc::FieldPlace place, int repetition) const;
 
+    /// The code of the first field whose validation refuses its value: 500 to 511. Nothing is committed then.
+    /// In a transaction records stay open until its end.
     int commit();
-    int revert();
+    int commitUnchecked(); ///< without validation
+    int revert();          ///< 3 in a transaction
+
+    /// A transaction: all changes until its end are kept or taken back together. Another one within it only
+    /// counts. 3: none is open.
+    int openTransaction();
+    int commitTransaction();
+    int revertTransaction();
+    [[nodiscard]] bool hasTransaction() const { return transaction_.has_value(); }
+    /// Whether an error of a step takes the transaction back.
+    [[nodiscard]] bool revertsOnError() const { return !transaction_ || transaction_->revertsOnError; }
+    int setRevertsOnError(bool reverts);
 
     int showAllRecords();
     int showOmittedOnly();
@@ -105,8 +118,16 @@ private:
     int setCriterion(calc::FieldPlace place, int repetition, const DataRef& value);
     int find(const std::vector<std::int64_t>& candidates, const std::vector<std::int64_t>& kept);
     void show(std::vector<std::int64_t> records, bool isAll);
+    int leave();
+
+    struct Transaction {
+        std::map<std::size_t, FoundSet> foundSets; ///< as they were before it
+        bool revertsOnError = true;
+        std::size_t inner = 0; ///< transactions within it that are open
+    };
 
     Records& records_;
+    std::optional<Transaction> transaction_;
     Mode mode_ = Mode::browse;
     std::optional<std::size_t> layout_;
     std::map<std::size_t, FoundSet> foundSets_; ///< by occurrence

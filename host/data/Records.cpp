@@ -112,6 +112,7 @@ void Records::notice() {
     expressions_.clear();
     beside_.clear();
     open_.clear();
+    unchecked_.clear();
     for (std::uint64_t& number : membership_)
         ++number;
 }
@@ -234,6 +235,7 @@ int Records::set(RecordPlace place, std::size_t number, int repetition, const Da
     }
     if (!exists(place)) return calc::error::missingRecord;
     open_[place].written.insert(number);
+    unchecked_.insert(place);
     store({place, number, repetition}, kept);
     renew(place, {number}, false);
     return calc::error::none;
@@ -247,6 +249,7 @@ std::int64_t Records::create(std::size_t table) {
     if (answer.error != calc::error::none) return 0;
     const RecordPlace place{table, database_.lastRecord()};
     open_[place].isNew = true;
+    unchecked_.insert(place);
     membership_.resize(std::max(membership_.size(), table + 1));
     ++membership_[table];
     giveSerials(place);
@@ -292,6 +295,7 @@ void Records::forget(RecordPlace place) {
                last = beside_.lower_bound({{place.table, place.record + 1}, 0, 0});
     beside_.erase(first, last);
     open_.erase(place);
+    unchecked_.erase(place);
     membership_.resize(std::max(membership_.size(), place.table + 1));
     ++membership_[place.table];
 }
@@ -329,29 +333,6 @@ std::vector<std::u16string> Records::modifiedFields(RecordPlace place) const {
         for (const std::size_t number : open->second.written)
             if (const Field* known = field(place.table, number)) names.push_back(known->name);
     return names;
-}
-
-/// A new record begins with the count 0.
-void Records::commit() {
-    notice();
-    for (const auto& [place, open] : open_) {
-        const BaseTable& table = schema().tables[place.table];
-        if (open.isNew || table.keys != RecordKeys::idAndCount) continue;
-        database_.query("UPDATE " + quotedName(table.name) +
-                            " SET kestrel_modifications = kestrel_modifications + 1 WHERE rowid = ?",
-                        {idValue(place.record)});
-    }
-    open_.clear();
-}
-
-void Records::revert() {
-    notice();
-    const std::map<RecordPlace, OpenRecord> open = std::exchange(open_, {});
-    for (const auto& [place, record] : open) {
-        if (record.isNew) removeRow(place);
-        for (const auto& [cell, value] : record.before)
-            writeColumn({place, cell.first, cell.second}, value);
-    }
 }
 
 void Records::load(std::size_t table, const std::vector<Column>& columns, const DataVect& values) {

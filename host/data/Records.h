@@ -99,6 +99,12 @@ public:
     [[nodiscard]] std::vector<std::u16string> modifiedFields(RecordPlace place) const;
     void commit();
     void revert();
+    /// Between these two, what is committed can be taken back as well.
+    void beginTransaction();
+    void endTransaction(bool keepsChanges);
+    /// The error code of the first field of an open record that its validation refuses; 0 for none.
+    int violation();
+    void skipValidation() { unchecked_.clear(); } ///< of what was changed until now
 
     /// A field and its repetition, from 1.
     using Column = std::pair<std::size_t, int>;
@@ -140,6 +146,10 @@ private:
     bool reads(const Cell& cell, const std::set<std::size_t>& fields);
     void renew(RecordPlace place, std::set<std::size_t> changed, bool isAll);
     void giveSerials(RecordPlace place);
+    bool isTaken(const Cell& cell, const Data& value);
+    bool isListed(std::u16string_view listName, const Data& value);
+    bool isTrue(const Cell& cell, const std::u16string& calculation);
+    int violation(const Cell& cell);
     void reindex(RecordPlace place, std::size_t field);
     void forget(RecordPlace place);
     void removeRow(RecordPlace place);
@@ -159,6 +169,8 @@ private:
     std::map<std::pair<std::size_t, std::size_t>, KeyIndex> indexes_;
     std::map<std::pair<std::size_t, std::size_t>, calc::ExpressionRef> expressions_;
     std::map<RecordPlace, OpenRecord> open_;
+    std::set<RecordPlace> unchecked_;      ///< open records whose validation is due
+    std::map<Cell, DataRef> besideBefore_; ///< the open transaction
     std::vector<Cell> calculating_;
     std::set<Cell> renewing_; ///< stored calculations that are not renewed yet
 };

@@ -4,6 +4,7 @@
 #include "host/data/Position.h"
 #include "host/scripts/StepRun.h"
 #include "host/scripts/Steps.h"
+#include "host/scripts/TransactionSteps.h"
 #include "host/values/Encoding.h"
 
 #include <algorithm>
@@ -202,6 +203,7 @@ void Machine::popFrame(const calc::Result& result) {
     Run& run = runs_.back();
     const Frame ended = std::move(run.frames.back());
     run.frames.pop_back();
+    if (ended.opensTransaction && ended.file->isOpen()) ended.file->position().revertTransaction();
     if (stage_.onScriptEnd) stage_.onScriptEnd(ended.call, result);
     if (run.frames.empty() || ended.origin != Frame::Origin::subScript) return;
     top().state->result = result.value;
@@ -281,6 +283,8 @@ void Machine::runStep(const Step& step) {
         fail(step, failure.line, failure.source, failure.result);
     } catch (const calc::Error& error) {
         fail(step, step.line, {}, failureOf(error.code, error.message));
+        StepRun run(*this, step);
+        revertAfterError(run, error.code);
     }
 }
 

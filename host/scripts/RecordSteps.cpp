@@ -54,6 +54,13 @@ void goToRecord(StepRun& run) {
     if (!leaves || !run.leaveLoop()) check(error);
 }
 
+constexpr OptionRow kRestore{.name = u"Restore", .takes = Takes::words, .words = u"restore"};
+constexpr OptionRow kUnchecked{
+    .name = u"validation", .takes = Takes::words, .words = u"skip data entry validation"};
+/// Of no effect, as nobody else has the file open.
+constexpr OptionRow kOverride{
+    .name = u"locks", .takes = Takes::words, .words = u"override ess locking conflicts"};
+
 /// Requests that the app keeps with a step are not in its text.
 void refuseKept(const StepRun& run) {
     if (run.has(u"Restore")) throw calc::Error{calc::error::unavailable};
@@ -83,6 +90,11 @@ void sortRecords(StepRun& run) {
     check(run.position().sort(std::move(keys)));
 }
 
+void commitRecords(StepRun& run) {
+    Position& position = run.position();
+    check(run.has(kUnchecked.name) ? position.commitUnchecked() : position.commit());
+}
+
 void goToRelatedRecord(StepRun& run) {
     Position& position = run.position();
     std::u16string layout = run.quotedName(u"Using layout").name;
@@ -91,11 +103,6 @@ void goToRelatedRecord(StepRun& run) {
     check(position.goToRelatedRecord(run.quotedName(u"From table").name, layout,
                                      run.says(u"records", u"show only related records")));
 }
-
-constexpr OptionRow kRestore{.name = u"Restore", .takes = Takes::words, .words = u"restore"};
-constexpr OptionRow kWithoutChecks{.name = u"checks",
-                                   .takes = Takes::words,
-                                   .words = u"skip data entry validation|override ess locking conflicts"};
 
 constexpr std::array kSteps{
     StepRow{
@@ -134,8 +141,8 @@ constexpr std::array kSteps{
     StepRow{
         .name = u"Delete All Records", .run = perform<&Position::deleteAllRecords>, .options = {kWithDialog}},
     StepRow{.name = u"Commit Records/Requests",
-            .run = perform<&Position::commit>,
-            .options = {kWithDialog, kWithoutChecks},
+            .run = commitRecords,
+            .options = {kWithDialog, kUnchecked, kOverride},
             .repeats = true},
     StepRow{.name = u"Revert Record/Request", .run = perform<&Position::revert>, .options = {kWithDialog}},
     StepRow{.name = u"Enter Find Mode",

@@ -11,7 +11,8 @@ const StepRow* stepNamed(std::u16string_view name) {
     using Rows = std::map<std::u16string, const StepRow*, std::less<>>;
     static const Rows rows = [] {
         Rows found;
-        for (const auto table : {controlSteps(), fieldSteps(), recordSteps(), windowSteps()})
+        for (const auto table :
+             {controlSteps(), fieldSteps(), recordSteps(), transactionSteps(), windowSteps()})
             for (const StepRow& row : table) {
                 const std::u16string folded = calc::foldName(row.name);
                 found.emplace(folded, &row);

@@ -66,6 +66,7 @@ const StepRow* stepNamed(std::u16string_view name);
 std::span<const StepRow> controlSteps();
 std::span<const StepRow> fieldSteps();
 std::span<const StepRow> recordSteps();
+std::span<const StepRow> transactionSteps();
 std::span<const StepRow> windowSteps();
 
 } // namespace host::scripts

@@ -9,8 +9,8 @@ namespace {
 
 void beUnavailable(StepRun& /*run*/) { throw calc::Error{calc::error::unavailable}; }
 
-/// Steps that need windows, devices, other applications or files of the disk, and transactions.
-constexpr std::array<std::u16string_view, 136> kNames{
+/// Steps that need windows, devices, other applications or files of the disk.
+constexpr std::array<std::u16string_view, 133> kNames{
     u"Add Account",
     u"Adjust Window",
     u"Allow Formatting Bar",
@@ -28,7 +28,6 @@ constexpr std::array<std::u16string_view, 136> kNames{
     u"Close File",
     u"Close Popover",
     u"Close Window",
-    u"Commit Transaction",
     u"Configure Local Notification",
     u"Configure Machine Learning Model",
     u"Configure NFC Reading",
@@ -102,7 +101,6 @@ constexpr std::array<std::u16string_view, 136> kNames{
     u"Open Script Workspace",
     u"Open Settings",
     u"Open Sharing",
-    u"Open Transaction",
     u"Open Upload to Host",
     u"Open URL",
     u"Paste",
@@ -123,7 +121,6 @@ constexpr std::array<std::u16string_view, 136> kNames{
     u"Relookup Field Contents",
     u"Rename File",
     u"Reset Account Password",
-    u"Revert Transaction",
     u"Save a Copy as",
     u"Save a Copy as XML",
     u"Save Records as Excel",

@@ -160,6 +160,30 @@ calc::SqlAnswer Database::query(std::string_view statement, const DataVect& para
     return {.error = kSqlRefused, .rows = {}};
 }
 
+void Database::beginTransaction() {
+    const Connection::Work work(statements_->connection);
+    statements_->connection.run("SAVEPOINT kestrel_transaction");
+    schemaBefore_ = schema_;
+}
+
+void Database::endTransaction(bool keepsChanges) {
+    const Connection::Work work(statements_->connection);
+    Connection& connection = statements_->connection;
+    if (!keepsChanges) {
+        const calc::SqlAnswer lastIds = query("SELECT name, seq FROM sqlite_sequence", {});
+        connection.run("ROLLBACK TO kestrel_transaction");
+        query("DELETE FROM sqlite_sequence", {});
+        for (const DataVect& row : lastIds.rows)
+            query("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)", row);
+        if (schema_.version != schemaBefore_.version) {
+            schemaBefore_.version = schema_.version + 1;
+            schema_ = schemaBefore_;
+            statements_->kept.clear();
+        }
+    }
+    connection.run("RELEASE kestrel_transaction");
+}
+
 calc::SqlAnswer Database::execute(std::u16string_view statement, const DataVect& parameters) {
     return run(statement, parameters, false);
 }

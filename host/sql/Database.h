@@ -62,6 +62,11 @@ public:
     /// The ID of the record that was inserted last.
     [[nodiscard]] std::int64_t lastRecord() const;
 
+    /// From here on changes of records and of the schema can be taken back together. Not within another one.
+    void beginTransaction();
+    /// IDs of records and serial numbers that were given are not given again.
+    void endTransaction(bool keepsChanges);
+
     /// Runs exactly one statement of the app's dialect: a query, a change of records, or a definition, which
     /// changes the schema. Tables are named by their occurrences. Each `?` takes the parameter at its
     /// position, with its type.
@@ -81,6 +86,7 @@ private:
 
     std::unique_ptr<Statements> statements_;
     Schema schema_;
+    Schema schemaBefore_; ///< the open transaction
     RecordCalls calls_;
     std::pair<Schema*, RecordCalls*> fieldSource_; ///< of the function that reads fields without columns
 };

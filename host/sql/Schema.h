@@ -17,6 +17,21 @@ enum class FieldKind : std::uint8_t { normal, global, storedCalculation, unstore
 /// The result that a summary field makes of another field of its table.
 enum class SummaryKind : std::uint8_t { total, average, count, minimum, maximum, standardDeviation, list };
 
+/// What the value of a field must be when its record is committed.
+struct Validation {
+    bool isRequired = false, isUnique = false;
+    bool isStrict = false;      ///< of the field's type
+    std::size_t longest = 0;    ///< UTF-16 units of its text; 0 for any
+    DataRef least, most;        ///< null for any
+    std::u16string valueList;   ///< that has it; empty for none
+    std::u16string calculation; ///< that is true then; empty for none
+
+    [[nodiscard]] bool isAny() const {
+        return isRequired || isUnique || isStrict || longest > 0 || least || !valueList.empty() ||
+               !calculation.empty();
+    }
+};
+
 struct Field {
     std::u16string name; ///< as it was defined; matched in any case
     DataType type = DataType::text;
@@ -26,12 +41,14 @@ struct Field {
     bool isIndexed = false;
 
     std::u16string calculation; ///< of a calculation field
+    std::size_t line = 0;       ///< of its calculation in the description, from 1; 0 where it has none
     SummaryKind summary = SummaryKind::total;
     std::u16string summarized; ///< the field that a summary field reads
     /// The next serial number; nothing for a field without one.
     std::optional<std::u16string> nextSerial;
     std::int64_t serialStep = 1;
     std::u16string autoEnter; ///< a calculation for new records; empty for none
+    Validation validation;
 
     /// Whether the store has a column for each repetition: `Name`, then `Name[2]` and so on.
     [[nodiscard]] bool hasColumns() const {

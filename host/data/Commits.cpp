@@ -1,0 +1,116 @@
+#include "host/data/Position.h"
+#include "host/sql/Database.h"
+#include "host/sql/Store.h"
+
+#include <algorithm>
+#include <utility>
+
+/// Records that are committed or taken back, one by one or in a transaction.
+
+namespace host {
+
+using calc::error::none;
+
+/// A new record begins with the count 0.
+void Records::commit() {
+    notice();
+    for (const auto& [place, open] : open_) {
+        const BaseTable& table = schema().tables[place.table];
+        if (open.isNew || table.keys != RecordKeys::idAndCount) continue;
+        database_.query("UPDATE " + quotedName(table.name) +
+                            " SET kestrel_modifications = kestrel_modifications + 1 WHERE rowid = ?",
+                        {std::make_shared<const Data>(Decimal(place.record))});
+    }
+    open_.clear();
+    unchecked_.clear();
+}
+
+void Records::revert() {
+    notice();
+    const std::map<RecordPlace, OpenRecord> open = std::exchange(open_, {});
+    unchecked_.clear();
+    for (const auto& [place, record] : open) {
+        if (record.isNew) removeRow(place);
+        for (const auto& [cell, value] : record.before)
+            writeColumn({place, cell.first, cell.second}, value);
+    }
+}
+
+void Records::beginTransaction() {
+    notice();
+    database_.beginTransaction();
+    besideBefore_ = beside_;
+}
+
+void Records::endTransaction(bool keepsChanges) {
+    notice();
+    if (keepsChanges) commit();
+    database_.endTransaction(keepsChanges);
+    if (keepsChanges) return;
+    beside_ = std::exchange(besideBefore_, {});
+    open_.clear();
+    unchecked_.clear();
+    indexes_.clear();
+    membership_.resize(std::max(membership_.size(), schema().tables.size()));
+    for (std::uint64_t& number : membership_)
+        ++number;
+    notice();
+}
+
+/// Commits before the current record, or the mode, becomes another.
+int Position::leave() { return mode_ == Mode::browse ? commit() : none; }
+
+int Position::commit() {
+    if (const int error = records_.violation(); error != none) return error;
+    if (!transaction_) records_.commit();
+    return none;
+}
+
+int Position::revert() {
+    if (transaction_) return calc::error::unavailable;
+    records_.revert();
+    return none;
+}
+
+int Position::commitUnchecked() {
+    records_.skipValidation();
+    return commit();
+}
+
+int Position::openTransaction() {
+    if (transaction_) {
+        ++transaction_->inner;
+        return none;
+    }
+    if (const int error = commit(); error != none) return error;
+    transaction_.emplace().foundSets = foundSets_;
+    records_.beginTransaction();
+    return none;
+}
+
+int Position::commitTransaction() {
+    if (!transaction_) return calc::error::unavailable;
+    if (transaction_->inner > 0) {
+        --transaction_->inner;
+        return none;
+    }
+    if (const int error = commit(); error != none) return error;
+    transaction_.reset();
+    records_.endTransaction(true);
+    return none;
+}
+
+int Position::revertTransaction() {
+    if (!transaction_) return calc::error::unavailable;
+    foundSets_ = std::exchange(transaction_, std::nullopt)->foundSets;
+    records_.endTransaction(false);
+    return none;
+}
+
+int Position::setRevertsOnError(bool reverts) {
+    if (!transaction_) return calc::error::unavailable;
+    transaction_->revertsOnError = reverts;
+    return none;
+}
+
+} // namespace host

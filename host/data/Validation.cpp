@@ -1,0 +1,99 @@
+#include "host/data/Records.h"
+
+#include <algorithm>
+
+/// What fields demand of values before their records are committed.
+
+namespace host {
+
+namespace {
+
+int typeCode(DataType type) {
+    if (type == DataType::number) return calc::error::wrongNumber;
+    return type == DataType::time ? calc::error::wrongTime : calc::error::wrongDate;
+}
+
+/// A text in a field of another type is one that could not be read as such.
+bool isOfType(const DataRef& value, DataType type) {
+    if (!value->isValid()) return false;
+    return type != DataType::number ||
+           fitted(std::make_shared<const Data>(value->asText()), type)->nativeType() == type;
+}
+
+bool isOutside(const Validation& rules, const Data& value) {
+    return rules.least && (isBefore(value, *rules.least) || isBefore(*rules.most, value));
+}
+
+} // namespace
+
+/// Whether another record has a key of the value.
+bool Records::isTaken(const Cell& cell, const Data& value) {
+    const DataType type = schema().tables[cell.place.table].fields[cell.field].type;
+    std::set<std::int64_t> owners;
+    for (const Key& key : keysOf(value, type))
+        index(cell.place.table, cell.field).find(key, KeyComparison::equal, owners);
+    owners.erase(cell.place.record);
+    return !owners.empty();
+}
+
+bool Records::isListed(std::u16string_view listName, const Data& value) {
+    const auto& lists = schema().valueLists;
+    const auto list = std::find_if(lists.begin(), lists.end(), [&](const ValueList& known) {
+        return calc::foldName(known.name) == calc::foldName(listName);
+    });
+    if (list == lists.end()) return false;
+    if (!list->occurrence) {
+        const std::u16string wanted = calc::foldName(value.asText().units());
+        return std::any_of(list->values.begin(), list->values.end(),
+                           [&](const std::u16string& known) { return calc::foldName(known) == wanted; });
+    }
+    const std::size_t table = schema().occurrences[*list->occurrence].table;
+    const Field& field = schema().tables[table].fields[list->field];
+    std::set<std::int64_t> owners;
+    if (field.hasColumns())
+        for (const Key& key : keysOf(value, field.type))
+            index(table, list->field).find(key, KeyComparison::equal, owners);
+    return !owners.empty();
+}
+
+bool Records::isTrue(const Cell& cell, const std::u16string& calculation) {
+    const calc::RecordScope scope = scopeOf(cell);
+    const calc::Parsed parsed = parse_(calculation, scope);
+    if (!parsed.expression) return false;
+    const calc::Result result = evaluate_(*parsed.expression, scope);
+    return result.error == calc::error::none && result.value->asBoolean();
+}
+
+int Records::violation(const Cell& cell) {
+    const Field of = schema().tables[cell.place.table].fields[cell.field]; // a calculation may change it
+    const Validation& rules = of.validation;
+    const DataRef value = stored(cell);
+    if (value->isEmpty() && value->isValid())
+        return rules.isRequired && cell.repetition == 1 ? calc::error::valueRequired : calc::error::none;
+    if (rules.isStrict && !isOfType(value, of.type)) return typeCode(of.type);
+    if (isOutside(rules, *value)) return calc::error::outsideRange;
+    if (rules.isUnique && isTaken(cell, *value)) return calc::error::notUnique;
+    if (!rules.valueList.empty() && !isListed(rules.valueList, *value)) return calc::error::notListed;
+    if (!rules.calculation.empty() && !isTrue(cell, rules.calculation)) return calc::error::validationFailed;
+    const bool isTooLong = rules.longest > 0 && value->asText().size() > rules.longest;
+    return isTooLong ? calc::error::tooLong : calc::error::none;
+}
+
+/// Fields of a new record, and those that were written since the last commit.
+int Records::violation() {
+    notice();
+    for (; !unchecked_.empty(); unchecked_.erase(unchecked_.begin())) {
+        const RecordPlace place = *unchecked_.begin();
+        const OpenRecord open = open_[place];
+        const std::vector<Field> fields = schema().tables[place.table].fields;
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (!fields[i].validation.isAny() || (!open.isNew && !open.written.contains(i))) continue;
+            for (int repetition = 1; repetition <= fields[i].repetitions; ++repetition)
+                if (const int code = violation({place, i, repetition}); code != calc::error::none)
+                    return code;
+        }
+    }
+    return calc::error::none;
+}
+
+} // namespace host
