@@ -1,5 +1,6 @@
 #include "host/app/File.h"
 
+#include "host/app/DescriptionReader.h"
 #include "host/app/Design.h"
 #include "host/app/GetNames.h"
 #include "host/app/Session.h"
@@ -76,8 +77,9 @@ void File::checkCalculations() {
             const calc::RecordScope scope{.occurrence = i, .record = 0, .repetition = 1, .self = {}};
             const calc::Parsed parsed = calc::parse(source, session_->functions(), this, &scope);
             if (std::find(names.begin(), names.end(), parsed.error) == names.end())
-                throw std::runtime_error("field " + toUtf8(schema.occurrences[i].name + u"::" + field.name) +
-                                         ": " + parsed.problem.message);
+                failAt(toUtf8(solution_.path + u"/solution.toml"), field.line,
+                       "field " + toUtf8(schema.occurrences[i].name + u"::" + field.name) + ": " +
+                           parsed.problem.message);
         }
 }
 
