@@ -208,6 +208,15 @@ int Position::deleteAllRecords() {
     return none;
 }
 
+int Position::truncateTable(std::u16string_view name) {
+    const auto occurrence = records_.schema().occurrence(name);
+    if (!occurrence) return calc::error::missingTable;
+    if (transaction_) return calc::error::unavailable;
+    if (const int error = leave(); error != none) return error;
+    records_.clear(records_.schema().occurrences[*occurrence].table);
+    return none;
+}
+
 /// The record whose field is set; 0 with a reason. A global needs none.
 std::int64_t Position::recordToChange(calc::FieldPlace place, int& error) {
     const auto here = occurrence();
@@ -293,7 +302,9 @@ int Position::showAllRecords() {
     enterBrowseMode();
     if (!occurrence()) return calc::error::unavailable;
     if (const int error = leave(); error != none) return error;
+    const std::int64_t here = record();
     show(records_.all(table()), true);
+    current()->current = placeIn(found(), here).value_or(0);
     return none;
 }
 
@@ -309,10 +320,16 @@ int Position::omitRecord() {
         requests_[request_].omits = !requests_[request_].omits;
         return none;
     }
-    if (record() == 0) return calc::error::missingRecord;
+    return omitRecords(1);
+}
+
+int Position::omitRecords(std::int64_t count) {
+    if (mode_ == Mode::find) return calc::error::unavailable;
+    if (record() == 0 || count < 1) return calc::error::missingRecord;
     if (const int error = leave(); error != none) return error;
     FoundSet& set = *current();
-    set.records.erase(set.records.begin() + static_cast<std::ptrdiff_t>(set.current));
+    const auto first = set.records.begin() + static_cast<std::ptrdiff_t>(set.current);
+    set.records.erase(first, first + std::min<std::int64_t>(count, set.records.end() - first));
     set.isAll = false;
     if (!set.records.empty()) set.current = std::min(set.current, set.records.size() - 1);
     return none;

@@ -63,6 +63,8 @@ public:
     int duplicateRecord();
     int deleteRecord();
     int deleteAllRecords(); ///< of the found set
+    /// Deletes the records of a table and nothing that is related to them. 106: no such occurrence.
+    int truncateTable(std::u16string_view occurrence);
 
     /// Sets a field of the current record, of the first related one, or a global. A related record is created
     /// where there is none and the relationship allows it. In Find mode it sets a criterion. 101: no record;
@@ -96,6 +98,7 @@ public:
     /// The current record leaves the found set. In Find mode the current request becomes an omitting one, or
     /// a usual one again.
     int omitRecord();
+    int omitRecords(std::int64_t count); ///< the current record and those after it
 
     int enterFindMode(); ///< with one empty request
     int enterBrowseMode();

@@ -321,6 +321,12 @@ void Records::remove(RecordPlace place) {
     }
 }
 
+void Records::clear(std::size_t table) {
+    notice();
+    for (const std::int64_t record : all(table))
+        removeRow({table, record});
+}
+
 OpenState Records::state(RecordPlace place) const {
     const auto open = open_.find(place);
     if (open == open_.end()) return OpenState::committed;

@@ -88,6 +88,8 @@ public:
     std::int64_t duplicate(RecordPlace place);
     /// Deletes a record, and those that relationships delete with it. This is not taken back.
     void remove(RecordPlace place);
+    /// Deletes all records of a table, and nothing with them.
+    void clear(std::size_t table);
     /// Gives 0, or 102, 111 (repetition), 201 (not to be written), 101 (no record). A global takes any
     /// record.
     int set(RecordPlace place, std::size_t field, int repetition, const DataRef& value);

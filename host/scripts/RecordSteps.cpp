@@ -95,6 +95,22 @@ void commitRecords(StepRun& run) {
     check(run.has(kUnchecked.name) ? position.commitUnchecked() : position.commit());
 }
 
+void omitMultipleRecords(StepRun& run) {
+    check(run.position().omitRecords(run.value(u"count")->asNumber().toInt64()));
+}
+
+void truncateTable(StepRun& run) {
+    std::u16string name = run.quotedName(u"Table").name;
+    if (const auto here = run.position().occurrence(); name.empty() && here)
+        name = run.file().schema()->occurrences[*here].name;
+    check(run.position().truncateTable(name));
+}
+
+void sortByField(StepRun& run) {
+    check(run.position().sort({{.field = localField(run, *run.option(u"field")),
+                                .isDescending = run.says(u"order", u"descending")}}));
+}
+
 void goToRelatedRecord(StepRun& run) {
     Position& position = run.position();
     std::u16string layout = run.quotedName(u"Using layout").name;
@@ -144,6 +160,13 @@ constexpr std::array kSteps{
             .run = commitRecords,
             .options = {kWithDialog, kUnchecked, kOverride},
             .repeats = true},
+    StepRow{.name = u"Truncate Table",
+            .run = truncateTable,
+            .options = {kWithDialog, OptionRow{.name = u"Table", .takes = Takes::name, .isLabelled = true},
+                        OptionRow{.name = u"Table",
+                                  .takes = Takes::words,
+                                  .isLabelled = true,
+                                  .words = u"<current table>"}}},
     StepRow{.name = u"Revert Record/Request", .run = perform<&Position::revert>, .options = {kWithDialog}},
     StepRow{.name = u"Enter Find Mode",
             .run = find<&Position::enterFindMode>,
@@ -159,6 +182,9 @@ constexpr std::array kSteps{
     StepRow{.name = u"Show All Records", .run = perform<&Position::showAllRecords>},
     StepRow{.name = u"Show Omitted Only", .run = perform<&Position::showOmittedOnly>},
     StepRow{.name = u"Omit Record", .run = perform<&Position::omitRecord>},
+    StepRow{.name = u"Omit Multiple Records",
+            .run = omitMultipleRecords,
+            .options = {kWithDialog, OptionRow{.name = u"count", .isNeeded = true}}},
     StepRow{.name = u"Constrain Found Set", .run = find<&Position::constrainFoundSet>, .options = {kRestore}},
     StepRow{.name = u"Extend Found Set", .run = find<&Position::extendFoundSet>, .options = {kRestore}},
     StepRow{.name = u"Sort Records",
@@ -166,6 +192,10 @@ constexpr std::array kSteps{
             .options = {kRestore, kWithDialog, OptionRow{.name = u"field", .takes = Takes::field},
                         OptionRow{.name = u"order", .takes = Takes::words, .words = u"ascending|descending"}},
             .repeats = true},
+    StepRow{.name = u"Sort Records by Field",
+            .run = sortByField,
+            .options = {OptionRow{.name = u"order", .takes = Takes::words, .words = u"ascending|descending"},
+                        OptionRow{.name = u"field", .takes = Takes::field, .isNeeded = true}}},
     StepRow{.name = u"Unsort Records", .run = perform<&Position::unsort>},
 };
 
