@@ -35,6 +35,29 @@ TEST(Database, StopsAStatementAtItsTimeLimit) {
         << "undone";
 }
 
+TEST(Database, ATransactionEndsWithAStatementThatReachesALimit) {
+    Database database("CREATE TABLE t (x NUMERIC); INSERT INTO t VALUES (1)", {},
+                      std::chrono::milliseconds(50));
+    const auto count = [&] {
+        return database.execute(u"SELECT COUNT ( * ) FROM t", {}).rows.at(0).at(0)->asText().utf8();
+    };
+    database.beginTransaction();
+    EXPECT_EQ(database.execute(u"INSERT INTO t ( x ) VALUES ( 2 )", {}).error, 0);
+    EXPECT_EQ(count(), "2");
+    EXPECT_EQ(database
+                  .query("WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+                         "INSERT INTO t SELECT i FROM n",
+                         {})
+                  .error,
+              8309);
+    EXPECT_FALSE(database.endTransaction(true));
+    EXPECT_EQ(count(), "1");
+    database.beginTransaction();
+    EXPECT_EQ(database.execute(u"INSERT INTO t ( x ) VALUES ( 2 )", {}).error, 0);
+    EXPECT_TRUE(database.endTransaction(true));
+    EXPECT_EQ(count(), "2");
+}
+
 /// The replaced functions give the results of the engine's functions for well-formed text.
 TEST(Database, BoundedFunctionsAgreeWithTheEngine) {
     sqlite3* engine = nullptr;

@@ -42,11 +42,10 @@ void Records::beginTransaction() {
     besideBefore_ = beside_;
 }
 
-void Records::endTransaction(bool keepsChanges) {
+bool Records::endTransaction(bool keepsChanges) {
     notice();
     if (keepsChanges) commit();
-    database_.endTransaction(keepsChanges);
-    if (keepsChanges) return;
+    if (database_.endTransaction(keepsChanges)) return true;
     beside_ = std::exchange(besideBefore_, {});
     open_.clear();
     unchecked_.clear();
@@ -55,6 +54,7 @@ void Records::endTransaction(bool keepsChanges) {
     for (std::uint64_t& number : membership_)
         ++number;
     notice();
+    return false;
 }
 
 /// Commits before the current record, or the mode, becomes another.
@@ -95,9 +95,10 @@ int Position::commitTransaction() {
         return none;
     }
     if (const int error = commit(); error != none) return error;
-    transaction_.reset();
-    records_.endTransaction(true);
-    return none;
+    const Transaction ended = *std::exchange(transaction_, std::nullopt);
+    if (records_.endTransaction(true)) return none;
+    foundSets_ = ended.foundSets;
+    return calc::error::unspecific;
 }
 
 int Position::revertTransaction() {

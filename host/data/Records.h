@@ -103,7 +103,7 @@ public:
     void revert();
     /// Between these two, what is committed can be taken back as well.
     void beginTransaction();
-    void endTransaction(bool keepsChanges);
+    bool endTransaction(bool keepsChanges); ///< false where the changes are taken back
     /// The error code of the first field of an open record that its validation refuses; 0 for none.
     int violation();
     void skipValidation() { unchecked_.clear(); } ///< of what was changed until now

@@ -166,10 +166,12 @@ void Database::beginTransaction() {
     schemaBefore_ = schema_;
 }
 
-void Database::endTransaction(bool keepsChanges) {
+bool Database::endTransaction(bool keepsChanges) {
     const Connection::Work work(statements_->connection);
     Connection& connection = statements_->connection;
-    if (!keepsChanges) {
+    // The store itself takes everything back when a statement runs out of time or memory.
+    const bool isLost = sqlite3_get_autocommit(connection.handle()) != 0;
+    if (!keepsChanges || isLost) {
         const calc::SqlAnswer lastIds = query("SELECT name, seq FROM sqlite_sequence", {});
         connection.run("ROLLBACK TO kestrel_transaction");
         query("DELETE FROM sqlite_sequence", {});
@@ -182,6 +184,7 @@ void Database::endTransaction(bool keepsChanges) {
         }
     }
     connection.run("RELEASE kestrel_transaction");
+    return keepsChanges && !isLost;
 }
 
 calc::SqlAnswer Database::execute(std::u16string_view statement, const DataVect& parameters) {

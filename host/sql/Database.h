@@ -64,8 +64,9 @@ public:
 
     /// From here on changes of records and of the schema can be taken back together. Not within another one.
     void beginTransaction();
-    /// IDs of records and serial numbers that were given are not given again.
-    void endTransaction(bool keepsChanges);
+    /// IDs of records and serial numbers that were given are not given again. False where the changes are
+    /// taken back: as they were to be, or because a statement has reached a limit meanwhile.
+    bool endTransaction(bool keepsChanges);
 
     /// Runs exactly one statement of the app's dialect: a query, a change of records, or a definition, which
     /// changes the schema. Tables are named by their occurrences. Each `?` takes the parameter at its
