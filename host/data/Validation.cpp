@@ -21,7 +21,8 @@ bool isOfType(const DataRef& value, DataType type) {
 }
 
 bool isOutside(const Validation& rules, const Data& value) {
-    return rules.least && (isBefore(value, *rules.least) || isBefore(*rules.most, value));
+    if (!rules.least) return false;
+    return isBefore(value, *rules.least) || (!rules.most->isEmpty() && isBefore(*rules.most, value));
 }
 
 } // namespace
