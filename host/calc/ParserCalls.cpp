@@ -11,13 +11,15 @@ namespace host::calc {
 
 namespace {
 
-/// Whether a node calculates its value, so that it is no field and no variable. GetField and Evaluate may
-/// stand for a field.
+/// Whether a node calculates its value, so that it is no field and no variable. Three functions may stand for
+/// a field.
 bool calculates(const Node& node) {
-    constexpr std::array kinds{Node::Kind::literal, Node::Kind::chain, Node::Kind::call,
-                               Node::Kind::negate, Node::Kind::logicalNot};
-    if (isCallOf(node, u"GetField") || isCallOf(node, u"Evaluate")) return false;
-    return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
+    constexpr std::array kinds{Node::Kind::literal, Node::Kind::chain, Node::Kind::call, Node::Kind::negate,
+                               Node::Kind::logicalNot};
+    constexpr std::array<std::u16string_view, 3> references{u"GetField", u"Evaluate", u"Self"};
+    if (std::ranges::any_of(references, [&](auto function) { return isCallOf(node, function); }))
+        return false;
+    return std::ranges::find(kinds, node.kind) != kinds.end();
 }
 
 } // namespace
