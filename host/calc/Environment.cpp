@@ -50,7 +50,7 @@ Text SqlAnswer::joined(const Text& betweenColumns, const Text& betweenRows) cons
         if (row > 0) result.append(betweenRows);
         for (std::size_t column = 0; column < rows[row].size(); ++column) {
             if (column > 0) result.append(betweenColumns);
-            result.append(rows[row][column]->asText());
+            rows[row][column]->appendTextTo(result);
             checkTextSize(result.size());
         }
     }

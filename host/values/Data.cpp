@@ -175,13 +175,22 @@ const Text& Data::asText() const {
     if (held_ == DataType::text) return std::get<Text>(value_);
     if (held_ == DataType::binary) return textOf(asBinary());
     auto& reading = readings().text;
-    if (!reading) {
-        if (held_ == DataType::number) reading = Text(textOf(std::get<Decimal>(value_)));
-        if (held_ == DataType::date) reading = Text(std::get<DateTime>(value_).dateText());
-        if (held_ == DataType::time) reading = Text(std::get<DateTime>(value_).timeText());
-        if (held_ == DataType::timestamp) reading = Text(std::get<DateTime>(value_).timestampText());
-    }
+    if (!reading) reading = newText();
     return *reading;
+}
+
+/// Of a value that is neither a text nor a container.
+Text Data::newText() const {
+    if (held_ == DataType::number) return Text(textOf(std::get<Decimal>(value_)));
+    const auto& value = std::get<DateTime>(value_);
+    if (held_ == DataType::date) return Text(value.dateText());
+    return Text(held_ == DataType::time ? value.timeText() : value.timestampText());
+}
+
+void Data::appendTextTo(Text& text) const {
+    const bool isThere =
+        held_ == DataType::text || held_ == DataType::binary || (readings_ && readings_->text);
+    isThere ? text.append(asText()) : text.append(newText());
 }
 
 const std::vector<std::uint32_t>& Data::lineStarts() const {

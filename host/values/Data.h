@@ -47,6 +47,8 @@ public:
 
     /// Of a container with data: "?".
     [[nodiscard]] const Text& asText() const;
+    /// Appends the same text. One that must be made is not kept with the value.
+    void appendTextTo(Text& text) const;
     /// The positions in the text at which its lines begin: 0, and each position after a return. They are
     /// found once and kept with the value.
     [[nodiscard]] const std::vector<std::uint32_t>& lineStarts() const;
@@ -90,6 +92,7 @@ private:
 
     void hold(Value value, DataType held, DataType nativeType);
     Readings& readings() const;
+    [[nodiscard]] Text newText() const;
     [[nodiscard]] const DateTime& dateTimeReading(DataType wanted) const;
 
     Value value_;
