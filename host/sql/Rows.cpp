@@ -2,11 +2,37 @@
 
 #include "host/sql/Values.h"
 
+#include <array>
+#include <memory>
+#include <utility>
+
 namespace host {
 
 namespace {
 
 constexpr std::size_t kMostValues = 1'000'000, kMostBytes = std::size_t{256} << 20U;
+
+/// Makes the values of a result in blocks, which takes less time than many small allocations. A block lives
+/// as long as one of its values.
+class ValueBlocks {
+public:
+    DataRef keep(Data value) {
+        if (used_ == kSize) {
+            block_ = std::make_shared<Block>();
+            used_ = 0;
+        }
+        Data& place = (*block_)[used_++];
+        place = std::move(value);
+        return {block_, &place};
+    }
+
+private:
+    static constexpr std::size_t kSize = 64;
+    using Block = std::array<Data, kSize>;
+
+    std::shared_ptr<Block> block_;
+    std::size_t used_ = kSize;
+};
 
 } // namespace
 
@@ -28,13 +54,15 @@ std::vector<DataType> declaredTypes(sqlite3_stmt* statement) {
 }
 
 int collectRows(sqlite3_stmt* statement, const std::vector<DataType>& types, ValueForm form, RowVect& rows) {
+    ValueBlocks blocks;
     std::size_t values = 0, bytes = 0;
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         DataVect& row = rows.emplace_back();
         row.reserve(types.size());
         for (std::size_t column = 0; column < types.size(); ++column)
-            row.push_back(columnValue(statement, static_cast<int>(column), types[column], form, bytes));
+            row.push_back(
+                blocks.keep(columnValue(statement, static_cast<int>(column), types[column], form, bytes)));
         values += types.size();
         if (values > kMostValues || bytes > kMostBytes) return SQLITE_TOOBIG;
     }

@@ -210,19 +210,19 @@ bool isMoment(DataType type) {
     return type == DataType::date || type == DataType::time || type == DataType::timestamp;
 }
 
-DataRef fromText(std::string_view text, DataType declared) {
+Data fromText(std::string_view text, DataType declared) {
     constexpr std::size_t longestMoment = 64;
     if (isMoment(declared) && text.size() <= longestMoment) {
         // The few units of a date need no memory of their own.
         std::array<char16_t, longestMoment> units{};
         std::copy_n(reinterpret_cast<const unsigned char*>(text.data()), text.size(), units.begin());
         if (const auto value = readSqlText({units.data(), text.size()}, declared))
-            return std::make_shared<const Data>(*value, declared);
+            return Data(*value, declared);
     }
     std::u16string units = fromUtf8(text);
     if (declared == DataType::number)
-        if (const auto number = Decimal::parse(units)) return std::make_shared<const Data>(*number);
-    return std::make_shared<const Data>(Text(std::move(units)));
+        if (const auto number = Decimal::parse(units)) return Data(*number);
+    return Data(Text(std::move(units)));
 }
 
 } // namespace
@@ -302,11 +302,9 @@ DataType declaredType(const char* declaration) {
     return DataType::invalid;
 }
 
-DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form,
-                    std::size_t& bytes) {
+Data columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form, std::size_t& bytes) {
     const auto given = [form](const Decimal& number) {
-        return form == ValueForm::typed ? std::make_shared<const Data>(number)
-                                        : std::make_shared<const Data>(Text(number.text()));
+        return form == ValueForm::typed ? Data(number) : Data(Text(number.text()));
     };
     switch (sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER: return given(Decimal(sqlite3_column_int64(statement, column)));
@@ -315,7 +313,7 @@ DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, Valu
         break;
     case SQLITE_BLOB:
         bytes += static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
-        return std::make_shared<const Data>(columnBytes(statement, column));
+        return columnBytes(statement, column);
     case SQLITE_TEXT: {
         const std::string_view text = columnText(statement, column);
         bytes += text.size();
@@ -323,8 +321,7 @@ DataRef columnValue(sqlite3_stmt* statement, int column, DataType declared, Valu
     }
     default: break;
     }
-    static const DataRef empty = std::make_shared<const Data>();
-    return empty;
+    return {};
 }
 
 } // namespace host
