@@ -33,7 +33,6 @@ DataType declaredType(const char* declaration);
 
 /// A column of the current row, converted to the declared type where possible. The SQL form is a text. The
 /// size of a text or container is added to `bytes`.
-Data columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form,
-                    std::size_t& bytes);
+Data columnValue(sqlite3_stmt* statement, int column, DataType declared, ValueForm form, std::size_t& bytes);
 
 } // namespace host
