@@ -4,7 +4,7 @@
 #include "host/app/Imports.h"
 #include "host/app/LoadedPlugIn.h"
 #include "host/fmwrapper/Bridge.h"
-#include "host/fmwrapper/Faults.h"
+#include "host/fmwrapper/ForEachFault.h"
 #include "host/fmwrapper/ObjectCounts.h"
 #include "host/fmwrapper/Versions.h"
 #include "host/values/Encoding.h"
@@ -242,34 +242,26 @@ Finding givesBack(const Subject& subject) {
     return {};
 }
 
-/// Makes a call with each of its host calls failing in turn.
-Finding callsUnderFaults(WithCalls& running, const Callable& callable, Faults::Kind kind, bool fromThenOn) {
-    constexpr std::uint64_t mostPoints = 2'000;
-    const DataVect arguments = argumentLists(callable).front();
-    for (std::uint64_t nth = 1; nth <= mostPoints; ++nth) {
-        const ObjectCounts before = objectCounts();
-        faults().arm(nth, kind, fromThenOn);
-        running.callOnce(callable, arguments);
-        const bool fired = faults().fired();
-        faults().disarm();
-        Finding finding = running.violation();
-        if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
-            finding = "it keeps " + kept.describe();
-        if (!finding.empty())
-            return callable.name + ", when host call " + std::to_string(nth) + " fails: " + finding;
-        if (!fired) return {};
-    }
-    return {};
-}
-
 Finding survivesAFailingHost(const Subject& subject) {
+    constexpr std::uint64_t mostPoints = 2'000;
     WithCalls running(subject);
-    for (const Callable& callable : running.calls)
-        for (const Faults::Kind kind : {Faults::Kind::badAlloc, Faults::Kind::unknown})
-            for (const bool fromThenOn : {false, true})
-                if (Finding finding = callsUnderFaults(running, callable, kind, fromThenOn); !finding.empty())
-                    return finding;
-    return {};
+    Finding finding;
+    for (const Callable& callable : running.calls) {
+        const DataVect arguments = argumentLists(callable).front();
+        forEachFault([&](FaultPoint& point) {
+            point.fired = false;
+            if (point.nth > mostPoints || !finding.empty()) return;
+            const ObjectCounts before = objectCounts();
+            point.during([&] { running.callOnce(callable, arguments); });
+            finding = running.violation();
+            if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
+                finding = "it keeps " + kept.describe();
+            if (!finding.empty())
+                finding =
+                    callable.name + ", when host call " + std::to_string(point.nth) + " fails: " + finding;
+        });
+    }
+    return finding;
 }
 
 constexpr std::string_view kWithinBuffer =
