@@ -56,8 +56,11 @@ Evaluation::FieldReference Evaluation::fieldNamed(std::u16string_view text) {
 
 std::optional<Evaluation::FieldReference> Evaluation::fieldIn(const Node& node) {
     if (node.kind == Node::Kind::field) return referenceTo(node);
-    if (isCallOf(node, u"Self") && scope() != nullptr && scope()->self)
-        return FieldReference{.place = *scope()->self, .repetition = scope()->repetition};
+    if (isCallOf(node, u"Self")) {
+        const RecordScope* here = scope();
+        if (here == nullptr || !here->self) return std::nullopt;
+        return FieldReference{.place = *here->self, .repetition = here->repetition};
+    }
     if (!isCallOf(node, u"GetField")) return std::nullopt;
     try {
         return fieldNamed(evaluate(*node.children[0])->asText().units());

@@ -66,7 +66,7 @@ std::string parameterCounts(const Function& function) {
                          : function.maximum == function.minimum
                              ? least
                              : least + " to " + std::to_string(function.maximum);
-    return named(function.name) + " takes " + counts + (function.maximum == 1 ? " parameter" : " parameters");
+    return named(function.name) + " takes " + counts + (counts == "1" ? " parameter" : " parameters");
 }
 
 /// Signs that people write in place of those of the language.
