@@ -56,7 +56,7 @@ struct SolutionGlobal {
 ///     records = "Contacts.tsv"     # names of fields in the first line, then one record a line
 ///     fields = [
 ///       { name = "ID", type = "number", serial = "9", step = 1, indexed = true, comment = "key" },
-///       { name = "Name", required = true, longest = 40 },   # what is refused when a record is committed
+///       { name = "Name", required = true, longest = 40 },   # conditions of its values
 ///       { name = "Phones", repetitions = 3 },         # text, since nothing else is said
 ///       { name = "Letter", rich = true },             # a text that the records write as HTML
 ///       { name = "gRate", type = "number", global = "0.2" },

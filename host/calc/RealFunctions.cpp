@@ -159,7 +159,13 @@ std::optional<Decimal> realPower(const Decimal& base, const Decimal& exponent) {
 } // namespace
 
 std::optional<Decimal> powerOf(const Decimal& base, const Decimal& exponent) {
-    if (exponent.truncated(0) == exponent) return base.power(exponent);
+    if (exponent.truncated(0) == exponent) {
+        constexpr std::int64_t fewSquarings = 1'000, longSteps = 1'000;
+        const bool isLong = base.precision() > usualPlaces || exponent > Decimal(fewSquarings) ||
+                            exponent < Decimal(-fewSquarings);
+        if (isLong) Work::charge(longSteps);
+        return base.power(exponent);
+    }
     if (base.sign() > 0) return realPower(base, exponent);
     return base.isZero() && exponent.sign() > 0 ? std::optional(Decimal()) : std::nullopt;
 }

@@ -118,6 +118,8 @@ int Position::goToRecord(std::int64_t number) {
         return none;
     }
     if (const int error = leave(); error != none) return error;
+    // A calculation that checks the record may delete others.
+    if (place >= found().size()) return calc::error::missingRecord;
     current()->current = place;
     return none;
 }
@@ -440,7 +442,9 @@ int Position::goToRelatedRecord(std::u16string_view name, std::u16string_view la
         show(*related, false);
     else if (!placeIn(found(), first))
         show(records_.all(table), true);
-    current()->current = *placeIn(found(), first);
+    const auto place = placeIn(found(), first);
+    if (!place) return calc::error::missingRecord;
+    current()->current = *place;
     return none;
 }
 

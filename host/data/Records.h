@@ -152,6 +152,7 @@ private:
     bool isListed(std::u16string_view listName, const Data& value);
     bool isTrue(const Cell& cell, const std::u16string& calculation);
     int violation(const Cell& cell);
+    int violation(const RecordPlace& place, const OpenRecord& open);
     void reindex(RecordPlace place, std::size_t field);
     void forget(RecordPlace place);
     void removeRow(RecordPlace place);

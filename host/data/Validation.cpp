@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-/// What fields demand of values before their records are committed.
+/// Checks of fields before their records are committed.
 
 namespace host {
 
@@ -50,10 +50,17 @@ bool Records::isListed(std::u16string_view listName, const Data& value) {
     }
     const std::size_t table = schema().occurrences[*list->occurrence].table;
     const Field& field = schema().tables[table].fields[list->field];
+    if (!field.hasColumns()) {
+        const std::u16string wanted = calc::foldName(value.asText().units());
+        const std::size_t place = list->field;
+        const std::vector<std::int64_t> records = all(table);
+        return std::any_of(records.begin(), records.end(), [&](std::int64_t record) {
+            return calc::foldName(this->value({table, record}, place, 1)->asText().units()) == wanted;
+        });
+    }
     std::set<std::int64_t> owners;
-    if (field.hasColumns())
-        for (const Key& key : keysOf(value, field.type))
-            index(table, list->field).find(key, KeyComparison::equal, owners);
+    for (const Key& key : keysOf(value, field.type))
+        index(table, list->field).find(key, KeyComparison::equal, owners);
     return !owners.empty();
 }
 
@@ -80,19 +87,29 @@ int Records::violation(const Cell& cell) {
     return isTooLong ? calc::error::tooLong : calc::error::none;
 }
 
-/// Fields of a new record, and those that were written since the last commit.
-int Records::violation() {
-    notice();
-    for (; !unchecked_.empty(); unchecked_.erase(unchecked_.begin())) {
-        const RecordPlace place = *unchecked_.begin();
-        const OpenRecord open = open_[place];
-        const std::vector<Field> fields = schema().tables[place.table].fields;
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            if (!fields[i].validation.isAny() || (!open.isNew && !open.written.contains(i))) continue;
-            for (int repetition = 1; repetition <= fields[i].repetitions; ++repetition)
-                if (const int code = violation({place, i, repetition}); code != calc::error::none)
-                    return code;
+/// Checks all fields of a new record, and of another one those that were written since the last commit.
+int Records::violation(const RecordPlace& place, const OpenRecord& open) {
+    const std::vector<Field> fields = schema().tables[place.table].fields;
+    const std::uint64_t version = schema().version;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (!fields[i].validation.isAny() || (!open.isNew && !open.written.contains(i))) continue;
+        for (int repetition = 1; repetition <= fields[i].repetitions; ++repetition) {
+            if (const int code = violation({place, i, repetition}); code != calc::error::none) return code;
+            // After a change of the tables the places mean other fields.
+            if (schema().version != version) return calc::error::none;
         }
+    }
+    return calc::error::none;
+}
+
+int Records::violation() {
+    for (notice(); !unchecked_.empty(); notice()) {
+        const RecordPlace place = *unchecked_.begin();
+        // A calculation may change or delete the record.
+        const auto found = open_.find(place);
+        const OpenRecord open = found == open_.end() ? OpenRecord() : found->second;
+        if (const int code = violation(place, open); code != calc::error::none) return code;
+        unchecked_.erase(place);
     }
     return calc::error::none;
 }

@@ -82,7 +82,7 @@ DataVect placed(const std::vector<const StepParameter*>& parameters,
 std::pair<const StepParameter*, std::u16string_view> splitLabel(const RegisteredStep& step,
                                                                 std::u16string_view text) {
     const std::size_t colon = text.find(u':');
-    if (colon == std::u16string_view::npos) return {nullptr, text};
+    if (colon == std::u16string_view::npos || text.substr(colon).starts_with(u"::")) return {nullptr, text};
     const std::u16string label = calc::foldName(scripts::trimmed(text.substr(0, colon)));
     for (const StepParameter& parameter : step.parameters)
         if (calc::foldName(parameter.label) == label) return {&parameter, text.substr(colon + 1)};

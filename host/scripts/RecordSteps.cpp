@@ -57,7 +57,7 @@ void goToRecord(StepRun& run) {
 constexpr OptionRow kRestore{.name = u"Restore", .takes = Takes::words, .words = u"restore"};
 constexpr OptionRow kUnchecked{
     .name = u"validation", .takes = Takes::words, .words = u"skip data entry validation"};
-/// Of no effect, as nobody else has the file open.
+/// The option has no effect, as nobody else has the file open.
 constexpr OptionRow kOverride{
     .name = u"locks", .takes = Takes::words, .words = u"override ess locking conflicts"};
 

@@ -2,7 +2,8 @@
 
 #include "host/sql/Values.h"
 
-#include <array>
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -17,21 +18,22 @@ constexpr std::size_t kMostValues = 1'000'000, kMostBytes = std::size_t{256} << 
 class ValueBlocks {
 public:
     DataRef keep(Data value) {
-        if (used_ == kSize) {
-            block_ = std::make_shared<Block>();
+        if (used_ == size_) {
+            // The first block is small, because a field is read alone.
+            size_ = std::clamp<std::size_t>(2 * size_, 1, kLargest);
+            block_ = std::make_shared<Data[]>(size_);
             used_ = 0;
         }
-        Data& place = (*block_)[used_++];
+        Data& place = block_[static_cast<std::ptrdiff_t>(used_++)];
         place = std::move(value);
         return {block_, &place};
     }
 
 private:
-    static constexpr std::size_t kSize = 64;
-    using Block = std::array<Data, kSize>;
+    static constexpr std::size_t kLargest = 64;
 
-    std::shared_ptr<Block> block_;
-    std::size_t used_ = kSize;
+    std::shared_ptr<Data[]> block_;
+    std::size_t size_ = 0, used_ = 0;
 };
 
 } // namespace

@@ -17,7 +17,7 @@ enum class FieldKind : std::uint8_t { normal, global, storedCalculation, unstore
 /// The result that a summary field makes of another field of its table.
 enum class SummaryKind : std::uint8_t { total, average, count, minimum, maximum, standardDeviation, list };
 
-/// What the value of a field must be when its record is committed.
+/// Conditions that the value of a field meets when its record is committed.
 struct Validation {
     bool isRequired = false, isUnique = false;
     bool isStrict = false;      ///< of the field's type

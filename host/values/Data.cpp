@@ -251,7 +251,8 @@ const DateTime& Data::asTimestamp() const { return dateTimeReading(DataType::tim
 
 const Binary& Data::asBinary() const {
     static const Binary none;
-    return held_ == DataType::binary ? *std::get<std::shared_ptr<const Binary>>(value_) : none;
+    const auto* binary = std::get_if<std::shared_ptr<const Binary>>(&value_);
+    return binary != nullptr && *binary ? **binary : none;
 }
 
 bool Data::asBoolean() const {

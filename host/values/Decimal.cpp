@@ -239,6 +239,7 @@ std::optional<Decimal> Decimal::power(const Decimal& exponent) const {
     // Squaring stops by itself: a magnitude that passes 10^400 throws, one that vanishes stays zero, and 1
     // and -1 never grow.
     for (Integer left = abs(exponent.truncated(0).mantissa().value); left > 0; left /= 2) {
+        if (square.isZero()) return Decimal(0, precision);
         if (bit_test(left, 0)) result = result.times(square);
         if (left > 1) square = square.times(square);
     }
