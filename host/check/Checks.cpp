@@ -257,8 +257,8 @@ Finding survivesAFailingHost(const Subject& subject) {
             if (const ObjectCounts kept = objectCounts() - before; finding.empty() && kept.total() > 0)
                 finding = "it keeps " + kept.describe();
             if (!finding.empty())
-                finding =
-                    callable.name + ", when host call " + std::to_string(point.nth) + " fails: " + finding;
+                finding.insert(0,
+                               callable.name + ", when host call " + std::to_string(point.nth) + " fails: ");
         });
     }
     return finding;

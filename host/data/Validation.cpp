@@ -1,6 +1,7 @@
 #include "host/data/Records.h"
 
 #include <algorithm>
+#include <optional>
 
 /// Checks of fields before their records are committed.
 
@@ -43,12 +44,13 @@ bool Records::isListed(std::u16string_view listName, const Data& value) {
         return calc::foldName(known.name) == calc::foldName(listName);
     });
     if (list == lists.end()) return false;
-    if (!list->occurrence) {
+    const std::optional<std::size_t> occurrence = list->occurrence;
+    if (!occurrence) {
         const std::u16string wanted = calc::foldName(value.asText().units());
         return std::any_of(list->values.begin(), list->values.end(),
                            [&](const std::u16string& known) { return calc::foldName(known) == wanted; });
     }
-    const std::size_t table = schema().occurrences[*list->occurrence].table;
+    const std::size_t table = schema().occurrences[*occurrence].table;
     const Field& field = schema().tables[table].fields[list->field];
     if (!field.hasColumns()) {
         const std::u16string wanted = calc::foldName(value.asText().units());
