@@ -108,6 +108,14 @@ int Position::revertTransaction() {
     return none;
 }
 
+void Position::leaveTransactions(std::size_t count) {
+    if (!transaction_ || count == 0) return;
+    if (count > transaction_->inner)
+        revertTransaction();
+    else
+        transaction_->inner -= count;
+}
+
 int Position::setRevertsOnError(bool reverts) {
     if (!transaction_) return calc::error::unavailable;
     transaction_->revertsOnError = reverts;

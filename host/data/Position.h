@@ -88,6 +88,9 @@ public:
     int openTransaction();
     int commitTransaction();
     int revertTransaction();
+    /// Ends the latest transactions that are open without their commit. Those within another one only count;
+    /// the outermost one is taken back.
+    void leaveTransactions(std::size_t count);
     [[nodiscard]] bool hasTransaction() const { return transaction_.has_value(); }
     /// Whether an error of a step takes the transaction back.
     [[nodiscard]] bool revertsOnError() const { return !transaction_ || transaction_->revertsOnError; }

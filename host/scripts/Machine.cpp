@@ -203,7 +203,7 @@ void Machine::popFrame(const calc::Result& result) {
     Run& run = runs_.back();
     const Frame ended = std::move(run.frames.back());
     run.frames.pop_back();
-    if (ended.opensTransaction && ended.file->isOpen()) ended.file->position().revertTransaction();
+    if (ended.file->isOpen()) ended.file->position().leaveTransactions(ended.openTransactions);
     if (stage_.onScriptEnd) stage_.onScriptEnd(ended.call, result);
     if (run.frames.empty() || ended.origin != Frame::Origin::subScript) return;
     top().state->result = result.value;
@@ -236,6 +236,7 @@ void Machine::haltAll() {
 void Machine::goOn() {
     Frame& frame = top();
     frame.pausedUntil.reset();
+    if (frame.file->isOpen()) leaveEndedTransaction(frame);
     const Script& script = *frame.script;
     const bool isList = script.steps.empty();
     if (frame.at >= (isList ? script.calculations.size() : script.steps.size()))

@@ -29,7 +29,7 @@ struct Frame {
     calc::Result last; ///< its result if it ends now: that of a list's last calculation, else empty
     std::optional<std::size_t> originalLayout;     ///< that of the file when the script began
     std::size_t at = 0;                            ///< the next step, or the next calculation
-    bool opensTransaction = false;                 ///< which ends with it
+    std::size_t openTransactions = 0;              ///< that it opened; they end with it
     bool triesBranch = false;                      ///< all branches before the next step were false
     std::optional<Clock::Micros> pausedUntil = {}; ///< on the host's clock
 };

@@ -3,6 +3,8 @@
 #include "host/data/Position.h"
 #include "host/scripts/Steps.h"
 
+#include <utility>
+
 namespace host::scripts {
 
 namespace {
@@ -11,19 +13,32 @@ constexpr std::u16string_view kWhen = u"Condition", kErrorCode = u"Error Code",
                               kErrorMessage = u"Error Message";
 
 void openTransaction(StepRun& run) {
-    run.frame().opensTransaction = run.frame().opensTransaction || !run.position().hasTransaction();
     check(run.position().openTransaction());
+    ++run.frame().openTransactions;
 }
 
-void commitTransaction(StepRun& run) { check(run.position().commitTransaction()); }
+/// A script commits what it has opened itself.
+void commitTransaction(StepRun& run) {
+    std::size_t& open = run.frame().openTransactions;
+    if (open == 0) throw calc::Error{calc::error::unavailable};
+    const int error = run.position().commitTransaction();
+    if (!run.position().hasTransaction())
+        open = 0;
+    else if (error == calc::error::none)
+        --open;
+    check(error);
+}
 
-/// Goes on after the step that would have ended the transaction, where the script has it.
-void leaveTransaction(StepRun& run) {
-    const std::vector<Step>& steps = run.frame().script->steps;
-    std::size_t inner = 0;
-    for (std::size_t at = run.frame().at; at < steps.size(); ++at) {
+/// Goes on after the step that would have ended the outermost transaction of the script, where it has one.
+void leaveTransaction(Frame& frame) {
+    if (frame.openTransactions == 0) return;
+    const std::vector<Step>& steps = frame.script->steps;
+    std::size_t inner = std::exchange(frame.openTransactions, 0) - 1;
+    for (std::size_t at = frame.at; at < steps.size(); ++at) {
         if (steps[at].row->run == openTransaction) ++inner;
-        if (steps[at].row->run == commitTransaction && inner-- == 0) return run.jumpTo(at + 1);
+        if (steps[at].row->run != commitTransaction || inner-- > 0) continue;
+        frame.at = at + 1;
+        return;
     }
 }
 
@@ -33,7 +48,7 @@ void revertTransaction(StepRun& run) {
     const std::int64_t code = run.value(kErrorCode)->asNumber().toInt64();
     const DataRef message = run.value(kErrorMessage);
     check(run.position().revertTransaction());
-    leaveTransaction(run);
+    leaveTransaction(run.frame());
     if (!run.has(kErrorCode)) return;
     if (code < leastCode || code > mostCode) throw calc::Error{calc::error::unavailable};
     run.frame().scope.lastError->detail = message->asText().units();
@@ -65,7 +80,14 @@ void revertAfterError(StepRun& run, int code) {
     Position& position = run.position();
     if (!spoilsTransaction(code) || !position.hasTransaction() || !position.revertsOnError()) return;
     position.revertTransaction();
-    if (run.step().row->run != commitTransaction) leaveTransaction(run);
+    if (run.step().row->run == commitTransaction)
+        run.frame().openTransactions = 0;
+    else
+        leaveTransaction(run.frame());
+}
+
+void leaveEndedTransaction(Frame& frame) {
+    if (frame.openTransactions > 0 && !frame.file->position().hasTransaction()) leaveTransaction(frame);
 }
 
 std::span<const StepRow> transactionSteps() { return kSteps; }
