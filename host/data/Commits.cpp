@@ -83,8 +83,9 @@ int Position::openTransaction() {
         return none;
     }
     if (const int error = commit(); error != none) return error;
-    transaction_.emplace().foundSets = foundSets_;
+    Transaction begun{.foundSets = foundSets_};
     records_.beginTransaction();
+    transaction_ = std::move(begun);
     return none;
 }
 
