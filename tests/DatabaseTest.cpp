@@ -50,6 +50,7 @@ TEST(Database, ATransactionEndsWithAStatementThatReachesALimit) {
                          {})
                   .error,
               8309);
+    EXPECT_EQ(database.execute(u"INSERT INTO t ( x ) VALUES ( 3 )", {}).error, 0);
     EXPECT_FALSE(database.endTransaction(true));
     EXPECT_EQ(count(), "1");
     database.beginTransaction();

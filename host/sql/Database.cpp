@@ -28,6 +28,7 @@ using sql::Problem;
 constexpr std::size_t kLongestStatement = std::size_t{1} << 20U; ///< UTF-16 units
 constexpr std::size_t kMostKept = 200, kLongestKept = 10'000;    ///< translations, and units of one
 constexpr int kSqlRefused = 8309;
+constexpr const char* kBegin = "SAVEPOINT kestrel_transaction";
 
 Change changeOf(int operation) {
     if (operation == SQLITE_INSERT) return Change::inserted;
@@ -150,6 +151,7 @@ std::int64_t Database::lastRecord() const {
 
 calc::SqlAnswer Database::query(std::string_view statement, const DataVect& parameters) {
     const Connection::Work work(statements_->connection);
+    resumeTransaction();
     const std::string text(statement);
     const Connection::Prepared prepared(statements_->connection, text);
     calc::SqlAnswer answer;
@@ -162,16 +164,26 @@ calc::SqlAnswer Database::query(std::string_view statement, const DataVect& para
 
 void Database::beginTransaction() {
     const Connection::Work work(statements_->connection);
-    statements_->connection.run("SAVEPOINT kestrel_transaction");
     schemaBefore_ = schema_;
+    statements_->connection.run(kBegin);
+    inTransaction_ = true;
+    isTransactionLost_ = false;
+}
+
+/// The store itself takes everything back when a statement runs out of time or memory. Changes after that are
+/// taken back at the end.
+void Database::resumeTransaction() {
+    if (!inTransaction_ || sqlite3_get_autocommit(statements_->connection.handle()) == 0) return;
+    isTransactionLost_ = true;
+    statements_->connection.run(kBegin);
 }
 
 bool Database::endTransaction(bool keepsChanges) {
     const Connection::Work work(statements_->connection);
     Connection& connection = statements_->connection;
-    // The store itself takes everything back when a statement runs out of time or memory.
-    const bool isLost = sqlite3_get_autocommit(connection.handle()) != 0;
-    if (!keepsChanges || isLost) {
+    resumeTransaction();
+    const bool isKept = keepsChanges && !isTransactionLost_;
+    if (!isKept) {
         const calc::SqlAnswer lastIds = query("SELECT name, seq FROM sqlite_sequence", {});
         connection.run("ROLLBACK TO kestrel_transaction");
         query("DELETE FROM sqlite_sequence", {});
@@ -184,7 +196,8 @@ bool Database::endTransaction(bool keepsChanges) {
         }
     }
     connection.run("RELEASE kestrel_transaction");
-    return keepsChanges && !isLost;
+    inTransaction_ = false;
+    return isKept;
 }
 
 calc::SqlAnswer Database::execute(std::u16string_view statement, const DataVect& parameters) {
@@ -198,6 +211,7 @@ calc::SqlAnswer Database::select(std::u16string_view statement, const DataVect& 
 calc::SqlAnswer Database::run(std::u16string_view statement, const DataVect& parameters, bool isQueryOnly) {
     try {
         const Connection::Work work(statements_->connection);
+        resumeTransaction();
         const auto translation = translated(statement, parameters, isQueryOnly);
         if (!translation) return {};
         if (isQueryOnly && translation->types.empty()) throw Problem{.code = Fql::syntax};

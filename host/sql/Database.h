@@ -62,7 +62,8 @@ public:
     /// The ID of the record that was inserted last.
     [[nodiscard]] std::int64_t lastRecord() const;
 
-    /// From here on changes of records and of the schema can be taken back together. Not within another one.
+    /// Begins a transaction: changes of records and of the schema that can be taken back together. One at a
+    /// time.
     void beginTransaction();
     /// IDs of records and serial numbers that were given are not given again. False where the changes are
     /// taken back: as they were to be, or because a statement has reached a limit meanwhile.
@@ -79,6 +80,7 @@ private:
     struct Statements;
     struct ChangedRecord;
     void report(const std::vector<ChangedRecord>& changed) const;
+    void resumeTransaction();
     calc::SqlAnswer run(std::u16string_view statement, const DataVect& parameters, bool isQueryOnly);
     /// Null for a definition, which has been carried out. Throws sql::Problem, as does `answer`.
     std::shared_ptr<const sql::Translation> translated(std::u16string_view statement,
@@ -88,6 +90,8 @@ private:
     std::unique_ptr<Statements> statements_;
     Schema schema_;
     Schema schemaBefore_; ///< the open transaction
+    bool inTransaction_ = false;
+    bool isTransactionLost_ = false; ///< the store has taken it back because of a limit
     RecordCalls calls_;
     std::pair<Schema*, RecordCalls*> fieldSource_; ///< of the function that reads fields without columns
 };
