@@ -39,14 +39,17 @@ void Records::revert() {
 void Records::beginTransaction() {
     notice();
     database_.beginTransaction();
-    besideBefore_ = beside_;
+    inTransaction_ = true;
 }
 
 bool Records::endTransaction(bool keepsChanges) {
     notice();
     if (keepsChanges) commit();
+    inTransaction_ = false;
+    const std::map<Cell, DataRef> before = std::exchange(besideBefore_, {});
     if (database_.endTransaction(keepsChanges)) return true;
-    beside_ = std::exchange(besideBefore_, {});
+    for (const auto& [cell, value] : before)
+        keepBeside(cell, value);
     open_.clear();
     unchecked_.clear();
     indexes_.clear();

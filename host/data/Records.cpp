@@ -111,6 +111,7 @@ void Records::notice() {
     indexes_.clear();
     expressions_.clear();
     beside_.clear();
+    besideBefore_.clear();
     open_.clear();
     unchecked_.clear();
     for (std::uint64_t& number : membership_)
@@ -208,11 +209,19 @@ void Records::writeColumn(const Cell& cell, const DataRef& value) {
     database_.query("UPDATE " + quotedName(table.name) + " SET " + columnName(known, cell.repetition) +
                         " = ? WHERE rowid = ?",
                     {value, idValue(cell.place.record)});
-    if (isPlain(*value))
-        beside_.erase(cell);
-    else
-        beside_[cell] = value;
+    keepBeside(cell, isPlain(*value) ? nullptr : value);
     reindex(cell.place, cell.field);
+}
+
+/// Null for nothing. A transaction that is taken back needs the value that was there before.
+void Records::keepBeside(const Cell& cell, const DataRef& value) {
+    const auto found = beside_.find(cell);
+    if (found == beside_.end() && !value) return;
+    if (inTransaction_) besideBefore_.try_emplace(cell, found == beside_.end() ? nullptr : found->second);
+    if (value)
+        beside_[cell] = value;
+    else
+        beside_.erase(found);
 }
 
 void Records::store(const Cell& cell, const DataRef& value) {
@@ -291,9 +300,11 @@ void Records::removeRow(RecordPlace place) {
 void Records::forget(RecordPlace place) {
     for (auto& [key, index] : indexes_)
         if (key.first == place.table) index.remove(place.record);
-    const auto first = beside_.lower_bound({place, 0, 0}),
-               last = beside_.lower_bound({{place.table, place.record + 1}, 0, 0});
-    beside_.erase(first, last);
+    const auto last = beside_.lower_bound({{place.table, place.record + 1}, 0, 0});
+    for (auto cell = beside_.lower_bound({place, 0, 0}); cell != last;) {
+        const Cell known = (cell++)->first;
+        keepBeside(known, nullptr);
+    }
     open_.erase(place);
     unchecked_.erase(place);
     membership_.resize(std::max(membership_.size(), place.table + 1));
@@ -379,10 +390,9 @@ void Records::changed(RecordPlace place, Change change) {
         if (key.first == place.table) reindex(place, key.second);
     const auto first = beside_.lower_bound({place, 0, 0});
     for (auto cell = first; cell != beside_.end() && cell->first.place == place;) {
-        const Cell known = cell->first;
-        const DataRef kept = cell->second;
-        cell = beside_.erase(cell);
-        if (isKept(*stored(known), *kept)) beside_.emplace(known, kept);
+        const auto [known, kept] = *cell++;
+        keepBeside(known, nullptr);
+        if (isKept(*stored(known), *kept)) keepBeside(known, kept);
     }
     if (change == Change::inserted) {
         membership_.resize(std::max(membership_.size(), place.table + 1));

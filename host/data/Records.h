@@ -101,7 +101,7 @@ public:
     [[nodiscard]] std::vector<std::u16string> modifiedFields(RecordPlace place) const;
     void commit();
     void revert();
-    /// Between these two, what is committed can be taken back as well.
+    /// Begins a transaction, in which committed changes can be taken back as well.
     void beginTransaction();
     bool endTransaction(bool keepsChanges); ///< false where the changes are taken back
     /// The error code of the first field of an open record that its validation refuses; 0 for none.
@@ -140,6 +140,7 @@ private:
     DataRef stored(const Cell& cell);
     void store(const Cell& cell, const DataRef& value);
     void writeColumn(const Cell& cell, const DataRef& value);
+    void keepBeside(const Cell& cell, const DataRef& value);
     DataRef calculated(const Cell& cell);
     DataRef evaluated(const Cell& cell);
     calc::ExpressionRef expression(std::size_t table, std::size_t field, const calc::RecordScope& scope);
@@ -172,8 +173,9 @@ private:
     std::map<std::pair<std::size_t, std::size_t>, KeyIndex> indexes_;
     std::map<std::pair<std::size_t, std::size_t>, calc::ExpressionRef> expressions_;
     std::map<RecordPlace, OpenRecord> open_;
-    std::set<RecordPlace> unchecked_;      ///< open records whose validation is due
-    std::map<Cell, DataRef> besideBefore_; ///< the open transaction
+    std::set<RecordPlace> unchecked_; ///< open records whose validation is due
+    bool inTransaction_ = false;
+    std::map<Cell, DataRef> besideBefore_; ///< values that the open transaction changed; null for none
     std::vector<Cell> calculating_;
     std::set<Cell> renewing_; ///< stored calculations that are not renewed yet
 };
