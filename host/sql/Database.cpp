@@ -72,6 +72,18 @@ std::u16string keyOf(std::u16string_view statement, const DataVect& parameters) 
     return key + static_cast<char16_t>(parameters.size());
 }
 
+/// Gives the fields of a schema the next serial numbers that fields of the same name have in another one.
+void keepSerials(const Schema& from, Schema& to) {
+    std::map<std::pair<std::u16string_view, std::u16string_view>, std::u16string_view> serials;
+    for (const BaseTable& table : from.tables)
+        for (const Field& field : table.fields)
+            if (field.nextSerial) serials[{table.name, field.name}] = *field.nextSerial;
+    for (BaseTable& table : to.tables)
+        for (Field& field : table.fields)
+            if (const auto found = serials.find({table.name, field.name}); found != serials.end())
+                field.nextSerial = found->second;
+}
+
 } // namespace
 
 struct Database::ChangedRecord {
@@ -191,6 +203,7 @@ bool Database::endTransaction(bool keepsChanges) {
             query("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)", row);
         if (schema_.version != schemaBefore_.version) {
             schemaBefore_.version = schema_.version + 1;
+            keepSerials(schema_, schemaBefore_);
             schema_ = schemaBefore_;
             statements_->kept.clear();
         }
