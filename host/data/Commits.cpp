@@ -99,15 +99,16 @@ int Position::commitTransaction() {
         return none;
     }
     if (const int error = commit(); error != none) return error;
-    const Transaction ended = *std::exchange(transaction_, std::nullopt);
+    std::optional<Transaction> ended = std::exchange(transaction_, std::nullopt);
     if (records_.endTransaction(true)) return none;
-    foundSets_ = ended.foundSets;
+    if (ended) foundSets_ = std::move(ended->foundSets);
     return calc::error::unspecific;
 }
 
 int Position::revertTransaction() {
     if (!transaction_) return calc::error::unavailable;
-    foundSets_ = std::exchange(transaction_, std::nullopt)->foundSets;
+    foundSets_ = std::move(transaction_->foundSets);
+    transaction_.reset();
     records_.endTransaction(false);
     return none;
 }
