@@ -238,9 +238,7 @@ private:
     /// Value lists are described after the fields that name them.
     void checkUsedLists() const {
         for (const auto& [node, name] : usedLists_)
-            if (std::none_of(
-                    schema_.valueLists.begin(), schema_.valueLists.end(),
-                    [&](const ValueList& list) { return calc::foldName(list.name) == calc::foldName(name); }))
+            if (!schema_.valueList(name))
                 reader_.fail(node->source(), "there is no value list \"" + toUtf8(name) + "\"");
     }
 

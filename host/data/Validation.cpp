@@ -39,30 +39,25 @@ bool Records::isTaken(const Cell& cell, const Data& value) {
 }
 
 bool Records::isListed(std::u16string_view listName, const Data& value) {
-    const auto& lists = schema().valueLists;
-    const auto list = std::find_if(lists.begin(), lists.end(), [&](const ValueList& known) {
-        return calc::foldName(known.name) == calc::foldName(listName);
-    });
-    if (list == lists.end()) return false;
-    const std::optional<std::size_t> occurrence = list->occurrence;
-    if (!occurrence) {
-        const std::u16string wanted = calc::foldName(value.asText().units());
-        return std::any_of(list->values.begin(), list->values.end(),
+    const auto place = schema().valueList(listName);
+    if (!place) return false;
+    const ValueList& list = schema().valueLists[*place];
+    const std::u16string wanted = calc::foldName(value.asText().units());
+    const std::optional<std::size_t> occurrence = list.occurrence;
+    if (!occurrence)
+        return std::any_of(list.values.begin(), list.values.end(),
                            [&](const std::u16string& known) { return calc::foldName(known) == wanted; });
-    }
-    const std::size_t table = schema().occurrences[*occurrence].table;
-    const Field& field = schema().tables[table].fields[list->field];
+    const std::size_t table = schema().occurrences[*occurrence].table, number = list.field;
+    const Field& field = schema().tables[table].fields[number];
     if (!field.hasColumns()) {
-        const std::u16string wanted = calc::foldName(value.asText().units());
-        const std::size_t place = list->field;
         const std::vector<std::int64_t> records = all(table);
         return std::any_of(records.begin(), records.end(), [&](std::int64_t record) {
-            return calc::foldName(this->value({table, record}, place, 1)->asText().units()) == wanted;
+            return calc::foldName(this->value({table, record}, number, 1)->asText().units()) == wanted;
         });
     }
     std::set<std::int64_t> owners;
     for (const Key& key : keysOf(value, field.type))
-        index(table, list->field).find(key, KeyComparison::equal, owners);
+        index(table, number).find(key, KeyComparison::equal, owners);
     return !owners.empty();
 }
 

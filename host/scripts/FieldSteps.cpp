@@ -16,8 +16,7 @@ void setField(StepRun& run) {
     const Option* option = run.option(u"field");
     if (option == nullptr) throw calc::Error{calc::error::missingField};
     const DataRef value = run.value(u"value");
-    const Target target = targetOf(option->text);
-    check(run.position().setField(run.field(target), run.repetition(target, option->line), value));
+    run.set(targetOf(option->text), option->line, value);
 }
 
 void setFieldByName(StepRun& run) {

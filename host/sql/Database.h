@@ -89,7 +89,7 @@ private:
 
     std::unique_ptr<Statements> statements_;
     Schema schema_;
-    Schema schemaBefore_; ///< the open transaction
+    Schema schemaBefore_; ///< as it was when the open transaction began
     bool inTransaction_ = false;
     bool isTransactionLost_ = false; ///< the store has taken it back because of a limit
     RecordCalls calls_;

@@ -27,6 +27,10 @@ std::optional<std::size_t> Schema::occurrence(std::u16string_view name) const {
 
 std::optional<std::size_t> Schema::layout(std::u16string_view name) const { return placeOf(layouts, name); }
 
+std::optional<std::size_t> Schema::valueList(std::u16string_view name) const {
+    return placeOf(valueLists, name);
+}
+
 std::optional<std::size_t> Schema::field(std::size_t occurrence, std::u16string_view name) const {
     return placeOf(tableOf(occurrence).fields, name);
 }

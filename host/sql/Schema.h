@@ -23,8 +23,8 @@ struct Validation {
     bool isStrict = false;      ///< of the field's type
     std::size_t longest = 0;    ///< UTF-16 units of its text; 0 for any
     DataRef least, most;        ///< null for any
-    std::u16string valueList;   ///< that has it; empty for none
-    std::u16string calculation; ///< that is true then; empty for none
+    std::u16string valueList;   ///< the name of the list that has the value; empty for none
+    std::u16string calculation; ///< it must be true; empty for none
 
     [[nodiscard]] bool isAny() const {
         return isRequired || isUnique || isStrict || longest > 0 || least || !valueList.empty() ||
@@ -122,6 +122,7 @@ struct Schema {
     [[nodiscard]] std::optional<std::size_t> occurrence(std::u16string_view name) const;
     [[nodiscard]] std::optional<std::size_t> layout(std::u16string_view name) const;
     /// Place in the fields of the occurrence's base table.
+    [[nodiscard]] std::optional<std::size_t> valueList(std::u16string_view name) const;
     [[nodiscard]] std::optional<std::size_t> field(std::size_t occurrence, std::u16string_view name) const;
     [[nodiscard]] const BaseTable& tableOf(std::size_t occurrence) const {
         return tables[occurrences[occurrence].table];

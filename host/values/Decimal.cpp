@@ -224,7 +224,10 @@ std::optional<Decimal> Decimal::dividedBy(const Decimal& other) const {
     return of({divided(number, divisor, false)}, precision, precision);
 }
 
-Decimal Decimal::negated() const { return of({-mantissa().value}, scale_, precision_); }
+Decimal Decimal::negated() const {
+    const bool isSmall = large_ == nullptr && small_ > std::numeric_limits<std::int64_t>::min();
+    return isSmall ? ofSmall(-small_, scale_, precision_) : of({-mantissa().value}, scale_, precision_);
+}
 
 /// Every step keeps all places that there are: rounding to fewer would grow with the exponent, and a small
 /// base would vanish before its reciprocal is taken.
