@@ -63,8 +63,14 @@ private:
     sockaddr_in address_{};
 };
 
+/// The error of `connectBy`. A connection that it reports must exist.
 int connectTo(const Listener& listener, const Loopback& socket, milliseconds time) {
-    return kst::connectBy(in(time), socket.get(), listener.address(), sizeof(sockaddr_in));
+    const int error = kst::connectBy(in(time), socket.get(), listener.address(), sizeof(sockaddr_in));
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    const bool isConnected = ::syscall(SYS_getpeername, socket.get(), &peer, &size) == 0;
+    EXPECT_TRUE(error != 0 || isConnected);
+    return error;
 }
 
 TEST(BlockingCalls, sendAndReceiveBytes) {

@@ -82,10 +82,15 @@ TEST_F(Bridge, convertsAllOfUnicodeToTexts) {
     EXPECT_EQ(utf8(*text("a\u00E9\u20AC\U0001F600")), "a\u00E9\u20AC\U0001F600");
     EXPECT_EQ(fmlib::WStringFromFMText(*text("x\U0001F600")), (std::wstring{L'x', 0xD83D, 0xDE00}));
     EXPECT_EQ(fmlib::WStringFromFMText(*text("")), L"");
-    // Malformed sequences: overlong, a surrogate, beyond the last code point, truncated, a stray byte.
-    for (const char* malformed : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80"})
-        EXPECT_TRUE(utf8(*text("a" + std::string(malformed) + "b")).starts_with("a\uFFFD")) << malformed;
-    EXPECT_EQ(utf8(*text("\xE2\x82z")), "\uFFFDz");
+    // Malformed sequences: overlong, a surrogate, beyond the last code point (twice), truncated, a stray
+    // byte.
+    for (const char* malformed :
+         {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xE2\x82", "\x80"}) {
+        for (const std::string& whole : {"a" + std::string(malformed) + "b", "a" + std::string(malformed)}) {
+            EXPECT_TRUE(utf8(*text(whole)).starts_with("a\uFFFD")) << whole;
+            EXPECT_EQ(utf8(*text(whole)), host::Text::fromUtf8(whole).utf8()) << whole; // as ICU decodes them
+        }
+    }
     // The largest number stands for the end of a text, so it is not a valid length.
     EXPECT_EQ(hostLength(0xFFFFFFFEU), 0xFFFFFFFEU);
     EXPECT_THROW(hostLength(0xFFFFFFFFU), std::length_error);

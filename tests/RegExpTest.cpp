@@ -211,6 +211,8 @@ TEST_F(RegExp, endsForEveryPattern) {
     EXPECT_EQ(substituted(u"a", times(200, u"(") + u"a" + times(200, u")")).utf8(), "X");
     EXPECT_EQ(substituted(u"ab", u"(b)" + times(900, u"c?|a")).units().substr(0, 1), u"c");
     EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"(" + times(9'998, u"a") + u")").utf8(), "Xaa");
+    EXPECT_EQ(substituted(std::u16string(10'000, u'a'), u"((?:a|b){9998})").utf8(), "Xaa");
+    EXPECT_EQ(substituted(u"1234", u"(" + times(80, u"\\d?") + u")").utf8(), "X");
 }
 
 /// Without the guard the library takes billions of steps for these before its own limit, or never ends.
