@@ -121,9 +121,7 @@ TEST_F(DoFileMakerScript, findsNamesInOtherFilesOnRequest) {
 }
 
 TEST_F(DoFileMakerScript, idlesWithoutAHostCallWhenNothingWaits) {
-    host::faults().disarm();
-    plugIn.idle(kFMXT_UserIdle);
-    EXPECT_EQ(host::faults().calls(), 0U);
+    EXPECT_EQ(hostCallsDuring([&] { plugIn.idle(kFMXT_UserIdle); }), 0U);
 }
 
 TEST(Delay, isWholeNanosecondsOrNever) {

@@ -35,6 +35,14 @@ protected:
         const int error = result.error != 0 ? result.error : result.external.code;
         return error == 0 ? result.value->asText().utf8() : "error " + std::to_string(error);
     }
+    /// The number of host calls that an action makes.
+    template<class Action>
+    static std::uint64_t hostCallsDuring(const Action& action) {
+        host::faults().count();
+        action();
+        host::faults().disarm();
+        return host::faults().calls();
+    }
     /// The last error that the solution sees: "code message".
     std::string lastError() { return textOf("$$Kestrel_LastError & \" \" & $$Kestrel_LastErrorMessage"); }
 };

@@ -93,7 +93,7 @@ TEST(TextSeams, areFewestAfterEveryChange) {
                 units += unit;
             }
             ASSERT_EQ(text.units(), units) << "step " << step;
-            ASSERT_TRUE(text.runs() == runs) << "step " << step;
+            ASSERT_TRUE(std::ranges::equal(text.runs(), runs)) << "step " << step;
             for (std::uint32_t i = 0; i < text.size(); ++i)
                 ASSERT_TRUE(text.formattingAt(i) == model[i].second) << "step " << step << ", unit " << i;
         }

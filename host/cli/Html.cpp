@@ -33,8 +33,8 @@ Data listOf(const std::vector<std::string>& entries) {
 }
 
 bool isAligned(const Text& text) {
-    return std::any_of(text.runs().begin(), text.runs().end(),
-                       [](const Text::Run& run) { return run.formatting.alignment != Alignment::left; });
+    return std::ranges::any_of(
+        text.runs(), [](const Text::Run& run) { return run.formatting.alignment != Alignment::left; });
 }
 
 /// The function asks a variable for the alignment of its paragraphs, but not a text. In a variable, on the

@@ -8,14 +8,14 @@ void Faults::arm(std::uint64_t nth, Kind kind, bool fromThenOn) {
     nth_ = nth;
     kind_ = kind;
     fromThenOn_ = fromThenOn;
+    isCounting_ = true;
 }
 
-void Faults::disarm() {
-    calls_ = 0;
-    nth_ = 0;
-}
+void Faults::count() { arm(0, Kind::unknown, false); }
 
-std::int32_t Faults::next() {
+void Faults::disarm() { isCounting_ = false; }
+
+std::int32_t Faults::counted() {
     const std::uint64_t call = ++calls_, nth = nth_;
     const bool fails = nth != 0 && (fromThenOn_ ? call >= nth : call == nth);
     if (!fails) return 0;

@@ -13,17 +13,23 @@ public:
 
     /// Makes the `nth` call from now fail (1 is the next one); with `fromThenOn`, all later calls as well.
     void arm(std::uint64_t nth, Kind kind, bool fromThenOn);
+    /// Counts the calls from now on; none of them fails.
+    void count();
+    /// Makes no further call fail and stops counting.
     void disarm();
-    /// The number of calls since the last arm or disarm.
+    /// The number of calls since the last `arm` or `count`, up to the `disarm` after it.
     [[nodiscard]] std::uint64_t calls() const { return calls_; }
     /// Whether a call was made to fail since the last arm.
     [[nodiscard]] bool fired() const { return fired_; }
-    /// Counts a call and gives its error code; 0 when the call may proceed.
-    std::int32_t next();
+    /// Gives the error code of a call that begins; 0 when the call may proceed.
+    std::int32_t next() { return isCounting_ ? counted() : 0; }
 
 private:
+    std::int32_t counted();
+
     // Plug-ins make calls on threads of their own too.
-    std::atomic<std::uint64_t> calls_ = 0, nth_ = 0; ///< nth_ is 0 while no fault is armed
+    std::atomic<bool> isCounting_ = false;           ///< most calls read this alone, as counting takes longer
+    std::atomic<std::uint64_t> calls_ = 0, nth_ = 0; ///< nth_ is 0 while calls are only counted
     std::atomic<Kind> kind_ = Kind::unknown;
     std::atomic<bool> fromThenOn_ = false, fired_ = false;
 };

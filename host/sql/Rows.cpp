@@ -18,22 +18,19 @@ constexpr std::size_t kMostValues = 1'000'000, kMostBytes = std::size_t{256} << 
 class ValueBlocks {
 public:
     DataRef keep(Data value) {
-        if (used_ == size_) {
+        if (!block_ || block_->size() == block_->capacity()) {
             // The first block is small, because a field is read alone.
-            size_ = std::clamp<std::size_t>(2 * size_, 1, kLargest);
-            block_ = std::make_shared<Data[]>(size_);
-            used_ = 0;
+            const std::size_t size = block_ ? std::min(2 * block_->size(), kLargest) : 1;
+            block_ = std::make_shared<std::vector<Data>>();
+            block_->reserve(size);
         }
-        Data& place = block_[static_cast<std::ptrdiff_t>(used_++)];
-        place = std::move(value);
-        return {block_, &place};
+        return {block_, &block_->emplace_back(std::move(value))};
     }
 
 private:
     static constexpr std::size_t kLargest = 64;
 
-    std::shared_ptr<Data[]> block_;
-    std::size_t size_ = 0, used_ = 0;
+    std::shared_ptr<std::vector<Data>> block_;
 };
 
 } // namespace

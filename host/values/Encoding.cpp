@@ -101,8 +101,15 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
     }
 }
 
+bool isAscii(std::span<const char> bytes) {
+    return std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
 /// The units of UTF-8, in one step; nothing where it is malformed.
 std::optional<std::u16string> wellFormed(std::span<const char> bytes) {
+    // Most short texts are ASCII, which takes less time than a call of the library.
+    constexpr std::size_t few = 64;
+    if (bytes.size() <= few && isAscii(bytes)) return std::u16string(bytes.begin(), bytes.end());
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
     std::u16string units(bytes.size(), u'\0');
     std::int32_t size = 0;

@@ -13,17 +13,15 @@ namespace {
 
 constexpr std::size_t kMostUnits = 0x7FFFFFFF;
 
-const RunStyle defaultFormatting{};
-
 /// The run that holds a position (the last one that starts at or before it).
 template<class Runs>
-auto runAt(Runs& runs, std::uint32_t position) {
+auto runAt(Runs&& runs, std::uint32_t position) {
     return std::prev(std::upper_bound(runs.begin(), runs.end(), position,
                                       [](std::uint32_t at, const Text::Run& run) { return at < run.start; }));
 }
 
 /// Adds a run unless it continues the last one.
-void addRun(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& formatting) {
+void addTo(std::vector<Text::Run>& runs, std::uint32_t start, const RunStyle& formatting) {
     if (runs.empty() || runs.back().formatting != formatting) runs.push_back({start, formatting});
 }
 
@@ -49,20 +47,40 @@ void checkSize(std::size_t units) {
 
 } // namespace
 
+const Text::Run Text::plainRun{};
+
 Text::Text(std::u16string units, const RunStyle& formatting) : units_(std::move(units)) {
     checkSize(units_.size());
-    if (!units_.empty()) runs_.push_back({0, formatting});
+    if (!units_.empty()) addRun(0, formatting);
 }
 
 Text Text::fromUtf8(std::string_view bytes) { return {host::fromUtf8(bytes)}; }
 std::string Text::utf8() const { return toUtf8(units_); }
 
-bool Text::isPlain() const {
-    return runs_.empty() || (runs_.size() == 1 && runs_.front().formatting == defaultFormatting);
+const RunStyle& Text::formattingAt(std::uint32_t position) const {
+    return position < size() ? runAt(runs(), position)->formatting : plainRun.formatting;
 }
 
-const RunStyle& Text::formattingAt(std::uint32_t position) const {
-    return position < size() ? runAt(runs_, position)->formatting : defaultFormatting;
+/// Adds a run at the end of the text, unless it continues the last one.
+void Text::addRun(std::uint32_t start, const RunStyle& formatting) {
+    if (runs_.empty()) {
+        if (formatting == plainRun.formatting) return;
+        if (start > 0) runs_.push_back(plainRun);
+    }
+    addTo(runs_, start, formatting);
+}
+
+/// Calls `change` with the runs of a text that is not empty, the default formatting among them.
+template<class Change>
+void Text::changeRuns(const Change& change) {
+    if (runs_.empty()) runs_.push_back(plainRun);
+    change(runs_);
+    leaveOutPlain();
+}
+
+/// One run of the default formatting is not kept.
+void Text::leaveOutPlain() {
+    if (runs_.size() == 1 && runs_.front() == plainRun) runs_.clear();
 }
 
 Text Text::substring(std::uint32_t position, std::uint32_t size) const {
@@ -78,10 +96,10 @@ void Text::append(const Text& source, std::uint32_t position, std::uint32_t size
     checkSize(units_.size() + size);
     const std::uint32_t base = this->size();
     units_.append(source.units_, position, size);
-    if (source.runs_.size() == 1) return addRun(runs_, base, source.runs_.front().formatting);
-    for (auto run = runAt(source.runs_, position); run != source.runs_.end() && run->start < position + size;
-         ++run)
-        addRun(runs_, base + std::max(run->start, position) - position, run->formatting);
+    const std::span<const Run> runs = source.runs();
+    if (runs.size() == 1) return addRun(base, runs.front().formatting);
+    for (auto run = runAt(runs, position); run != runs.end() && run->start < position + size; ++run)
+        addRun(base + std::max(run->start, position) - position, run->formatting);
 }
 
 void Text::append(std::u16string_view units, const RunStyle& formatting) {
@@ -89,7 +107,7 @@ void Text::append(std::u16string_view units, const RunStyle& formatting) {
     checkSize(units_.size() + units.size());
     const std::uint32_t base = size();
     units_.append(units);
-    addRun(runs_, base, formatting);
+    addRun(base, formatting);
 }
 
 void Text::insert(const Text& source, std::uint32_t position) {
@@ -97,17 +115,19 @@ void Text::insert(const Text& source, std::uint32_t position) {
     if (source.empty()) return;
     if (&source == this) return insert(Text(source), position);
     checkSize(units_.size() + source.units_.size());
-    const auto split = runAt(runs_, position);
-    std::vector<Run> around;
-    around.reserve(source.runs_.size() + 2);
-    if (split->start < position) around.push_back(*split);
-    for (const Run& run : source.runs_)
-        addRun(around, position + run.start, run.formatting);
-    addRun(around, position + source.size(), split->formatting);
     units_.insert(position, source.units_);
-    std::for_each(std::next(split), runs_.end(), [&](Run& run) { run.start += source.size(); });
-    const std::ptrdiff_t index = split - runs_.begin();
-    replaceRuns(runs_, index, index + 1, std::move(around));
+    changeRuns([&](std::vector<Run>& runs) {
+        const auto split = runAt(runs, position);
+        std::vector<Run> around;
+        around.reserve(source.runs().size() + 2);
+        if (split->start < position) around.push_back(*split);
+        for (const Run& run : source.runs())
+            addTo(around, position + run.start, run.formatting);
+        addTo(around, position + source.size(), split->formatting);
+        std::for_each(std::next(split), runs.end(), [&](Run& run) { run.start += source.size(); });
+        const std::ptrdiff_t index = split - runs.begin();
+        replaceRuns(runs, index, index + 1, std::move(around));
+    });
 }
 
 void Text::erase(std::uint32_t position, std::uint32_t size) {
@@ -117,6 +137,7 @@ void Text::erase(std::uint32_t position, std::uint32_t size) {
     units_.resize(position);
     while (!runs_.empty() && runs_.back().start >= position)
         runs_.pop_back();
+    leaveOutPlain();
     append(tail);
 }
 
@@ -125,18 +146,20 @@ void Text::changeRange(std::uint32_t position, std::uint32_t size, const Change&
     if (position >= this->size() || size == 0) return;
     size = std::min(size, this->size() - position);
     const std::uint32_t stop = position + size;
-    const auto first = runAt(runs_, position);
-    const auto last = std::next(runAt(runs_, stop - 1));
-    std::vector<Run> changed;
-    if (first->start < position) changed.push_back(*first);
-    for (auto run = first; run != last; ++run) {
-        RunStyle formatting = run->formatting;
-        change(formatting);
-        addRun(changed, std::max(run->start, position), formatting);
-    }
-    const std::uint32_t lastEnd = last == runs_.end() ? this->size() : last->start;
-    if (stop < lastEnd) addRun(changed, stop, std::prev(last)->formatting);
-    replaceRuns(runs_, first - runs_.begin(), last - runs_.begin(), std::move(changed));
+    changeRuns([&](std::vector<Run>& runs) {
+        const auto first = runAt(runs, position);
+        const auto last = std::next(runAt(runs, stop - 1));
+        std::vector<Run> changed;
+        if (first->start < position) changed.push_back(*first);
+        for (auto run = first; run != last; ++run) {
+            RunStyle formatting = run->formatting;
+            change(formatting);
+            addTo(changed, std::max(run->start, position), formatting);
+        }
+        const std::uint32_t lastEnd = last == runs.end() ? this->size() : last->start;
+        if (stop < lastEnd) addTo(changed, stop, std::prev(last)->formatting);
+        replaceRuns(runs, first - runs.begin(), last - runs.begin(), std::move(changed));
+    });
 }
 
 void Text::applyStyle(const CharacterStyle& style, std::uint32_t position, std::uint32_t size) {

@@ -3,6 +3,7 @@
 #include "host/values/Style.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,17 +42,21 @@ public:
     [[nodiscard]] std::u16string_view units() const { return units_; }
     [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(units_.size()); }
     [[nodiscard]] bool empty() const { return units_.empty(); }
-    [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
+    [[nodiscard]] std::span<const Run> runs() const {
+        if (empty()) return {};
+        return runs_.empty() ? std::span(&plainRun, 1) : std::span(runs_);
+    }
     /// Calls `use` with the units and the formatting of each run, in order.
     template<class Use>
     void forEachRun(const Use& use) const {
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            const std::size_t stop = i + 1 < runs_.size() ? runs_[i + 1].start : units_.size();
-            use(units().substr(runs_[i].start, stop - runs_[i].start), runs_[i].formatting);
+        const std::span<const Run> all = runs();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const std::size_t stop = i + 1 < all.size() ? all[i + 1].start : units_.size();
+            use(units().substr(all[i].start, stop - all[i].start), all[i].formatting);
         }
     }
     /// True when every character has the default formatting.
-    [[nodiscard]] bool isPlain() const;
+    [[nodiscard]] bool isPlain() const { return runs_.empty(); }
 
     /// The formatting at a position; the default formatting at or past the end.
     [[nodiscard]] const RunStyle& formattingAt(std::uint32_t position) const;
@@ -92,11 +97,17 @@ public:
     }
 
 private:
+    static const Run plainRun; ///< from position 0, with the default formatting
+
     template<class Change>
     void changeRange(std::uint32_t position, std::uint32_t size, const Change& change);
+    void addRun(std::uint32_t start, const RunStyle& formatting);
+    template<class Change>
+    void changeRuns(const Change& change);
+    void leaveOutPlain();
 
     std::u16string units_;
-    std::vector<Run> runs_;
+    std::vector<Run> runs_; ///< empty in a text of the default formatting, so that it needs no memory
 };
 
 /// Compares as calculations do: without regard to case (ICU folding), by code points otherwise. <0, 0, >0.
