@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#if __has_include(<malloc.h>)
+#include <malloc.h>
+#endif
 #include <new>
 #include <stdexcept>
 
@@ -54,6 +57,11 @@ int Connection::authorize(void* /*self*/, int action, const char* /*first*/, con
 
 Connection::Connection(std::chrono::milliseconds budget) : budget_(budget) {
     sqlite3_hard_heap_limit64(kMemoryForAllTables);
+#ifdef M_MXFAST
+    // The small blocks of a large result are merged as they are freed. The C library would merge them all in
+    // its next large request, which takes a tenth of a query's time.
+    ::mallopt(M_MXFAST, 0);
+#endif
     // A file is used by one thread at a time, so the engine's locks would guard nothing.
     constexpr int flags =
         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX;

@@ -20,7 +20,7 @@ struct Locale {
 };
 
 /// The interface's type numbers.
-enum class DataType : std::int32_t { invalid, text, number, date, time, timestamp, binary, boolean };
+enum class DataType : std::uint8_t { invalid, text, number, date, time, timestamp, binary, boolean };
 /// "Text", "Number", "Date", "Time", "Timestamp", "Container", "Boolean", "" for invalid.
 std::string_view typeWord(DataType type);
 
@@ -97,8 +97,7 @@ private:
 
     Value value_;
     DataType type_ = DataType::text; ///< what it says it is
-    DataType held_ =
-        DataType::text; ///< how value_ is to be read: text, number, date, time, timestamp, binary
+    DataType held_ = DataType::text; ///< how value_ is read: text, number, date, time, timestamp, binary
     Locale locale_;
     mutable std::shared_ptr<Readings> readings_; ///< conversions made so far
 };

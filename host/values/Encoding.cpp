@@ -101,23 +101,34 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
     }
 }
 
-bool isAscii(std::span<const char> bytes) {
-    return std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+/// Writes the units of UTF-8 and gives their number; nothing where it is malformed. There must be room for a
+/// unit a byte.
+std::optional<std::size_t> decodeUtf8(std::string_view bytes, char16_t* units) {
+    const auto most = static_cast<std::int32_t>(bytes.size());
+    std::int32_t size = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8(units, most, &size, bytes.data(), most, &status);
+    return U_FAILURE(status) ? std::nullopt : std::optional<std::size_t>(size);
 }
 
 /// The units of UTF-8, in one step; nothing where it is malformed.
-std::optional<std::u16string> wellFormed(std::span<const char> bytes) {
-    // Most short texts are ASCII, which takes less time than a call of the library.
-    constexpr std::size_t few = 64;
-    if (bytes.size() <= few && isAscii(bytes)) return std::u16string(bytes.begin(), bytes.end());
+std::optional<std::u16string> wellFormed(std::string_view bytes) {
+    constexpr std::size_t few = 128;
+    if (bytes.size() <= few) {
+        // Most texts are short and begin with ASCII, which needs no library.
+        std::array<char16_t, few> units;
+        std::size_t ascii = 0;
+        for (; ascii < bytes.size() && static_cast<unsigned char>(bytes[ascii]) < 0x80; ++ascii)
+            units[ascii] = static_cast<char16_t>(bytes[ascii]);
+        if (ascii == bytes.size()) return std::u16string(units.data(), ascii);
+        const auto rest = decodeUtf8(bytes.substr(ascii), units.data() + ascii);
+        return rest ? std::optional(std::u16string(units.data(), ascii + *rest)) : std::nullopt;
+    }
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
     std::u16string units(bytes.size(), u'\0');
-    std::int32_t size = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    const auto most = static_cast<std::int32_t>(bytes.size());
-    u_strFromUTF8(units.data(), most, &size, bytes.data(), most, &status);
-    if (U_FAILURE(status)) return std::nullopt;
-    units.resize(static_cast<std::size_t>(size));
+    const auto size = decodeUtf8(bytes, units.data());
+    if (!size) return std::nullopt;
+    units.resize(*size);
     return units;
 }
 

@@ -63,24 +63,24 @@ const RunStyle& Text::formattingAt(std::uint32_t position) const {
 
 /// Adds a run at the end of the text, unless it continues the last one.
 void Text::addRun(std::uint32_t start, const RunStyle& formatting) {
-    if (runs_.empty()) {
+    if (!runs_) {
         if (formatting == plainRun.formatting) return;
-        if (start > 0) runs_.push_back(plainRun);
+        runs_.reset(new std::vector<Run>(start > 0 ? 1 : 0, plainRun));
     }
-    addTo(runs_, start, formatting);
+    addTo(*runs_, start, formatting);
 }
 
 /// Calls `change` with the runs of a text that is not empty, the default formatting among them.
 template<class Change>
 void Text::changeRuns(const Change& change) {
-    if (runs_.empty()) runs_.push_back(plainRun);
-    change(runs_);
+    if (!runs_) runs_.reset(new std::vector<Run>(1, plainRun));
+    change(*runs_);
     leaveOutPlain();
 }
 
 /// One run of the default formatting is not kept.
 void Text::leaveOutPlain() {
-    if (runs_.size() == 1 && runs_.front() == plainRun) runs_.clear();
+    if (runs_->empty() || (runs_->size() == 1 && runs_->front() == plainRun)) runs_.reset();
 }
 
 Text Text::substring(std::uint32_t position, std::uint32_t size) const {
@@ -96,6 +96,7 @@ void Text::append(const Text& source, std::uint32_t position, std::uint32_t size
     checkSize(units_.size() + size);
     const std::uint32_t base = this->size();
     units_.append(source.units_, position, size);
+    if (isPlain() && source.isPlain()) return;
     const std::span<const Run> runs = source.runs();
     if (runs.size() == 1) return addRun(base, runs.front().formatting);
     for (auto run = runAt(runs, position); run != runs.end() && run->start < position + size; ++run)
@@ -135,9 +136,11 @@ void Text::erase(std::uint32_t position, std::uint32_t size) {
     size = std::min(size, this->size() - position);
     const Text tail = substring(position + size);
     units_.resize(position);
-    while (!runs_.empty() && runs_.back().start >= position)
-        runs_.pop_back();
-    leaveOutPlain();
+    if (runs_) {
+        while (!runs_->empty() && runs_->back().start >= position)
+            runs_->pop_back();
+        leaveOutPlain();
+    }
     append(tail);
 }
 

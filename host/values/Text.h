@@ -2,7 +2,9 @@
 
 #include "host/values/Style.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -44,7 +46,7 @@ public:
     [[nodiscard]] bool empty() const { return units_.empty(); }
     [[nodiscard]] std::span<const Run> runs() const {
         if (empty()) return {};
-        return runs_.empty() ? std::span(&plainRun, 1) : std::span(runs_);
+        return runs_ ? std::span(*runs_) : std::span(&plainRun, 1);
     }
     /// Calls `use` with the units and the formatting of each run, in order.
     template<class Use>
@@ -56,7 +58,7 @@ public:
         }
     }
     /// True when every character has the default formatting.
-    [[nodiscard]] bool isPlain() const { return runs_.empty(); }
+    [[nodiscard]] bool isPlain() const { return !runs_; }
 
     /// The formatting at a position; the default formatting at or past the end.
     [[nodiscard]] const RunStyle& formattingAt(std::uint32_t position) const;
@@ -93,10 +95,22 @@ public:
     auto operator<=>(const Text& other) const { return units_ <=> other.units_; }
     /// Units and formattings.
     [[nodiscard]] bool isIdenticalTo(const Text& other) const {
-        return units_ == other.units_ && runs_ == other.runs_;
+        return units_ == other.units_ && std::ranges::equal(runs(), other.runs());
     }
 
 private:
+    /// Runs that are copied with their owner. None takes the room of a pointer.
+    class OptionalRuns : public std::unique_ptr<std::vector<Run>> {
+    public:
+        using std::unique_ptr<std::vector<Run>>::unique_ptr;
+        OptionalRuns(const OptionalRuns& other)
+            : unique_ptr(other ? std::make_unique<std::vector<Run>>(*other) : nullptr) {}
+        OptionalRuns(OptionalRuns&&) = default;
+        OptionalRuns& operator=(const OptionalRuns& other) { return *this = OptionalRuns(other); }
+        OptionalRuns& operator=(OptionalRuns&&) = default;
+        ~OptionalRuns() = default;
+    };
+
     static const Run plainRun; ///< from position 0, with the default formatting
 
     template<class Change>
@@ -107,7 +121,7 @@ private:
     void leaveOutPlain();
 
     std::u16string units_;
-    std::vector<Run> runs_; ///< empty in a text of the default formatting, so that it needs no memory
+    OptionalRuns runs_; ///< none in a text of the default formatting, which needs no memory for them
 };
 
 /// Compares as calculations do: without regard to case (ICU folding), by code points otherwise. <0, 0, >0.

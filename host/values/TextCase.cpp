@@ -88,7 +88,8 @@ Text Text::withCase(Case wanted) const {
     const std::u16string whole = withCaseOf(units_, wanted);
     const std::u16string_view rest = whole;
     Text result;
-    if (runs_.size() <= 1) {
+    const std::span<const Run> all = runs();
+    if (all.size() <= 1) {
         result.append(whole, formattingAt(0));
         return result;
     }
@@ -98,15 +99,15 @@ Text Text::withCase(Case wanted) const {
         const std::size_t start = at;
         UChar32 point = 0;
         U16_NEXT(units_.data(), at, units_.size(), point);
-        while (cuts.size() < runs_.size() && runs_[cuts.size()].start < at)
-            cuts.push_back(std::min(mappedTo + runs_[cuts.size()].start - start, whole.size()));
+        while (cuts.size() < all.size() && all[cuts.size()].start < at)
+            cuts.push_back(std::min(mappedTo + all[cuts.size()].start - start, whole.size()));
         mappedTo +=
             point < 0x80 ? 1 : mappedSize(units().substr(start, at - start), rest.substr(mappedTo), wanted);
         mappedTo = std::min(mappedTo, whole.size());
     }
     cuts.push_back(whole.size());
-    for (std::size_t i = 0; i < runs_.size(); ++i)
-        result.append(rest.substr(cuts[i], cuts[i + 1] - cuts[i]), runs_[i].formatting);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        result.append(rest.substr(cuts[i], cuts[i + 1] - cuts[i]), all[i].formatting);
     return result;
 }
 
