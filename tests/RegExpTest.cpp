@@ -198,6 +198,7 @@ TEST_F(RegExp, endsForEveryPattern) {
         {"many groups in each of many attempts", std::u16string(100'000, u'a'),
          u"(" + times(40, u"a") + u"b)" + times(500, u"(b)"), kTooComplex},
         {"a long text", std::u16string(5'000'000, u'a'), u"([^b]*)b", kNoRoom},
+        {"many rounds that may be empty", as, u"((?:a?){1000})b", kNoRoom},
         {"groups in groups", as, times(100'000, u"(") + times(100'000, u")"), kPatternTooLong},
         {"groups in groups", as, times(201, u"(") + times(201, u")"), kPatternTooLong},
         {"looking ahead in looking ahead", as, times(2'000, u"(?=") + times(2'000, u")"), kPatternTooLong},
