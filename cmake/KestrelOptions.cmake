@@ -2,7 +2,8 @@
 # keeps its own options. The sanitizers are set globally, because all code needs them.
 
 add_library(kestrel-warnings INTERFACE)
-target_compile_options(kestrel-warnings INTERFACE -Wall -Wextra -Wpedantic)
+target_compile_options(kestrel-warnings INTERFACE -Wall -Wextra -Wpedantic
+                       $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wreserved-identifier>)
 
 # A missing library is an error at link time instead of load time. The sanitizers' build cannot have this
 # check, because the sanitizers' functions come from the executable.
