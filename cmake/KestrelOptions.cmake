@@ -3,7 +3,7 @@
 
 add_library(kestrel-warnings INTERFACE)
 target_compile_options(kestrel-warnings INTERFACE -Wall -Wextra -Wpedantic
-                       $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wreserved-identifier>)
+                       $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-Wreserved-identifier>)
 
 # A missing library is an error at link time instead of load time. The sanitizers' build cannot have this
 # check, because the sanitizers' functions come from the executable.

@@ -85,6 +85,7 @@ TEST(HtmlReader, readsFormattingAndParagraphs) {
         {"<ul><li>a<li>b</ul><table><tr><td>1<td>2</table><hr>", "[]a|b|1 2"},
         {"<title>x</title>a<!-- b --><span style='display:none'>c<b>d</b></span>e", "[]ae"},
         {"<html><body bgcolor=red style='background:#eee'><p>a", "[]a"},
+        {"a<title>x</title>b", "[]ab"},
         // Declarations
         {"<span style='FONT-WEIGHT: 600 !important; font-style:oblique'>a<i style='font-style:normal'>b",
          "[bold italic]a[bold]b"},

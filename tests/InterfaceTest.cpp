@@ -91,6 +91,11 @@ TEST_F(Interface, BytesNeverLeaveTheBuffer) {
             EXPECT_EQ(buffer, bytes.substr(0, size) + std::string(room - written, '#'));
         }
     EXPECT_EQ(text->GetBytesEx(nullptr, 0), 0U);
+    // A long text is encoded in pieces.
+    constexpr std::size_t size = 1'500, behind = 2'500;
+    std::string buffer(size + behind, '#');
+    EXPECT_EQ(textOf(std::string(3'000, 'x').c_str())->GetBytesEx(buffer.data(), size), size);
+    EXPECT_EQ(buffer, std::string(size, 'x') + std::string(behind, '#'));
 }
 
 TEST_F(Interface, RangesAreCutAtTheEndOfTheText) {

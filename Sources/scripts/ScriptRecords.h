@@ -14,8 +14,11 @@
 inline constexpr const char* kNoRecord = "<KST_NOT_EXISTS>";
 
 /// These stay empty on this platform. Other parts of the product use these names.
-extern std::map<std::string, std::string> _scriptStatus; // NOLINT(bugprone-reserved-identifier)
-extern std::map<std::string, std::string> _scriptResult; // NOLINT(bugprone-reserved-identifier)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreserved-identifier"
+extern std::map<std::string, std::string> _scriptStatus;
+extern std::map<std::string, std::string> _scriptResult;
+#pragma clang diagnostic pop
 
 /// Write a text, byte for byte, and replace an earlier one. A failure is not reported.
 void setScriptStatus(const std::string& id, const std::string& status);

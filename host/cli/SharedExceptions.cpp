@@ -4,9 +4,11 @@
 // exceptions (std::exception_ptr) by four functions of its own runtime, which expects exceptions that it has
 // made itself. These take their place.
 
+// The C++ ABI gives the names.
+#pragma clang diagnostic ignored "-Wreserved-identifier"
+
 extern "C" {
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the C++ ABI gives the names.
 void __cxa_increment_exception_refcount(void* exception) noexcept;
 void __cxa_decrement_exception_refcount(void* exception) noexcept;
 void* __cxa_current_primary_exception() noexcept;
@@ -46,4 +48,3 @@ void* __cxa_current_primary_exception() noexcept { return host::currentException
 void __cxa_rethrow_primary_exception(void* exception) {
     if (exception != nullptr) host::rethrowException({exception});
 }
-// NOLINTEND(bugprone-reserved-identifier)
