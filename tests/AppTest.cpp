@@ -109,6 +109,8 @@ TEST(Solution, ErrorsNameTheLine) {
          "line 3: \"x\" is no Date"},
         {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", summary = \"total of b\" } ]\n",
          "line 3: the table has no field \"b\""},
+        {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", summary = \"total of \" } ]\n",
+         "line 3: summary must be"},
         {"[[table]]\nname = \"T\"\nfields = [\n{ name = \"a\", calculation = \"1 +\" } ]\n",
          "solution.toml, line 4: field T::a: "},
         {"[[table]]\nname = \"T\"\nfields = [ { name = \"a\", value_list = \"V\" } ]\n",
