@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -86,25 +87,23 @@ constexpr std::size_t kLargest = std::size_t{1} << (kSteps - 1);
 /// The file for the points of the plot, if there is one.
 class Record {
 public:
-    explicit Record(const char* path)
-        : file_(path == nullptr ? nullptr : std::fopen(path, "w"), std::fclose) {}
+    explicit Record(const char* path) {
+        if (path != nullptr) file_.open(path);
+    }
 
-    void add(const std::string& name, std::size_t count, double nanoseconds) const {
+    void add(const std::string& name, std::size_t count, double nanoseconds) {
         constexpr double perMillisecond = 1e6;
-        if (file_)
-            std::fprintf(file_.get(), "%s\t%zu\t%g\n", name.c_str(), count, nanoseconds / perMillisecond);
+        file_ << name << '\t' << count << '\t' << nanoseconds / perMillisecond << '\n';
     }
-    void endBlock() const {
-        if (file_) std::fputs("\n\n", file_.get());
-    }
+    void endBlock() { file_ << "\n\n"; }
 
 private:
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+    std::ofstream file_;
 };
 
 /// The sizes alternate, so that all have the same conditions. A ratio is the median of the rounds' ratios.
 void growthRow(const std::string& name, std::size_t start, const std::array<Action, kSteps>& actions,
-               const Record* record) {
+               Record* record) {
     constexpr int rounds = 7;
     std::array<std::size_t, kSteps> calls{};
     std::array<std::vector<double>, kSteps> times, ratios;
@@ -126,7 +125,7 @@ void growthRow(const std::string& name, std::size_t start, const std::array<Acti
     record->endBlock();
 }
 
-void benchFunction(const Loaded& plugIn, const Growth& growth, const Record& record) {
+void benchFunction(const Loaded& plugIn, const Growth& growth, Record& record) {
     const host::RegisteredFunction& function = plugIn.function(growth.function);
     std::array<Action, kSteps> actions;
     for (std::size_t step = 0; step < kSteps; ++step)
@@ -140,7 +139,7 @@ void benchFunction(const Loaded& plugIn, const Growth& growth, const Record& rec
 }
 
 /// Globals are stored, read once each, and cleared.
-void benchGlobalsStored(const Loaded& plugIn, const Record& record) {
+void benchGlobalsStored(const Loaded& plugIn, Record& record) {
     constexpr std::size_t start = 10'000;
     const auto &set = plugIn.function(u"Kestrel_SetGlobal"), &get = plugIn.function(u"Kestrel_GetGlobal");
     std::vector<DataVect> stores, reads;
@@ -183,7 +182,7 @@ void benchLinesOfVariables(const Loaded& plugIn) {
 } // namespace
 
 void benchGrowth() {
-    const Record record(std::getenv("KESTREL_GROWTH"));
+    Record record(std::getenv("KESTREL_GROWTH"));
     host::Solution solution = solutionWithFonts();
     constexpr int mostRows = 40'000;
     solution.schema = peopleInTable(mostRows);

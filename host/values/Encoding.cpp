@@ -103,7 +103,7 @@ void encodePieces(std::u16string_view units, Encoding encoding, const Take& take
 
 /// Writes the units of UTF-8 and gives their number; nothing where it is malformed. There must be room for a
 /// unit a byte.
-std::optional<std::size_t> decodeUtf8(std::string_view bytes, char16_t* units) {
+std::optional<std::size_t> decodeUtf8(std::span<const char> bytes, char16_t* units) {
     const auto most = static_cast<std::int32_t>(bytes.size());
     std::int32_t size = 0;
     UErrorCode status = U_ZERO_ERROR;
