@@ -115,14 +115,15 @@ std::optional<std::size_t> decodeUtf8(std::span<const char> bytes, char16_t* uni
 std::optional<std::u16string> wellFormed(std::string_view bytes) {
     constexpr std::size_t few = 128;
     if (bytes.size() <= few) {
-        // Most texts are short and begin with ASCII, which needs no library.
+        // Most texts are short, and ASCII, which needs no library.
         std::array<char16_t, few> units;
-        std::size_t ascii = 0;
-        for (; ascii < bytes.size() && static_cast<unsigned char>(bytes[ascii]) < 0x80; ++ascii)
-            units[ascii] = static_cast<char16_t>(bytes[ascii]);
-        if (ascii == bytes.size()) return std::u16string(units.data(), ascii);
-        const auto rest = decodeUtf8(bytes.substr(ascii), units.data() + ascii);
-        return rest ? std::optional(std::u16string(units.data(), ascii + *rest)) : std::nullopt;
+        unsigned char all = 0;
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            units[i] = static_cast<unsigned char>(bytes[i]);
+            all |= static_cast<unsigned char>(bytes[i]);
+        }
+        const auto size = all < 0x80 ? std::optional(bytes.size()) : decodeUtf8(bytes, units.data());
+        return size ? std::optional(std::u16string(units.data(), *size)) : std::nullopt;
     }
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
     std::u16string units(bytes.size(), u'\0');

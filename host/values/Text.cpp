@@ -49,9 +49,10 @@ void checkSize(std::size_t units) {
 
 const Text::Run Text::plainRun{};
 
-Text::Text(std::u16string units, const RunStyle& formatting) : units_(std::move(units)) {
-    checkSize(units_.size());
-    if (!units_.empty()) addRun(0, formatting);
+Text::Text(std::u16string units) : units_(std::move(units)) { checkSize(units_.size()); }
+
+Text::Text(std::u16string units, const RunStyle& formatting) : Text(std::move(units)) {
+    if (!empty()) addRun(0, formatting);
 }
 
 Text Text::fromUtf8(std::string_view bytes) { return {host::fromUtf8(bytes)}; }

@@ -35,8 +35,8 @@ public:
     };
 
     Text() = default;
-    Text(std::u16string units,
-         const RunStyle& formatting = {}); // NOLINT(google-explicit-constructor): a text is its units
+    Text(std::u16string units); // NOLINT(google-explicit-constructor): a text is its units
+    Text(std::u16string units, const RunStyle& formatting);
     Text(const char16_t* units) : Text(std::u16string(units)) {} // NOLINT(google-explicit-constructor)
     static Text fromUtf8(std::string_view bytes);
     [[nodiscard]] std::string utf8() const;
