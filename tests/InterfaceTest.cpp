@@ -4,6 +4,7 @@
 #include "host/fmwrapper/Bridge.h"
 #include "host/fmwrapper/ForEachFault.h"
 #include "host/fmwrapper/ObjectCounts.h"
+#include "host/fmwrapper/Versions.h"
 #include "host/values/Clock.h"
 #include "host/values/Encoding.h"
 
@@ -461,6 +462,17 @@ TEST_F(Interface, EvaluatesInTheFileOfTheEnvironment) {
     session.close(place.fileId);
     EXPECT_EQ(environment().Evaluate(*textOf("1"), *result), 100);
     EXPECT_EQ(environment().ExecuteFileSQL(*count, *thisFile, *parameters, *rows), 100);
+}
+
+TEST_F(Interface, NotesCallsThatTheAnnouncedVersionLacks) {
+    const fmx::DataUniquePtr locale;
+    host::announceVersion(59);
+    EXPECT_EQ(environment().EvaluateGetFunction(1127, *locale), 0);
+    host::announceVersion(kCurrentExtnVersion);
+    EXPECT_EQ(utf8(locale->GetAsText()).substr(0, 10), R"({"locale":)");
+    const auto calls = host::callsBeyondVersion();
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_STREQ(std::string(calls[0]->name).c_str(), "FM_ExprEnv_EvaluateGetFunction");
 }
 
 } // namespace

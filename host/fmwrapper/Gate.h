@@ -14,8 +14,8 @@
 
 namespace host::gate {
 
-/// Counts the call, makes it fail when a fault is armed for it, and turns exceptions into codes of the error
-/// slot: 1 for lack of memory, 2 for everything else. A failing call gives `fallback`.
+/// Makes the call fail when a fault is armed for it, and turns exceptions into codes of the error slot: 1 for
+/// lack of memory, 2 for everything else. A failing call gives `fallback`.
 template<class Answer, class Body>
 Answer call(fmx::_fmxcpt& slot, Answer fallback, Body&& body) {
     slot.m_code = faults().next();

@@ -43,8 +43,9 @@ constexpr const NewerFunction* newerFunction(std::string_view name) {
 /// The version that plug-ins were last told.
 int announcedVersion();
 void announceVersion(int version);
-/// Takes note of a call of a function that the announced version lacks.
-void noteCallBeyondVersion(const NewerFunction& function);
+/// Takes note of a call of a function that the announced version lacks, by its row in kNewerFunctions. A
+/// pointer would not do: each library has a table of its own.
+void noteCallBeyondVersion(std::size_t row);
 /// The functions that were called so, once each.
 std::vector<const NewerFunction*> callsBeyondVersion();
 
@@ -59,7 +60,8 @@ template<FunctionName name>
 void checkVersion() {
     constexpr const NewerFunction* function = newerFunction(name.text);
     static_assert(function != nullptr);
-    if (announcedVersion() < function->since) noteCallBeyondVersion(*function);
+    constexpr auto row = static_cast<std::size_t>(function - kNewerFunctions.data());
+    if (announcedVersion() < function->since) noteCallBeyondVersion(row);
 }
 
 } // namespace host

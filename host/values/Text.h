@@ -44,6 +44,7 @@ public:
     [[nodiscard]] std::u16string_view units() const { return units_; }
     [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(units_.size()); }
     [[nodiscard]] bool empty() const { return units_.empty(); }
+    /// Valid until the text is changed.
     [[nodiscard]] std::span<const Run> runs() const {
         if (empty()) return {};
         return runs_ ? std::span(*runs_) : std::span(&plainRun, 1);

@@ -12,7 +12,8 @@ from terminal import CTRL_C, CTRL_D, ENTER, TAB, UP, Terminal
 PROMPT, FURTHER = "kestrel> ", "     ... "
 state = tempfile.TemporaryDirectory()
 environment = {"PATH": os.environ["PATH"], "KESTREL_PLUGIN": os.environ["KESTREL_PLUGIN"], "LC_ALL": "C",
-               "TERM": "xterm-256color", "HOME": state.name, "XDG_STATE_HOME": state.name}
+               "TERM": "xterm-256color", "HOME": state.name, "XDG_STATE_HOME": state.name,
+               "LLVM_PROFILE_FILE": os.environ.get("LLVM_PROFILE_FILE", os.devnull)}
 
 
 def start(*arguments, **size):

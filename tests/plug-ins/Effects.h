@@ -414,6 +414,7 @@ inline void checkEngine(const ExprEnv& env) {
         const char *system, *app;
     } paths[] = {{ExprEnv::kConvert_PosixPath, "/a b/c", "file:/a b/c"},
                  {ExprEnv::kConvert_WinPath, "C:\\a b\\c", "file:/C:/a b/c"},
+                 {ExprEnv::kConvert_WinPath, "1:\\c", "file:1:/c"},
                  {ExprEnv::kConvert_WinPath, "\\\\server\\c", "file://server/c"},
                  {ExprEnv::kConvert_URLPath, "file:///a%20b/%C3%A9", "file:/a b/é"},
                  {ExprEnv::kConvert_URLPath, "file://server/c", "file://server/c"}};
