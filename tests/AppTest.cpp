@@ -289,6 +289,13 @@ TEST_F(SqlTest, QueriesAnotherOpenFileByName) {
 }
 
 TEST(Session, FilesOpenAndClose) {
+    constexpr std::u16string_view identifier = u"Get ( SessionIdentifier )";
+    std::string formerIdentifier;
+    {
+        Session former;
+        former.open(Solution{});
+        formerIdentifier = textOf(former, identifier);
+    }
     Session session;
     EXPECT_EQ(session.evaluate(u"1").error, 100);
     Solution other;
@@ -304,6 +311,7 @@ TEST(Session, FilesOpenAndClose) {
     EXPECT_FALSE(session.close(first));
     EXPECT_EQ(closed, first);
     EXPECT_EQ(session.front()->name(), u"Other");
+    EXPECT_NE(textOf(session, identifier), formerIdentifier);
 
     EXPECT_FALSE(kept.file->isOpen());
     EXPECT_EQ(kept.file->design(u"DatabaseNames", {}), u"");
