@@ -89,12 +89,12 @@ check(objects, objects[3] == {"script": "Wrong", "file": "Untitled", "event": "e
 check(objects, objects[4]["result"] == "end")
 
 # Examples that differ, with file and line, for people and for CI.
-examples = [file("a.md", "```kestrel\n1\n→ 1\n2 &\n¶\n→ 2\n→\n```\n\n```kestrel\nUpper ( \"x\" )\n→ Y\n3\n```\n"),
+examples = [file("a.md", "```kestrel\n1\n→ 1\n2 &\n¶\n→ 2\n→\n```\n\n```kestrel\nUpper ( \"x¶\t\" )\n→ Y\n3\n```\n"),
             file("b.tsv", "# comment\n\nset\tLet ( $$a = 1 ; \"a¶b\" & Char ( 9 ) )\ta\\rb\\t\nset\t$$a & 1 / 0\t?\n"
                           "set\t1 +\tERROR 1204\nset\tonly two\nset\t\"a\\b\"\ta\\b\n")]
 status, output, error = run("expect", "--junit", scratch / "report.xml", *examples)
 check((status, output, error), status == 1 and output == (
-    f"{examples[0]}:12: Upper ( \"x\" )\n  expected: Y\n  result:   X\n"
+    f"{examples[0]}:12: Upper ( \"x¶\\t\" )\n  expected: Y\n  result:   X\\r\\t\n"
     f"{examples[0]}:14: 3\n  a calculation without a result\n"
     f"{examples[1]}:6: set\\tonly two\n  2 columns instead of three\n6 passed, 3 failed\n"))
 report = xml.etree.ElementTree.parse(scratch / "report.xml").getroot()
