@@ -93,10 +93,10 @@ TEST_F(Interface, BytesNeverLeaveTheBuffer) {
         }
     EXPECT_EQ(text->GetBytesEx(nullptr, 0), 0U);
     // A long text is encoded in pieces.
-    constexpr std::size_t size = 1'500, behind = 2'500;
-    std::string buffer(size + behind, '#');
+    constexpr std::size_t size = 1'500, rest = 2'500;
+    std::string buffer(size + rest, '#');
     EXPECT_EQ(textOf(std::string(3'000, 'x').c_str())->GetBytesEx(buffer.data(), size), size);
-    EXPECT_EQ(buffer, std::string(size, 'x') + std::string(behind, '#'));
+    EXPECT_EQ(buffer, std::string(size, 'x') + std::string(rest, '#'));
 }
 
 TEST_F(Interface, RangesAreCutAtTheEndOfTheText) {
@@ -470,9 +470,9 @@ TEST_F(Interface, NotesCallsThatTheAnnouncedVersionLacks) {
     EXPECT_EQ(environment().EvaluateGetFunction(1127, *locale), 0);
     host::announceVersion(kCurrentExtnVersion);
     EXPECT_EQ(utf8(locale->GetAsText()).substr(0, 10), R"({"locale":)");
-    const auto calls = host::callsBeyondVersion();
-    ASSERT_EQ(calls.size(), 1U);
-    EXPECT_STREQ(std::string(calls[0]->name).c_str(), "FM_ExprEnv_EvaluateGetFunction");
+    EXPECT_TRUE(std::ranges::any_of(host::callsBeyondVersion(), [](const host::NewerFunction* function) {
+        return function->name == "FM_ExprEnv_EvaluateGetFunction";
+    }));
 }
 
 } // namespace

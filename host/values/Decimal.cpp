@@ -313,11 +313,6 @@ double Decimal::toDouble() const {
 }
 
 std::u16string Decimal::text() const {
-    if (scale_ == 0 && large_ == nullptr) {
-        std::array<char, std::numeric_limits<std::int64_t>::digits10 + 2> digits{};
-        char* end = std::to_chars(digits.begin(), digits.end(), small_).ptr;
-        return {digits.begin(), end};
-    }
     std::string text = digits();
     if (scale_ > 0) {
         const std::size_t first = text.front() == '-' ? 1 : 0;
