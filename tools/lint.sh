@@ -1,12 +1,12 @@
 # shellcheck shell=bash
-# Formatting and clang-tidy over every C++ file.
+# Formatting and clang-tidy over the C++ files of the project's folders.
 # `./kestrel` sources this file and calls its functions; they use those of `./kestrel`.
 
-# sources EXTENSION FOLDER...: the files with that extension, separated by zero bytes.
+# sources ENDING FOLDER...: the files with that ending in folders of the project, separated by zero bytes.
 sources() {
-    local extension=$1
+    local ending=$1
     shift
-    (cd "$root" && find "$@" -name "*.$extension" -printf "$root/%p\0")
+    find "${@/#/"$root/"}" -name "*.$ending" -print0
 }
 
 check_format() {
@@ -15,19 +15,39 @@ check_format() {
     { sources cpp "${folders[@]}" && sources h "${folders[@]}"; } | xargs -0 clang-format-19 --dry-run -Werror
 }
 
-# Prints the findings of clang-tidy, without its count of suppressed ones.
+# tidy FOLDER FILE [OPTION]...: the findings of clang-tidy, without its count of suppressed ones. FOLDER has the extension
+# and the database of flags.
+tidy() {
+    local found
+    found=$(clang-tidy-19 --quiet --load="$1/OwnCode.so" -p "$1" "${@:2}" 2>&1) || { printf '%s\n' "$found" && return 1; }
+}
+
+# A fault in a header and one in a source, which clang-tidy must find.
+check_finding() {
+    local folder=$1/host found
+    mkdir -p "$folder"
+    echo 'inline int* ofHeader() { return 0; }' >"$folder/Fault.h"
+    printf '#include "%s"\n' Fault.h string >"$folder/Fault.cpp"
+    echo 'int* ofSource() { return 0; }' >>"$folder/Fault.cpp"
+    if found=$(tidy "$1" "$folder/Fault.cpp" -- -std=c++20) || [ "$(grep -c use-nullptr <<<"$found")" != 2 ] ||
+        grep -q ignored <<<"$found"; then
+        printf '%s\n' "$found" >&2
+        fail "clang-tidy does not find the faults in build/sanitize/lint/host"
+    fi
+}
+
 check_lint() {
     local folder=$root/build/sanitize/lint
     say "checking with clang-tidy"
     mkdir -p "$folder"
-    # An extension is built with the compiler's own standard library.
+    # clang-tidy is built with libstdc++, so its extension is as well.
     clang++-19 -std=c++20 -O1 -Wall -Wextra -Wpedantic -Werror -fno-rtti -fPIC -shared \
         -isystem "$(llvm-config-19 --includedir)" -o "$folder/OwnCode.so" "$root/tools/OwnCode.cpp"
-    # clang-tidy takes the flags from the sanitizers' build, which has every source. A precompiled header would make it
-    # read more than a source includes.
+    check_finding "$folder"
+    # The flags are those of the sanitizers' build. clang-tidy infers them for the few sources that this build lacks. A
+    # precompiled header would make it read more than a source includes.
     sed -E 's/ -Winvalid-pch( -Xclang [^ ]+)+//' "$root/build/sanitize/compile_commands.json" \
         >"$folder/compile_commands.json"
-    sources cpp Sources host tests bench fuzz | xargs -0 -P "$jobs" -n 1 bash -c '
-        found=$(clang-tidy-19 --quiet --load="$0/OwnCode.so" -p "$0" "$1" 2>&1) || { printf "%s\n" "$found"; exit 1; }
-    ' "$folder" >&2
+    export -f tidy
+    sources cpp Sources host tests bench fuzz | xargs -0 -P "$jobs" -n 1 bash -c 'tidy "$0" "$1"' "$folder" >&2
 }

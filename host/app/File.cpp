@@ -160,12 +160,11 @@ calc::SqlAnswer File::selectSql(std::u16string_view statement, const DataVect& p
 
 std::uint16_t File::fontId(std::u16string_view name) {
     if (name.empty() || name.size() > longestFontName) return invalidFont;
-    std::u16string folded = calc::foldName(name);
-    if (const auto found = fontIds_.find(folded); found != fontIds_.end()) return found->second;
+    if (const auto found = fontIds_.find(name); found != fontIds_.end()) return found->second;
     if (fonts_.size() >= mostFonts) return invalidFont;
     const auto id = static_cast<std::uint16_t>(fonts_.size());
     fonts_.emplace_back(name);
-    fontIds_.emplace(std::move(folded), id);
+    fontIds_.emplace(name, id);
     return id;
 }
 

@@ -64,7 +64,7 @@ private:
     calc::FunctionRows functions_;
     const Formats* formats_;
     std::vector<std::u16string> fonts_;
-    std::map<std::u16string, std::uint16_t, std::less<>> fontIds_; ///< by folded name
+    std::map<std::u16string, std::uint16_t, std::less<>> fontIds_; ///< by exact name
     std::unique_ptr<Database> database_;
     std::unique_ptr<Records> records_;
     std::unique_ptr<Position> position_;

@@ -11,23 +11,26 @@ namespace {
 
 using Arguments = std::span<const DataRef>;
 
-/// The CSS of faces. The rows of one property stand together.
+/// The CSS of faces: a row counts when exactly `faces` of `mask` are set, so that of faces which CSS cannot
+/// combine one is written. The rows of one property stand together.
 struct FaceCss {
     std::uint16_t mask, faces;
     std::u16string_view property, value;
 };
+constexpr std::uint16_t anyUnderline = face::underline | face::wordUnderline | face::doubleUnderline;
 constexpr std::array faceCss{
     FaceCss{face::bold, face::bold, u"font-weight", u"bold"},
     FaceCss{face::italic, face::italic, u"font-style", u"italic"},
-    FaceCss{face::underline, face::underline, u"text-decoration", u"underline"},
-    FaceCss{face::wordUnderline, face::wordUnderline, u"text-decoration", u"underline"},
+    FaceCss{anyUnderline, face::underline, u"text-decoration", u"underline"},
+    FaceCss{face::wordUnderline | face::doubleUnderline, face::wordUnderline, u"text-decoration",
+            u"underline"},
     FaceCss{face::doubleUnderline, face::doubleUnderline, u"text-decoration", u"underline double"},
     FaceCss{face::strikethrough, face::strikethrough, u"text-decoration", u"line-through"},
     FaceCss{face::highlight, face::highlight, u"background-color", u"#FFFF00"},
-    FaceCss{face::condense, face::condense, u"font-stretch", u"condensed"},
+    FaceCss{face::condense | face::extend, face::condense, u"font-stretch", u"condensed"},
     FaceCss{face::extend, face::extend, u"font-stretch", u"expanded"},
     FaceCss{face::smallCaps, face::smallCaps, u"font-variant", u"small-caps"},
-    FaceCss{face::superscript, face::superscript, u"vertical-align", u"super"},
+    FaceCss{face::superscript | face::subscript, face::superscript, u"vertical-align", u"super"},
     FaceCss{face::subscript, face::subscript, u"vertical-align", u"sub"},
     FaceCss{face::caseMask, face::uppercase, u"text-transform", u"uppercase"},
     FaceCss{face::caseMask, face::lowercase, u"text-transform", u"lowercase"},
