@@ -42,7 +42,7 @@ run_fuzz() {
     while [ $# -gt 0 ]; do
         case $1 in
         --seconds)
-            [[ ${2-} =~ ^[1-9][0-9]*$ ]] || wrong_usage "--seconds wants a number"
+            [[ ${2-} =~ ^[1-9][0-9]*$ ]] || wrong_usage "--seconds needs a number"
             seconds=$2
             shift 2
             ;;

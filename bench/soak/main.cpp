@@ -148,7 +148,7 @@ int main(int count, char** arguments) try {
         const std::string_view given(arguments[1]);
         const auto [end, error] = std::from_chars(given.data(), given.data() + given.size(), calls);
         if (count > 2 || error != std::errc() || end != given.data() + given.size() || calls < fewest) {
-            std::fprintf(stderr, "kestrel: soak wants a number of calls, 10 or more\n");
+            std::fprintf(stderr, "kestrel: soak needs a number of calls, 10 or more\n");
             return 2;
         }
     }

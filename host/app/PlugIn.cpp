@@ -171,7 +171,7 @@ std::string PlugIn::refusalFor(std::int64_t answer) const {
     if (!options_.problem.empty()) return options_.problem + ", so the plug-in gets no message";
     std::string words = "the plug-in answers init with " + std::to_string(answer);
     if (answer == kBadExtnVersion) words += " (it does not work with this host's version)";
-    if (answer == kDoNotEnable) words += " (it does not want to be enabled)";
+    if (answer == kDoNotEnable) words += " (it asks not to be enabled)";
     return words;
 }
 

@@ -86,7 +86,7 @@ DataRef isValid(Evaluation& evaluation, Nodes arguments) {
     return booleanResult(value->isValid());
 }
 
-/// A value that cannot be had is empty.
+/// A value whose evaluation fails is empty.
 DataRef isEmpty(Evaluation& evaluation, Nodes arguments) {
     DataRef value;
     const int code = triedPart(evaluation, value, *arguments[0]);

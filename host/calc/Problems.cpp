@@ -66,7 +66,8 @@ std::string parameterCounts(const Function& function) {
                          : function.maximum == function.minimum
                              ? least
                              : least + " to " + std::to_string(function.maximum);
-    return named(function.name) + " takes " + counts + (counts == "1" ? " parameter" : " parameters");
+    return named(function.name) + " takes " + counts +
+           (function.minimum == 1 && function.maximum <= 1 ? " parameter" : " parameters");
 }
 
 /// Signs that people write in place of those of the language.
@@ -98,7 +99,7 @@ std::string bracketHint(const Parser::Stop& stop, std::u16string_view source) {
            named(std::u16string(part) + (isCut ? u"…" : u""));
 }
 
-/// A function of the app that the host has not, and the part of the app that it needs.
+/// A function of the app that the host lacks, and the part of the app that it needs.
 std::string lackOf(std::u16string_view name) {
     const CatalogueRow* row = findInCatalogue(name);
     const bool hasReason = row != nullptr && !row->needs.empty();

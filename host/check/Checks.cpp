@@ -296,7 +296,7 @@ constexpr std::array table{
           registersItsCreator},
     Check{3, "loads-again", "load, use, shutdown and unload work three times over",
           "Withdraw at shutdown what init has registered, and free what it has made.", "", loadsAgain},
-    Check{4, "survives-calls", "no exception leaves a function or step, whatever its arguments",
+    Check{4, "survives-calls", "no exception leaves a function or step, with any arguments",
           "Catch every exception in the handler, and test arguments before they are used.", "",
           survivesCalls},
     Check{4, "gives-back", "a call gives back every host object",

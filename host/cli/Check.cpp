@@ -29,7 +29,7 @@ struct CheckOptions {
 constexpr const char* kWarning = "check calls every function with made-up arguments; a function that deletes "
                                  "files or sends mail will do so. --no-calls calls none.";
 
-/// By verdict, for programs and for people, who must see a failure at a glance.
+/// The words for each verdict, for programs and for people, who must see a failure at a glance.
 constexpr std::array kVerdicts{"pass", "fail", "skip"}, kShownVerdicts{"pass", "FAIL", "skip"};
 
 void printJson(const std::string& plugIn, const Judgement& judgement) {
@@ -127,7 +127,8 @@ Command addCheck(CLI::App& application) {
                     "5 a failing host")
         ->type_name("N")
         ->check(CLI::Range(1, check::kHighestLevel, ""));
-    command.add_flag("--no-calls", options->callsNothing, "call no function and no script step (level 3)");
+    command.add_flag("--no-calls", options->callsNothing,
+                     "call no function and no script step: stop after level 3");
     command.add_flag("--json", options->json, "one JSON object a line");
     command.add_option("--junit", options->junit, "the file for a report in JUnit's XML")->type_name("FILE");
     return {.options = &command, .run = [options] { return runAll(*options); }, .takeArguments = {}};

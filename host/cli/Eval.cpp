@@ -49,13 +49,13 @@ void add(std::vector<EvalOptions::Item>& stage, const std::string& text) {
         stage.emplace_back(Runner::Calculation{.text = text, .file = {}});
 }
 
-/// Takes calculations, steps and files, whose order counts, out of the arguments behind the command's name;
+/// Takes calculations, steps and files, whose order counts, out of the arguments after the command's name;
 /// the other options stay.
 void takeCalculations(const CLI::App& command, EvalOptions& options, std::vector<std::string>& arguments) {
     std::vector<std::string> left{arguments.front()};
     bool onlyCalculations = false;
     const auto valueOf = [&](std::size_t& i) -> const std::string& {
-        if (++i == arguments.size()) throw std::runtime_error(arguments[i - 1] + " wants a value");
+        if (++i == arguments.size()) throw std::runtime_error(arguments[i - 1] + " needs a value");
         return arguments[i];
     };
     for (std::size_t i = 1; i < arguments.size(); ++i) {
@@ -104,7 +104,7 @@ bool evaluateAll(const EvalOptions& options) {
 
 int evaluate(const EvalOptions& options) {
     if (options.stages.front().empty())
-        throw std::runtime_error("eval wants a calculation, -f FILE or --step NAME");
+        throw std::runtime_error("eval needs a calculation, -f FILE or --step NAME");
     const bool isGood = evaluateAll(options);
     if (options.reportsObjects) {
         const std::string left = objectCounts().describe();
@@ -124,11 +124,13 @@ void addTestingOptions(CLI::App& command, EvalOptions& options) {
     command.add_option("--fail-host-call", options.failAt, "make the N-th host call fail")
         ->type_name("N")
         ->group(testing);
-    command.add_option("--fail-with", options.failWith, "its error: 1 or 2")
+    command
+        .add_option("--fail-with", options.failWith, "the error of that call: 1 out of memory, 2 any other")
         ->type_name("N")
         ->check(CLI::Range(1, 2, ""))
         ->group(testing);
-    command.add_flag("--fail-from-then-on", options.failFromThenOn, "and all that follow")->group(testing);
+    command.add_flag("--fail-from-then-on", options.failFromThenOn, "all later calls fail too")
+        ->group(testing);
     command.add_flag("--objects", options.reportsObjects, "report the host objects that are left")
         ->group(testing);
 }

@@ -89,9 +89,9 @@ std::string functionList(std::u16string_view word, LoadedPlugIn& loaded) {
 
 std::string functionsPage(const calc::FunctionTable& functions) {
     std::string page =
-        "# The functions of the app\n\nThe host has the functions without a word in the last column. "
-        "For any other function a calculation\nfails with error 1225; the word says what the "
-        "function needs.\n`./kestrel help --functions-page` writes this page.\n";
+        "# The functions of the app\n\nA function whose last column is empty works in the host. Any other "
+        "fails with "
+        "error 1225; the column says what it\nneeds. `./kestrel help --functions-page` writes this page.\n";
     std::string_view category;
     for (const calc::CatalogueRow& row : calc::catalogue()) {
         if (row.category != category)

@@ -87,7 +87,7 @@ LineEditor::LineEditor(std::filesystem::path historyFile)
     ::el_wset(editor_, EL_HIST, history_w, history_);
     ::el_wset(editor_, EL_GETCFN, nextKey);
     ::el_wset(editor_, EL_ADDFN, L"kestrel-paste", L"Insert a paste", insertPaste);
-    ::el_wset(editor_, EL_ADDFN, L"kestrel-cancel", L"Give up the line", cancel);
+    ::el_wset(editor_, EL_ADDFN, L"kestrel-cancel", L"Discard the line", cancel);
     ::el_wset(editor_, EL_ADDFN, L"kestrel-complete", L"Complete a name", complete);
     ::el_source(editor_, nullptr);
     ::el_wset(editor_, EL_BIND, L"\\200", L"kestrel-paste", nullptr);

@@ -18,7 +18,7 @@ void help(Runner& runner, const std::string& name) {
     if (name.empty()) {
         std::string text =
             "A line is a calculation. An open bracket, quotation mark or comment goes on at the next "
-            "line.\nTab completes a name, Ctrl-C gives up the line or stops the calculation, Ctrl-D "
+            "line.\nTab completes a name, Ctrl-C discards the line or stops the calculation, Ctrl-D "
             "leaves.\n\n";
         for (const PromptCommand& command : promptCommands()) {
             std::string head = "  " + std::string(command.name) + " " + std::string(command.parameters);
@@ -80,7 +80,7 @@ void runScript(Runner& runner, const std::string& argument) {
 }
 
 void showTypes(Runner& runner, const std::string& argument) {
-    if (argument != "on" && argument != "off") throw std::runtime_error(":type wants on or off");
+    if (argument != "on" && argument != "off") throw std::runtime_error(":type needs on or off");
     runner.showTypes(argument == "on");
 }
 
@@ -90,7 +90,8 @@ void sendPreferences(Runner& runner, const std::string& /*argument*/) {
 
 constexpr std::array kCommands{
     PromptCommand{":help", "[NAME]", "this text, or a function's page", help},
-    PromptCommand{":functions", "[WORD]", "the functions, or those whose names contain a word", functions},
+    PromptCommand{":functions", "[WORD]",
+                  "the functions; with WORD, those whose name or completion words contain it", functions},
     PromptCommand{":vars", "", "the variables", variables},
     PromptCommand{":scripts", "", "the scripts of the open files", scripts},
     PromptCommand{":run", "SCRIPT [PARAMETER]", "run a script of the first file", runScript},

@@ -14,7 +14,7 @@ failures = []
 
 
 def run(command):
-    """What a command prints at the root, errors included. The host stands in for the door, which would build."""
+    """What a command prints at the root, errors included. Calls the host directly, because ./kestrel would build."""
     command = re.sub(r"\./kestrel ", "\"$KESTREL\" ", command)
     printed = subprocess.run(["bash", "-c", command], cwd=root, env={**os.environ, "KESTREL": host},
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout.decode()

@@ -125,7 +125,7 @@ def working_while_waiting():
 
 
 def stopping():
-    """Ctrl-C gives up a line, the lines before it, and a calculation that runs; the prompt goes on."""
+    """Ctrl-C discards a line and the lines before it, and stops a calculation that runs; the prompt goes on."""
     terminal = start("--solution", "examples/contacts")
     terminal.type("Let (" + ENTER + "x")
     terminal.wait_for_end(PROMPT + "Let (", FURTHER + "x")

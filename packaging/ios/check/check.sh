@@ -356,13 +356,13 @@ laid_out=""
 inputs=$work/inputs
 while [ $# -gt 0 ]; do
     case $1 in
-    --fault) fault_source=$(readlink -f "${2-}") || fail "--fault wants a source" ;;
+    --fault) fault_source=$(readlink -f "${2-}") || fail "--fault needs a source" ;;
     --export) fault_export=${2-} ;;
     --lay-out) laid_out=${2-} ;;
     --read) inputs=${2-} ;;
     *) fail "there is no option $1" ;;
     esac
-    [ -n "${2-}" ] || fail "$1 wants a value"
+    [ -n "${2-}" ] || fail "$1 needs a value"
     shift 2
 done
 if [ -z "${KESTREL_HOST-}" ] || [ -z "${KESTREL_PLUGIN-}" ]; then fail "KESTREL_HOST and KESTREL_PLUGIN are not set"; fi
