@@ -14,6 +14,5 @@ int B64_Encode(const char* in, int length, char** out);
 /// Returns the number of bytes decoded: three for every four characters or rest of them, less one for each
 /// "=" among the last group's second, third and fourth characters. Nothing is checked or skipped: line
 /// breaks, blanks, bytes from 0x80 on, and "=" itself count as "A". Characters missing from the last group
-/// count as
-/// "=". Without any character there are 0 bytes. Without `out` it returns 0 and does nothing.
+/// count as "=". Without any character there are 0 bytes. Without `out` it returns 0 and does nothing.
 int B64_Decode(const char* in, int length, char** out);

@@ -55,7 +55,7 @@ void setCleanPeriod(const fmx::ExprEnv&, const fmx::DataVect& parameters, fmx::D
     kst::gCleanPeriod = seconds;
 }
 
-/// Words that do nothing have an effect on other platforms only.
+/// A selector without a function has an effect on other platforms only.
 constexpr std::array kGetSelectors{
     Selector{"lastError", getLastErrorCode},
     Selector{"lastErrorMessage", getLastErrorMessage},

@@ -38,5 +38,5 @@ void Preferences() noexcept;
 void SafeIdle();
 /// The user or a script is busy; the host's idle level says how.
 void SemiSafeIdle(unsigned char idleLevel);
-/// Nothing of the host may be called.
+/// The function must not call the host.
 void UnsafeIdle();

@@ -32,7 +32,7 @@ protected:
     std::vector<std::string> calls;
 
     void SetUp() override {
-        session.close(file); // Desk becomes the front file
+        session.close(file); // Desk becomes the first file
         host::clock().hold();
         session.onScriptCall = [this](const host::ScriptCall& call) {
             calls.push_back(host::toUtf8(call.scriptName) + " " + std::to_string(call.error));

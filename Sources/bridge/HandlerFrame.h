@@ -28,7 +28,7 @@ fmx::errcode runHandler(const fmx::ExprEnv& env, fmx::Data& result, const Body& 
     }
 }
 
-/// As runHandler, but nothing is recorded.
+/// Does the same as runHandler, but records nothing.
 template<typename Body>
 fmx::errcode runHandlerWithoutRecord(fmx::Data& result, const Body& body) noexcept {
     try {

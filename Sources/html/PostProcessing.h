@@ -1,6 +1,6 @@
 #pragma once
 
-/// From formattings to elements, classes and declarations. Then neighbours of equal appearance are merged.
+/// Turns formattings into elements, classes and declarations. Then neighbours of equal appearance are merged.
 /// Elements, classes and declarations common to all runs of a paragraph move to the paragraph.
 
 #include "html/ClassMap.h"

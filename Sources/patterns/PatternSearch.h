@@ -42,7 +42,7 @@ public:
     /// boundaries, and "^" matches only at the start of the whole text.
     [[nodiscard]] bool find(std::size_t position);
 
-    /// Of the last match that was found:
+    /// The following functions describe the last match that was found.
     [[nodiscard]] Span whole() const;
     [[nodiscard]] std::size_t groupCount() const;
     /// A group, counted from 1; std::nullopt when it took no part in the match.

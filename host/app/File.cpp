@@ -83,7 +83,7 @@ void File::checkCalculations() {
         }
 }
 
-/// The calls of statements are set after the records are there, so that none is changed while they load.
+/// The database gets its call-backs after the records are loaded, so that loading triggers none.
 void File::loadRecords() {
     for (const SolutionGlobal& global : solution_.globals)
         records_->set({global.table, 0}, global.field, global.repetition, global.value);

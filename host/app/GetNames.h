@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// The names of Get that a file answers: about itself, its session, the current record, the machine, and the
-/// window that a host without windows has not.
+/// The names of Get that a file answers: about itself, its session, the current record, the machine, and
+/// fixed answers about windows.
 
 namespace host {
 

@@ -25,8 +25,8 @@ public:
     explicit LoadedPlugIn(const std::filesystem::path& library, std::vector<Solution> solutions = {},
                           Start start = Start::now, const Announcement& announcement = {})
         : LoadedPlugIn(std::vector{library}, std::move(solutions), start, announcement) {}
-    /// Closes the files and ends the session while the plug-ins can still be told, then unloads them, the
-    /// last one first.
+    /// Closes the files and ends the session while the plug-ins can still get messages, then unloads them,
+    /// the last one first.
     ~LoadedPlugIn();
     LoadedPlugIn(const LoadedPlugIn&) = delete;
     LoadedPlugIn& operator=(const LoadedPlugIn&) = delete;
@@ -50,7 +50,7 @@ public:
     [[nodiscard]] const std::vector<RegisteredFunction>& functions() const {
         return plugIns_.front()->functions();
     }
-    /// Calls a function in the front file, without a calculation, as PlugIn::call does.
+    /// Calls a function in the first file, without a calculation, as PlugIn::call does.
     fmx::errcode call(const RegisteredFunction& function, const DataVect& arguments, Data& result);
 
 private:

@@ -72,7 +72,7 @@ public:
     /// The plug-in's name; empty before init and when the plug-in gives none.
     [[nodiscard]] const std::u16string& name() const { return name_; }
 
-    /// Where there is help for a function or script step; empty when the plug-in gives no address. One that
+    /// The address of help for a function or script step; empty when the plug-in gives none. An address that
     /// ends in "=" has the identifier appended.
     [[nodiscard]] std::u16string helpAddress(std::int16_t id) const;
 

@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// A value written in the formats that are set, as one of the type; nothing where it is none.
+/// A value of the type, written in the formats that are set; null where it cannot be read so.
 DataRef valueFrom(const std::string& written, DataType type);
 
 /// Reads the records of a table from a file: a header of names of fields, then one record a line, its values

@@ -155,7 +155,7 @@ bool Session::close(std::uint64_t fileId) {
     return true;
 }
 
-/// Values that are shown outside of a calculation are written as the front file writes them.
+/// Values that are shown outside of a calculation are written as the first file writes them.
 void Session::useFrontFormats() const {
     if (!files_.empty())
         setFormats(files_.front()->formats());

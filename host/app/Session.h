@@ -68,9 +68,9 @@ public:
     /// An environment in a file, with new `$` variables (the top level of a calculation).
     [[nodiscard]] calc::Environment environment(const std::shared_ptr<File>& file) const;
     [[nodiscard]] calc::Environment scopeIn(const std::shared_ptr<scripts::StageFile>& file) const override;
-    /// The top level of the front file, whose `$` variables live as long as the session.
+    /// The top level of the first file, whose `$` variables live as long as the session.
     [[nodiscard]] calc::Environment topLevel() const;
-    /// Evaluates at the top level of the front file; the error is 100 when no file is open.
+    /// Evaluates at the top level of the first file; the error is 100 when no file is open.
     calc::Result evaluate(std::u16string_view source);
 
     /// The start-script call. Gives 0, 100 (no such file is open), 104 (no such script), or 3 when scripts
@@ -85,8 +85,8 @@ public:
     /// script ends when its file has closed. A call from within a script does nothing.
     std::size_t runWaitingScripts();
     /// Runs a script to its end, past its pauses, and gives its result: empty when it was halted or has none.
-    /// Error 100: no such file is open; 104: no such script; 3: called from within a script. Not for
-    /// plug-ins.
+    /// Error 100: no such file is open; 104: no such script; 3: called from within a script. Plug-ins
+    /// do not call it.
     calc::Result runScript(std::u16string_view fileName, std::u16string_view scriptName, DataRef parameter);
     /// The time until a script that pauses goes on; nothing when none pauses.
     [[nodiscard]] std::optional<Clock::Micros> untilScriptGoesOn() const;
@@ -123,7 +123,7 @@ private:
     /// The plug-in whose code runs; where none does, the only one that is loaded; else null.
     [[nodiscard]] PlugIn* callingPlugIn() const;
     void useFrontFormats() const;
-    /// A call of now, with the error 100 or 104 where there is nothing to call.
+    /// A call made now; its error is 100 or 104 when there is no such file or script.
     [[nodiscard]] ScriptCall callOf(std::u16string_view fileName, std::u16string_view scriptName,
                                     DataRef parameter) const;
 

@@ -10,7 +10,7 @@ namespace host::calc {
 /// Makes one value of several, of which the empty ones do not count.
 using Aggregate = DataRef (*)(std::span<const DataRef>);
 
-/// By the name of the function of calculations ("Sum", "List"); null for any other name.
+/// The aggregate with the name of a calculation's function ("Sum", "List"); null for any other name.
 Aggregate aggregateNamed(std::u16string_view name);
 
 } // namespace host::calc

@@ -20,7 +20,7 @@ DataRef fileResult(std::u16string name, std::string_view bytes);
 /// A text of ASCII characters; throws error 1200 for one that would be too long.
 DataRef asciiResult(std::string_view text);
 
-/// In capitals, without blanks.
+/// Two hexadecimal digits a byte, in capitals, without blanks.
 std::string hexText(std::string_view bytes);
 
 /// Base64 in lines of `lineSize` characters that each end with CR LF; 0: without line ends.

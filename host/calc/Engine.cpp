@@ -177,7 +177,7 @@ Parsed parse(std::u16string_view source, const std::shared_ptr<const FunctionTab
 
 namespace {
 
-/// With a limit of work of its own, or that of the calculation around it.
+/// An evaluation has its own limit of work, or that of the calculation around it.
 Result evaluate(const Expression& expression, const Environment& environment, bool isInside) {
     Result result{.error = error::missingFile, .value = emptyResult(), .problem = {}};
     if (!environment.file || !environment.file->isOpen()) return result;

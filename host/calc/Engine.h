@@ -71,7 +71,7 @@ struct Function {
     /// The number of arguments, the last ones, that may stand together in brackets, `[ a ; b ]`. Only in
     /// brackets they may be given several times; they count and come one by one. 0: none may.
     int listSize = 0;
-    /// Of a function of the form `word`: whether it has a value for a folded word.
+    /// Whether a function of the form `word` has a value for a folded word.
     bool (*knowsWord)(FileContext& file, std::u16string_view word) = nullptr;
     /// Set by the table that has withdrawn the row.
     mutable bool withdrawn = false;

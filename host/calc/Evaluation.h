@@ -71,7 +71,7 @@ public:
     DataRef evaluate(const Node& node) { return evaluate(node, false); }
     /// The same for the part whose value is the whole result of the function that runs. A custom function
     /// that is called there takes the place of the one that calls, so that it needs no stack. The value may
-    /// then be null; it is to be given on as it is.
+    /// then be null; return it as it is.
     DataRef result(const Node& node) { return evaluate(node, isTail_); }
     /// Evaluates a whole calculation, which sees the names bound so far.
     DataRef run(const Expression& expression);
@@ -158,7 +158,7 @@ public:
 
     /// The innermost call that an `Error` passed through; null when there was none.
     [[nodiscard]] const Node* failedCall() const { return failedCall_; }
-    /// To be called by a function that catches an `Error`.
+    /// Call this in a function that catches an `Error`.
     void forgetFailedCall() { failedCall_ = nullptr; }
 
 private:

@@ -184,7 +184,7 @@ std::u16string withUnits(std::u16string_view whole, std::size_t kind) {
     return text.empty() ? inDigits(u"0", kind) : text;
 }
 
-/// By the second parameter of NumToJText.
+/// The functions by the second parameter of NumToJText.
 constexpr std::array kSeparations{inDigits, withCommas, withUnits<false>, withUnits<true>};
 
 /// One of the choices from 0; 0 for any other number.

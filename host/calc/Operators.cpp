@@ -82,7 +82,7 @@ std::optional<std::int64_t> microsOf(const Data& value, bool isDays) {
     return micros.rounded(0).toInt64();
 }
 
-/// Nothing when plain arithmetic is meant.
+/// The result for dates and times; nothing when plain arithmetic is meant.
 std::optional<DataRef> dateArithmetic(Operator op, const Data& left, const Data& right) {
     const auto kind = [](const Data& value) {
         return isDateTime(value.nativeType()) ? value.nativeType() : DataType::number;

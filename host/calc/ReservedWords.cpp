@@ -14,7 +14,7 @@ struct Word {
     std::int64_t value;
 };
 
-/// By name, so that a word is found by bisection.
+/// The rows are ordered by name, so that a word is found by bisection.
 constexpr std::array words{
     Word{u"allstyles", face::all},
     Word{u"bold", face::bold},

@@ -29,7 +29,7 @@ struct Order {
     Collator collator;
 };
 
-/// Nothing for an unknown locale.
+/// The order that the arguments describe; nothing for an unknown locale.
 std::optional<Order> orderOf(Arguments arguments, Collator::Counting counting) {
     Work::charge(kCollatorSteps);
     auto collator =

@@ -29,7 +29,7 @@ enum class Gap : std::uint8_t {
     one,   ///< one blank where there were some
     always ///< one blank in any case
 };
-/// By the third parameter, then by the number of roman characters of the two.
+/// The rows are by the third parameter, the columns by the number of roman characters of the two.
 constexpr std::array<std::array<Gap, 3>, 4> kGaps{{
     {Gap::none, Gap::none, Gap::one},
     {Gap::none, Gap::always, Gap::one},

@@ -53,7 +53,7 @@ inline constexpr int kHighestLevel = 5, kFirstLevelWithCalls = 4;
 std::span<const Check> checks();
 
 /// Runs a check in a process of its own, so that a crash or a hang is a finding and not an end. Where the
-/// system allows it, that process has no network. Whatever the plug-in prints goes where this process prints.
+/// system allows it, that process has no network. The plug-in's output goes where this process's does.
 /// A check that takes longer than `secondsAllowed` is ended and has failed.
 Outcome runIsolated(const Check& check, const Subject& subject, int secondsAllowed = 120);
 

@@ -124,8 +124,8 @@ Completions variables(std::u16string_view typed, Runner& runner) {
     return std::move(matches).take();
 }
 
-/// Within quotation marks: names of scripts have blanks, so all that stands behind the mark counts; a name in
-/// an SQL statement is its last word.
+/// Within quotation marks: names of scripts have blanks, so all that follows the mark counts; a name in an
+/// SQL statement is its last word.
 Completions quoted(std::u16string_view text, Runner& runner) {
     Matches scripts(text);
     offerScripts(scripts, runner);

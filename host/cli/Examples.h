@@ -8,12 +8,12 @@
 /// Examples with results, as people write them into documents and tables.
 ///
 /// A Markdown file holds them in blocks that begin with ```kestrel: a calculation of one line or more, then
-/// its result in lines that begin with `→`. The calculations of a block share a session. A word behind
+/// its result in lines that begin with `→`. The calculations of a block share a session. A word after
 /// "kestrel" is the context of the block.
 ///
 /// A TSV file (its name ends in .tsv) holds one a line, in three columns: context, calculation, result. In
 /// the result `\r` is a return and `\t` a tab; any other backslash is itself. Each has a session of its own.
-/// Empty lines and lines that begin with # are passed over.
+/// Empty lines and lines that begin with # are skipped.
 ///
 /// The result `ERROR n` says that the calculation fails with error n.
 ///

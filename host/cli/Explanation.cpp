@@ -127,10 +127,10 @@ std::u16string printable(std::u16string_view text) {
 
 /// The line with a caret under the word, cut around it where it is long.
 std::string excerptOf(const Line& line, std::size_t position, std::size_t wordSize) {
-    constexpr std::size_t before = 60, behind = 40;
+    constexpr std::size_t before = 60, after = 40;
     const std::size_t at = position - line.start;
     std::size_t first = at > before ? at - before : 0;
-    std::size_t last = std::min(line.text.size(), at + wordSize + behind);
+    std::size_t last = std::min(line.text.size(), at + wordSize + after);
     // A pair of surrogates is not cut.
     if (first > 0 && U16_IS_TRAIL(line.text[first])) ++first;
     if (last < line.text.size() && U16_IS_TRAIL(line.text[last])) ++last;

@@ -19,7 +19,7 @@ struct HtmlOptions {
     SessionOptions session;
     std::filesystem::path document; ///< "-" is standard input
     std::string output;             ///< empty: standard output
-    /// As Kestrel_GetAsHTML takes them; each entry may hold several lines.
+    /// The lists that Kestrel_GetAsHTML takes; each entry may hold several lines.
     std::vector<std::string> tags{"all"}, classes{"all=kst"}, styles{"all"};
     bool asPage = false;
 };

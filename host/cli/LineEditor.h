@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-// Of the library that edits lines.
+// Types of the library that edits lines.
 struct editline;
 struct historyW;
 
@@ -22,9 +22,9 @@ struct Completions {
     std::vector<std::string> texts;
 };
 
-/// Reads lines at a terminal, with editing, history and completion. Characters are UTF-8, whatever the
-/// machine's locale; a paste of several lines arrives whole where the terminal marks pastes. One at a time in
-/// a process.
+/// Reads lines at a terminal, with editing, history and completion. Characters are UTF-8 in every
+/// locale; a paste of several lines arrives whole where the terminal marks pastes. A process has one at a
+/// time.
 class LineEditor {
 public:
     /// The history is kept in a file, which need not exist; an empty path keeps none.

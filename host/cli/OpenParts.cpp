@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t kNone = std::u16string_view::npos;
 constexpr std::u16string_view kOpening = u"([{", kClosing = u")]}";
 
-/// The position behind a text constant that begins at `at`; none when it does not end.
+/// The position after a text constant that begins at `at`; none when it does not end.
 std::size_t endOfText(std::u16string_view source, std::size_t at) {
     for (++at; at < source.size(); ++at) {
         if (source[at] == u'"') return at + 1;
@@ -18,7 +18,7 @@ std::size_t endOfText(std::u16string_view source, std::size_t at) {
     return kNone;
 }
 
-/// The position behind a comment or text constant that begins at `at`; `at` itself where none does.
+/// The position after a comment or text constant that begins at `at`; `at` itself where none does.
 std::size_t endOfOpaquePart(std::u16string_view source, std::size_t at) {
     const std::u16string_view rest = source.substr(at);
     if (rest.starts_with(u'"')) return endOfText(source, at);

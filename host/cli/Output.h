@@ -11,7 +11,7 @@ namespace host::cli {
 
 /// Writes bytes to standard output at once.
 void write(std::string_view bytes);
-/// The same with a line feed behind them.
+/// The same with a line feed after them.
 void writeLine(std::string text);
 /// One object on a line of its own. Text that is not UTF-8 is repaired.
 void writeJson(const nlohmann::ordered_json& object);
@@ -26,10 +26,10 @@ void reportRaw(std::string_view bytes);
 /// A result for people: on a terminal its returns are shown as line breaks, otherwise bytes are exact.
 std::string shown(std::string text);
 
-/// With returns as line feeds.
+/// The text with line feeds in place of returns.
 std::string withLineFeeds(std::string text);
 
-/// To be called once, before anything is opened or written. Learns whether standard output is a terminal.
+/// Call this once, before anything is opened or written. Learns whether standard output is a terminal.
 /// Opens streams that the caller has closed as ones that fail: otherwise the first file would take their
 /// place.
 void prepareStandardStreams();

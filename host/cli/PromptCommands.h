@@ -13,7 +13,7 @@ struct PromptCommand {
     std::string_view name;       ///< with its colon
     std::string_view parameters; ///< as help shows them; empty: it takes none
     std::string_view sentence;
-    /// Does it with the text behind its name; throws std::runtime_error where that cannot be.
+    /// Runs it with the text after its name; throws std::runtime_error when it cannot be done.
     void (*run)(Runner& runner, const std::string& argument);
 };
 

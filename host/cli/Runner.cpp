@@ -247,7 +247,7 @@ bool Runner::print(const calc::Result& result, const Calculation& calculation) {
         addTo(object, explanation);
         writeJson(object);
     }
-    if (calc::areCalculationsStopped()) reportRaw("\n"); // behind the terminal's ^C
+    if (calc::areCalculationsStopped()) reportRaw("\n"); // after the terminal's ^C
     std::string where = calculation.file;
     if (!where.empty() && explanation.place) where += ", line " + std::to_string(explanation.place->line);
     reportRaw("kestrel: " + textOf(explanation, where.empty() ? where : where + ": "));

@@ -42,7 +42,7 @@ void goTo(Session& session, const std::string& layout, std::optional<std::int64_
 /// A session that prints results and what scripts report, and turns the host's loop.
 class Runner {
 public:
-    /// Throws std::runtime_error when a solution or the plug-in cannot be had.
+    /// Throws std::runtime_error when a solution or a plug-in cannot be opened.
     explicit Runner(const SessionOptions& options);
 
     [[nodiscard]] LoadedPlugIn& loaded() { return *loaded_; }

@@ -27,7 +27,7 @@ public:
     static Taken take();
 };
 
-/// Collects what is written to standard output and standard error while it lives, by whomever.
+/// Collects what is written to standard output and standard error by this process while it lives.
 class CapturedOutput {
 public:
     CapturedOutput();

@@ -46,7 +46,7 @@ int run(const std::vector<std::string>& given) {
 } // namespace
 
 int main(int argc, char** argv) try {
-    // Characters are UTF-8 and as wide as Unicode says, whatever the machine's locale.
+    // Characters are UTF-8 and as wide as Unicode says in every locale.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     host::cli::prepareStandardStreams();
     return run({argv + 1, argv + argc});

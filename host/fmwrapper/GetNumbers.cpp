@@ -11,7 +11,7 @@ struct GetNumber {
     int number;
     std::u16string_view name;
 };
-/// In the order of the numbers.
+/// The rows are in the order of the numbers.
 constexpr std::array getNumbers{
     GetNumber{1001, u"ApplicationVersion"},
     GetNumber{1002, u"CurrentDate"},

@@ -40,7 +40,7 @@ constexpr const NewerFunction* newerFunction(std::string_view name) {
     return row == kNewerFunctions.end() ? nullptr : row;
 }
 
-/// The version that plug-ins were last told.
+/// The version last announced to plug-ins.
 int announcedVersion();
 void announceVersion(int version);
 /// Takes note of a call of a function that the announced version lacks, by its row in kNewerFunctions. A
@@ -55,7 +55,7 @@ struct FunctionName {
     consteval FunctionName(const char (&name)[size]) { std::copy_n(name, size, text); }
     char text[size]{};
 };
-/// To be called first in a function that not every version has.
+/// Call this first in a function that older versions lack.
 template<FunctionName name>
 void checkVersion() {
     constexpr const NewerFunction* function = newerFunction(name.text);

@@ -61,7 +61,7 @@ void replaceFieldContents(StepRun& run) {
 
 constexpr OptionRow kField{.name = u"field", .takes = Takes::field, .isNeeded = true};
 constexpr OptionRow kSelect{.name = u"Select", .takes = Takes::words, .words = u"select"};
-/// With the label, or by its place.
+/// The target is found by its label, or by its place.
 constexpr OptionRow kLabelledTarget{.name = u"Target", .takes = Takes::target, .isLabelled = true};
 constexpr OptionRow kTarget{.name = u"Target", .takes = Takes::target};
 

@@ -240,7 +240,7 @@ void Machine::goOn() {
     const Script& script = *frame.script;
     const bool isList = script.steps.empty();
     if (frame.at >= (isList ? script.calculations.size() : script.steps.size()))
-        return endScript(calc::Result(frame.last)); // the frame goes before its result
+        return endScript(calc::Result(frame.last)); // a copy, because endScript destroys the frame
     if (runs_.back().steps > 0) stage_.idle(kFMXT_ScriptRunning);
     // Nothing of a file is used once it has closed, not even to report the end of its scripts.
     if (!frame.file->isOpen()) return runs_.pop_back();
@@ -326,7 +326,7 @@ calc::Result Machine::evaluateOnce(std::u16string_view source) {
     return calc::evaluate(source, top().scope, stage_.functions());
 }
 
-/// A turn of the loop, and a rest. A clock that is held brings no pause to its end.
+/// Turns the loop once, then sleeps. A pause does not end while the clock is held.
 void Machine::restWhilePaused() {
     constexpr Clock::Micros longest = std::chrono::milliseconds(20);
     stage_.turnLoop();

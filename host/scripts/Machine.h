@@ -72,7 +72,7 @@ public:
     /// The result of the script that ended last.
     [[nodiscard]] const std::shared_ptr<calc::ScriptFrame>& outside() const { return outside_; }
 
-    // For steps.
+    // Steps call these functions.
     /// Calls a script of the file from the one that runs; throws calc::Error when there are too many.
     void perform(const std::shared_ptr<StageFile>& file, const Script& script, DataRef parameter);
     /// Ends the script that runs, and gives its result to the script that called it.

@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <string_view>
 
-/// Where the parts of a script's text end. A part is a calculation or a name in quotation marks; signs in its
-/// texts, comments and brackets are its own.
+/// Finds the ends of the parts of a script's text. A part is a calculation or a name in quotation marks; all
+/// characters in its texts, comments and brackets belong to it.
 
 namespace host::scripts {
 
-/// Without blanks and line ends at its ends.
+/// The text without blanks and line ends at its ends.
 std::u16string_view trimmed(std::u16string_view text);
 
 /// The position after a text in quotation marks, straight or curly, that begins at `at`; `at` where none

@@ -42,7 +42,7 @@ enum class Block : std::uint8_t {
 };
 
 inline constexpr std::u16string_view kOnOff = u"on|off";
-/// Of no effect, as nobody answers dialogs.
+/// The option has no effect, as nobody answers dialogs.
 inline constexpr OptionRow kWithDialog{
     .name = u"With dialog", .takes = Takes::words, .isLabelled = true, .words = kOnOff};
 
@@ -59,7 +59,7 @@ struct StepRow {
 };
 
 /// The app's step of a name, in any case; of a name with slashes the part before the first one is enough.
-/// Null for an unknown one, which may be a plug-in's.
+/// The result is null for an unknown step, which may be a plug-in's.
 const StepRow* stepNamed(std::u16string_view name);
 
 /// The tables, each of a kind of steps.

@@ -12,7 +12,7 @@ namespace host::scripts {
 struct QuotedName {
     std::u16string name, file; ///< file: empty when none is named
 };
-/// Nothing where the text has another form.
+/// The name in quotation marks; nothing where the text has another form.
 std::optional<QuotedName> quotedName(std::u16string_view text);
 
 /// Where a step puts a value.
@@ -23,7 +23,7 @@ struct Target {
     std::u16string occurrence; ///< of a field; empty when none is named
     std::u16string repetition; ///< a calculation; empty when none is written
 };
-/// Nothing where the text has another form.
+/// The target; nothing where the text has another form.
 std::optional<Target> targetIn(std::u16string_view text);
 
 } // namespace host::scripts

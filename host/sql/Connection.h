@@ -47,7 +47,7 @@ public:
     /// Runs one statement that takes and gives nothing. Gives the engine's result code.
     int run(const std::string& statement);
 
-    /// When the work that is done must end; later in the next one.
+    /// The moment at which the current work must end. The next work has a later one.
     [[nodiscard]] const std::chrono::steady_clock::time_point& deadline() const { return deadline_; }
 
     /// A prepared statement, kept for the next time. It is reset and free again when it goes out of scope.

@@ -22,7 +22,7 @@ std::string callOf(std::string_view function, std::initializer_list<std::string_
     return call + ")";
 }
 
-/// Whether a value of the type may stand where a function wants that letter.
+/// Whether a parameter with that letter takes a value of the type.
 bool fits(DataType type, char letter) {
     if (type == DataType::invalid) return true;
     switch (letter) {

@@ -30,7 +30,7 @@ struct FunctionRow {
 /// Null where there is no such function.
 const FunctionRow* functionRow(std::string_view name);
 
-/// Also COALESCE, NULLIF and STRVAL, whose types depend on their arguments.
+/// True also for COALESCE, NULLIF and STRVAL, whose types depend on their arguments.
 bool isFunction(std::string_view name);
 bool isAggregate(std::string_view name);
 /// A function that may stand without parentheses.

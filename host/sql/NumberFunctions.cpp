@@ -115,7 +115,7 @@ void addValue(Context context, int /*count*/, Arguments arguments) {
     state->squares += before * (value - state->mean);
 }
 
-/// Of a sample where `missing` is 1, of the population where it is 0.
+/// The deviation of a sample where `missing` is 1, of the population where it is 0.
 template<int missing>
 void giveDeviation(Context context) {
     const auto* state = static_cast<Deviation*>(sqlite3_aggregate_context(context, 0));

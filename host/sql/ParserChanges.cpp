@@ -188,7 +188,7 @@ void Parser::columnOption(ColumnDefinition& column) {
     else if (take("GLOBAL"))
         column.isGlobal = true;
     else if (take("EXTERNAL")) {
-        // Where the app keeps a container's files; this store keeps them itself.
+        // The place of a container's files is not used: this store keeps them itself.
         text();
         if (take("OPEN"))
             text();

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kSqlRefused = 8309, kSqlSyntax = 8310;
 
-/// By code, from 1. A `@` stands for the name.
+/// The messages by code, from 1. A `@` stands for the name.
 constexpr std::array<std::u16string_view, 29> messages{
     u"There is an error in the syntax of the query.",
     u"The table named \"@\" does not exist.",

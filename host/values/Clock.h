@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// From 0001-01-01 00:00:00 to 1970-01-01 00:00:00.
+/// The time from 0001-01-01 00:00:00 to 1970-01-01 00:00:00.
 inline constexpr std::chrono::seconds kYearOneToUnixEpoch{62'135'596'800};
 
 /// The host's time: the machine's, moved forwards or backwards, or held still. It may be read on any thread

@@ -15,8 +15,8 @@ constexpr std::array<std::string_view, 8> typeWords{"",     "Text",      "Number
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-/// The exponent that stands directly after a digit, "e-5", empty where none stands. One of more than three
-/// digits is none: no number is so large or small.
+/// The exponent that stands directly after a digit, "e-5", empty where none stands. More than three digits
+/// are no exponent: no number is so large or small.
 std::u16string_view exponentAt(std::u16string_view rest) {
     constexpr std::size_t mostDigits = 3;
     if (!rest.starts_with(u'e') && !rest.starts_with(u'E')) return {};
@@ -42,7 +42,7 @@ bool isNegative(std::u16string_view text, char16_t point) {
     return false;
 }
 
-/// The digits and the first decimal point; the rest is passed over, and so are digits after the 800th.
+/// The digits and the first decimal point; the rest is skipped, and so are digits after the 800th.
 std::optional<Decimal> numberIn(std::u16string_view text) {
     constexpr std::size_t mostDigits = 800;
     const char16_t point = formats().decimalPoint;
@@ -65,7 +65,7 @@ std::optional<Decimal> numberIn(std::u16string_view text) {
     return Decimal::parse(digits);
 }
 
-/// As the file writes numbers.
+/// The number as the file writes numbers.
 std::u16string textOf(const Decimal& number) {
     std::u16string text = number.text();
     if (formats().decimalPoint != u'.') std::replace(text.begin(), text.end(), u'.', formats().decimalPoint);
@@ -179,7 +179,7 @@ const Text& Data::asText() const {
     return *reading;
 }
 
-/// Of a value that is neither a text nor a container.
+/// The text of a value that is neither a text nor a container.
 Text Data::newText() const {
     if (held_ == DataType::number) return Text(textOf(std::get<Decimal>(value_)));
     const auto& value = std::get<DateTime>(value_);

@@ -25,8 +25,8 @@ enum class DataType : std::uint8_t { invalid, text, number, date, time, timestam
 std::string_view typeWord(DataType type);
 
 /// A typed value with its locale. Reading it as another type converts; what a reading gives by reference
-/// stays valid until the value is changed or gone. A value that has no reading as the wanted type reads as
-/// that type's empty value (empty text, zero, day 0, no streams, false).
+/// stays valid until the value is changed or gone. A value that cannot be read as that type reads as
+/// the type's empty value (empty text, zero, day 0, no streams, false).
 class Data {
 public:
     Data() = default; ///< empty text
@@ -42,17 +42,17 @@ public:
 
     [[nodiscard]] DataType nativeType() const { return type_; }
     [[nodiscard]] bool isValid() const { return type_ != DataType::invalid; }
-    /// No characters, no number, no date, no streams.
+    /// True for no characters, no number, no date, no streams.
     [[nodiscard]] bool isEmpty() const;
 
-    /// Of a container with data: "?".
+    /// The text of a container with data is "?".
     [[nodiscard]] const Text& asText() const;
-    /// Appends the same text. One that must be made is not kept with the value.
+    /// Appends the same text. A text that must be made is not kept with the value.
     void appendTextTo(Text& text) const;
     /// The positions in the text at which its lines begin: 0, and each position after a return. They are
     /// found once and kept with the value.
     [[nodiscard]] const std::vector<std::uint32_t>& lineStarts() const;
-    /// A text's digits and its first decimal point; all else is passed over. It is negative when a minus
+    /// A text's digits and its first decimal point; all else is skipped. It is negative when a minus
     /// stands before the first digit, or parentheses around it, and no point before them ("a-5", "(5)"; "5-"
     /// is 5). An exponent after a digit counts ("2e3"). A text without a digit, or one that would reach
     /// 10^400, has no number and asNumber gives 0. A date is its day number, where 0001-01-01 is 1, a time

@@ -66,7 +66,7 @@ struct Fields {
     std::u16string between; ///< one sign for each gap
 };
 
-/// Nothing for a text that is anything else, or that has more or longer groups than dates and times have.
+/// The result is nothing for other texts, and for more or longer groups than dates and times have.
 std::optional<Fields> fieldsOf(std::u16string_view text) {
     constexpr std::size_t widest = 12, mostFields = 4;
     Fields fields;

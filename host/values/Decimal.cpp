@@ -17,7 +17,7 @@ namespace host {
 
 namespace {
 
-/// Without expression templates: their temporaries are beyond what static analysis can follow.
+/// Expression templates are off, because static analysis cannot follow their temporaries.
 using Integer =
     boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>, boost::multiprecision::et_off>;
 
@@ -33,7 +33,7 @@ Integer divided(const Integer& number, const Integer& divisor, bool cut) {
     return quotient;
 }
 
-/// So few bits that no comparison with 10^400 is needed.
+/// Whether the bits are so few that no comparison with 10^400 is needed.
 bool isFarBelowLimit(const Integer& number) {
     constexpr std::size_t few = 1'280;
     return number.backend().size() * Integer::backend_type::limb_bits <= few;
@@ -78,7 +78,7 @@ bool fitsSmall(const Integer& number) {
     return number.backend().size() == 1 && number <= Limits::max() && number >= Limits::min();
 }
 
-/// Nothing where 64 bits do not hold the product.
+/// The product; nothing where 64 bits do not hold it.
 std::optional<std::int64_t> smallTimesPowerOfTen(std::int64_t number, int exponent) {
     while (exponent-- > 0)
         if (__builtin_mul_overflow(number, 10, &number)) return std::nullopt;

@@ -33,11 +33,11 @@ public:
     [[nodiscard]] Decimal plus(const Decimal& other) const;
     [[nodiscard]] Decimal minus(const Decimal& other) const;
     [[nodiscard]] Decimal times(const Decimal& other) const;
-    /// Nothing when the divisor is zero.
+    /// The quotient; nothing when the divisor is zero.
     [[nodiscard]] std::optional<Decimal> dividedBy(const Decimal& other) const;
     [[nodiscard]] Decimal negated() const;
     /// A power with a whole exponent of any size, exact but for the rounding of places past the 400th.
-    /// Nothing for 0 to a negative power; an exponent's fraction is cut.
+    /// The result is nothing for 0 to a negative power; an exponent's fraction is cut.
     [[nodiscard]] std::optional<Decimal> power(const Decimal& exponent) const;
     [[nodiscard]] std::optional<Decimal> squareRoot() const;
     /// Rounded half away from zero, or cut, to `places` after the point (negative: before it).

@@ -76,7 +76,7 @@ void exchange(std::span<char16_t> units, char16_t MovedControl::* from, char16_t
 /// Converters are fed in pieces, as they refuse sources and buffers of a gigabyte.
 constexpr std::size_t pieceSize = 1024;
 
-/// Hands the encoded bytes to `take` in pieces, as long as it answers that it wants more.
+/// Hands the encoded bytes to `take` in pieces, until it answers that it needs no more.
 template<class Take>
 void encodePieces(std::u16string_view units, Encoding encoding, const Take& take) {
     encoding = meantBy(encoding);

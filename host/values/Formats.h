@@ -37,12 +37,12 @@ const Formats* formatsOf(std::string_view locale);
 
 /// The formats that values are written and read with: US English until others are set.
 const Formats& formats();
-/// For the whole process, on every thread.
+/// Sets the formats of the whole process, on every thread.
 void setFormats(const Formats& wanted);
-/// Back to US English.
+/// Sets those of US English.
 void resetFormats();
 
-/// Other formats while it lives.
+/// Sets other formats as long as it lives.
 class FormatsScope {
 public:
     explicit FormatsScope(const Formats& wanted) : outer_(formats()) { setFormats(wanted); }

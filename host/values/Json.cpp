@@ -128,7 +128,7 @@ std::size_t bytesOfToken(std::string_view token) {
     return bytes;
 }
 
-/// Where the wrong token begins, of a text that was read up to it, or of which it is the end that is missing.
+/// The place of the wrong token, or of the text's end when its end is missing. `read` ends with the token.
 /// The library keeps the token's own text only for strings and numbers.
 std::size_t startOfToken(std::string_view read, std::string_view token, std::string_view message) {
     const auto says = [&](std::string_view part) { return message.find(part) != std::string_view::npos; };

@@ -49,7 +49,7 @@ JsonReading readJson(std::string_view text);
 /// none.
 std::optional<Json> readFirstJson(std::string_view text);
 
-/// Without blanks between elements.
+/// The text without blanks between elements.
 std::string compactText(const Json& element);
 /// One tab a level, with line feeds and a blank on both sides of a colon. An array of short values without
 /// containers that hold something stays on one line. No line feed stands at the end. A text that would be

@@ -6,7 +6,7 @@
 
 namespace host {
 
-/// In pixels; 0 for bytes that are no picture.
+/// A picture's size in pixels; 0 for bytes that are no picture.
 struct PictureSize {
     std::uint32_t width = 0, height = 0;
 };

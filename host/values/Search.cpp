@@ -57,7 +57,7 @@ CaselessSearch::CaselessSearch(std::u16string_view text, std::u16string_view wan
     origins_.resize(wanted_.size());
 }
 
-/// Passes over characters that no match can begin with.
+/// Skips characters that no match can begin with.
 void CaselessSearch::skipOthers() {
     const auto isOther = [&](char16_t unit) { return isAscii(unit) && foldAscii(unit) != wanted_.front(); };
     while (next_ < text_.size() && isOther(text_[next_]))

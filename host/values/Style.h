@@ -67,7 +67,7 @@ public:
     [[nodiscard]] std::uint16_t size() const { return size_; }
     [[nodiscard]] const Color& color() const { return color_; }
 
-    /// Setting enables what it sets. Setting faces decides those that are on; plain decides all of them.
+    /// Setting a trait enables it. setFaces changes only the faces that it turns on; plain changes all.
     void setFont(std::uint16_t font);
     void setFaces(std::uint16_t faces);
     void setSize(std::uint16_t size);

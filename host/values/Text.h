@@ -100,7 +100,7 @@ public:
     }
 
 private:
-    /// Runs that are copied with their owner. None takes the room of a pointer.
+    /// Runs, copied with their owner. Without runs it takes the size of a pointer.
     class OptionalRuns : public std::unique_ptr<std::vector<Run>> {
     public:
         using std::unique_ptr<std::vector<Run>>::unique_ptr;

@@ -19,7 +19,7 @@ void check(UErrorCode status) {
     if (U_FAILURE(status)) throw std::runtime_error("ICU could not map a text's case");
 }
 
-/// Runs an ICU mapping into a string that is as long as the answer wants.
+/// Runs an ICU mapping into a string that is as long as the answer needs.
 template<class Mapping>
 std::u16string mapped(std::u16string_view source, const Mapping& mapping) {
     std::u16string result(source.size() + source.size() / 8 + 16, u'\0');

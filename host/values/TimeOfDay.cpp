@@ -1,5 +1,5 @@
-// The machine's gettimeofday, as everything in this process finds it: a plug-in, and the libraries that it
-// stands on, read the host's clock with it. The loader searches this library before the machine's own.
+// Replaces gettimeofday for this whole process, so plug-ins and their libraries read the host's clock. The
+// loader searches this library before the machine's own.
 
 #include "host/values/Clock.h"
 

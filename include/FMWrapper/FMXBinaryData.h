@@ -26,7 +26,7 @@ public:
     /// An index out of range raises error 2, here and in GetSize.
     void GetType(int32 index, QuadChar& dataType) const;
     uint32 GetSize(int32 index) const;
-    /// Not 0 when the range does not lie within the stream.
+    /// The result is not 0 when the range does not lie within the stream.
     errcode GetData(int32 index, uint32 offset, uint32 amount, void* buffer) const;
     /// Copies `amount` bytes; replaces a stream of the same kind.
     errcode Add(const QuadChar& dataType, uint32 amount, void* buffer);

@@ -81,7 +81,7 @@ public:
     /// Hosts of version 56 and later, as is FileID.
     ptrtype SessionID() const;
     ptrtype FileID() const;
-    /// To be called between init and shutdown. `maxArgs` -1 means no limit.
+    /// Plug-ins call it between init and shutdown. `maxArgs` -1 means no limit.
     static errcode RegisterExternalFunction(const QuadChar& pluginId, short functionId,
                                             const Text& functionName, const Text& functionPrototype,
                                             short minArgs, short maxArgs, uint32 compatibleFlags,

@@ -21,11 +21,11 @@ public:
     void Now();
     /// 1 or 0.
     int16 IsLeapYear() const;
-    /// From 1, Sunday.
+    /// The day of the week; 1 is Sunday.
     int16 DayOfWeek() const;
-    /// From 1, January 1.
+    /// The day of the year; 1 is January 1.
     int16 DayOfYear() const;
-    /// From 1, the week of January 1; weeks begin on Sunday.
+    /// The week of the year; 1 is that of January 1. Weeks begin on Sunday.
     int16 WeekOfYear() const;
     /// The first copies only the date, the second only the time.
     void SetDate(const DateTime& that);

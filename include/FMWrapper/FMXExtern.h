@@ -145,7 +145,7 @@ enum {
     kFMXT_SASE = 7
 };
 
-/// Errors that mean what the plug-in wants; the text of the result says it.
+/// Errors whose meaning the plug-in chooses; the text of the result describes them.
 enum {
     kPluginErrResult1 = 1552,
     kPluginErrResult2 = 1553,

@@ -39,7 +39,7 @@ public:
     void Add(const FixPt& arg, FixPt& result) const;
     void Subtract(const FixPt& arg, FixPt& result) const;
     void Multiply(const FixPt& arg, FixPt& result) const;
-    /// Not 0 for a divisor of zero; `result` then stays as it was.
+    /// The result is not 0 for a divisor of zero; `result` then stays as it was.
     errcode Divide(const FixPt& arg, FixPt& result) const;
     /// True for anything but zero.
     bool AsBool() const;

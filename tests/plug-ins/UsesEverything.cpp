@@ -89,7 +89,7 @@ bool registerAll() {
     faults +=
         ExprEnv::RegisterScriptStep(*id, 2, *Words("Other"), *Words("<PluginStep/>"), *Words(), 0xFF00, join);
     faults += ExprEnv::UnRegisterScriptStep(*id, 2);
-    // Both are refused: the identifier is taken, the definition is none.
+    // Both are refused: the identifier is taken, the definition is wrong.
     add(0, "Uses_Twin", "Uses_Twin", 0, runGroup);
     ExprEnv::RegisterScriptStep(*id, 3, *Words("Broken"), *Words("<Step/>"), *Words(), 0xFF00, join);
     return faults == 0;
