@@ -85,7 +85,7 @@ struct Part {
 
 constexpr Part kCharacter{{}, kNothing};
 constexpr Part kAnchor{{1, kStepsOfAnchor, 0}, {}};
-/// It may stand for an empty text.
+/// A reference, which may stand for an empty text.
 constexpr Part kReference{{1, kStepsOfAnchor, 0}, kNothing};
 constexpr Part kEdgeOfGroup{{1, 1, 0}, {}};
 

@@ -48,7 +48,7 @@ struct ComparisonSign {
     std::u16string_view sign;
     KeyComparison comparison;
 };
-/// Longer signs first.
+/// The signs of two characters come before those of one.
 constexpr std::array comparisonSigns{
     ComparisonSign{u"<>", KeyComparison::notEqual},
     ComparisonSign{u"<=", KeyComparison::lessOrEqual},

@@ -77,7 +77,7 @@ constexpr std::array kLanguages{
     Language{u"vietnamese", "vi"},
 };
 
-/// Three bytes a character, the highest first.
+/// The code of each character in three bytes, the highest first.
 std::string codesOf(std::u16string_view text) {
     std::string bytes;
     bytes.reserve(3 * text.size());

@@ -68,7 +68,7 @@ Cipher cipherFor(const std::string& key, const std::string& head, bool isEncrypt
     return isReady ? std::move(cipher) : nullptr;
 }
 
-/// All bytes through the cipher; nothing when the library refuses, as it does for a wrong tag.
+/// The enciphered or deciphered bytes; nothing when the library refuses, as it does for a wrong tag.
 std::optional<std::string> ciphered(const Cipher& cipher, const std::string& bytes) {
     std::string result(bytes.size(), '\0');
     int size = 0, rest = 0;

@@ -31,7 +31,7 @@ static_assert(std::atomic<bool>::is_always_lock_free); // for signal handlers
     throw Exhausted();
 }
 
-/// Another value while it lives.
+/// Sets another value as long as it lives.
 class Restored {
 public:
     Restored(bool& place, bool value) : place_(place), outer_(std::exchange(place, value)) {}

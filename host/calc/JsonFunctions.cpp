@@ -147,7 +147,7 @@ Json asContainer(const DataRef& value) {
 }
 
 Json elementOf(const DataRef& value, const DataRef& type) {
-    // By type number; any other number is raw.
+    // The types are by number; any other number is raw.
     constexpr std::array<Json (*)(const DataRef&), 7> makers{
         asRaw, asString, asNumber, asContainer<JsonObject>, asContainer<JsonArray>, asBoolean, asNull};
     const std::int64_t number = whole(type);

@@ -17,7 +17,7 @@ struct Symbol {
     Operator op = {};
 };
 
-/// Longer ones first where one begins another.
+/// A longer symbol comes before the shorter one that it begins with.
 constexpr std::array symbols{
     Symbol{u"<>", Token::Kind::op, Operator::notEqual},
     Symbol{u"<=", Token::Kind::op, Operator::lessOrEqual},
@@ -57,7 +57,7 @@ constexpr std::array keywords{
 };
 constexpr std::size_t longestKeyword = 5;
 
-/// Null for a word that is no keyword.
+/// The keyword; null for a word that is none.
 const Keyword* keywordIn(std::u16string_view word) {
     if (word.size() > longestKeyword) return nullptr;
     const std::u16string folded = foldName(word);
@@ -186,7 +186,7 @@ std::size_t Lexer::wordEnd(std::size_t from) const {
     return from;
 }
 
-/// Words with blanks between them; a keyword ends the name before it. Empty where no word stands.
+/// A name of words with blanks between them; a keyword ends it. It is empty where no word stands.
 std::u16string Lexer::plainName() {
     const std::size_t first = at_;
     at_ = wordEnd(first);

@@ -94,7 +94,7 @@ DataRef combination(Arguments arguments) {
     return numberResult(product);
 }
 
-/// At least 0, below 1.
+/// A number from 0 to below 1.
 DataRef random(Arguments) {
     static std::mt19937_64 generator(std::random_device{}());
     constexpr std::int64_t steps = 10'000'000'000'000'000;

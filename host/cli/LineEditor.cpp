@@ -299,7 +299,7 @@ void LineEditor::remember(const std::string& entry) {
     HistEventW event;
     ::history_w(history_, &event, H_ENTER, wide(entry).c_str());
     if (historyFile_.empty()) return;
-    // It may hold what others must not read.
+    // The history may hold texts that other users must not read.
     const mode_t before = ::umask(S_IRWXG | S_IRWXO);
     std::ofstream(historyFile_, std::ios::app) << escaped(entry) << '\n';
     ::umask(before);

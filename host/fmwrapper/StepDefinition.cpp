@@ -19,7 +19,7 @@ struct FreeDocument {
 };
 using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 
-/// Text that the library gives away.
+/// The text, which the library leaves to the caller to free.
 std::string taken(xmlChar* text) {
     const std::unique_ptr<xmlChar, void (*)(void*)> owned(text, xmlFree);
     return owned ? reinterpret_cast<const char*>(owned.get()) : std::string();

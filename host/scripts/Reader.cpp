@@ -171,7 +171,7 @@ private:
         return options;
     }
 
-    /// Null for an option of no effect.
+    /// The option's row; null for an option of no effect.
     static const OptionRow* labelled(const StepRow& row, const Part& part, std::size_t length) {
         const std::u16string label = calc::foldName(trimmed(part.text.substr(0, length)));
         const std::u16string_view value = trimmed(part.text.substr(length + 1));

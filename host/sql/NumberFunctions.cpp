@@ -60,7 +60,7 @@ void extreme(Context context, int /*count*/, Arguments arguments) {
     sqlite3_result_value(context, arguments[(isGreater ? a >= b : a <= b) ? 0 : 1]);
 }
 
-/// Fifteen digits: without the noise that binary fractions leave in sums.
+/// Rounds to fifteen digits, which removes the errors that binary fractions leave in sums.
 void settled(Context context, int /*count*/, Arguments arguments) {
     if (sqlite3_value_type(arguments[0]) != SQLITE_FLOAT) return sqlite3_result_value(context, arguments[0]);
     std::array<char, 40> digits{};

@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    /// Zero past the end.
+    /// The unit at that distance; zero past the end.
     [[nodiscard]] char16_t unit(std::size_t ahead) const {
         return place_ + ahead < source_.size() ? source_[place_ + ahead] : u'\0';
     }
