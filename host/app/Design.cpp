@@ -6,7 +6,6 @@
 #include "host/data/Position.h"
 #include "host/data/Records.h"
 #include "host/values/Encoding.h"
-#include "host/values/Formats.h"
 
 #include <algorithm>
 #include <array>
@@ -132,7 +131,7 @@ std::u16string nextSerialValue(const Question& question) {
     return field == nullptr ? std::u16string() : field->nextSerial.value_or(u"");
 }
 
-/// How the other side's key stands to this side's.
+/// The sign of a comparison; `isTurned` exchanges the sides.
 std::u16string_view signOf(KeyComparison comparison, bool isTurned) {
     switch (comparison) {
     case KeyComparison::notEqual: return u"≠";
@@ -179,7 +178,7 @@ std::u16string relationInfo(const Question& question) {
     return blocks;
 }
 
-/// The values of a list's field: each once, in the order of the language.
+/// The values of a list's field: each once, in the order of its type.
 std::u16string valueListItems(const Question& question) {
     const ValueList* list = elementNamed(question.schema().valueLists, question.argument(1));
     std::u16string items;
@@ -188,16 +187,14 @@ std::u16string valueListItems(const Question& question) {
         addLine(items, value);
     if (!list->occurrence) return items;
     const std::size_t table = question.schema().occurrences[*list->occurrence].table;
-    const auto isBefore = [](const std::u16string& left, const std::u16string& right) {
-        return formats().compare(left, right) < 0;
-    };
-    std::set<std::u16string, decltype(isBefore)> values(isBefore);
+    const auto comesFirst = [](const DataRef& left, const DataRef& right) { return isBefore(*left, *right); };
+    std::set<DataRef, decltype(comesFirst)> values(comesFirst);
     for (const std::int64_t record : question.file.records().all(table)) {
         const DataRef value = question.file.records().value({table, record}, list->field, 1);
-        if (!value->isEmpty() && value->isValid()) values.emplace(value->asText().units());
+        if (!value->isEmpty() && value->isValid()) values.insert(value);
     }
-    for (const std::u16string& value : values)
-        addLine(items, value);
+    for (const DataRef& value : values)
+        addLine(items, value->asText().units());
     return items;
 }
 

@@ -29,6 +29,10 @@ DataRef getFieldName(Evaluation& evaluation, Nodes arguments) {
     return textResult(std::move(name));
 }
 
+DataRef getBaseTableName(Evaluation& evaluation, Nodes arguments) {
+    return textResult(evaluation.fields().tableNameOf(evaluation.requiredField(*arguments[0]).place));
+}
+
 /// GetNthRecord ( field ; number )
 DataRef getNthRecord(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
@@ -38,10 +42,17 @@ DataRef getNthRecord(Evaluation& evaluation, Nodes arguments) {
     return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
 }
 
+/// In a calculation that repeats, a field without repetitions stands for each of them.
+int repetitionOf(Evaluation& evaluation, const Evaluation::FieldReference& field) {
+    const bool repeats = field.isOneRepetition || evaluation.fields().repetitions(field.place) > 1;
+    return repeats ? field.repetition : 1;
+}
+
 /// Lookup ( field { ; calculation } )
 DataRef lookup(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
-    if (const DataRef value = evaluation.fields().lookup(evaluation.scope(), field.place))
+    const int repetition = repetitionOf(evaluation, field);
+    if (const DataRef value = evaluation.fields().lookup(evaluation.scope(), field.place, repetition))
         return evaluation.noted(value);
     return arguments.size() > 1 ? evaluation.evaluate(*arguments[1])
                                 : evaluation.failed(error::missingRecord);
@@ -51,7 +62,8 @@ DataRef lookup(Evaluation& evaluation, Nodes arguments) {
 DataRef lookupNext(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
     const bool isHigher = evaluation.evaluate(*arguments[1])->asBoolean();
-    const DataRef value = evaluation.fields().lookupNext(evaluation.scope(), field.place, isHigher);
+    const DataRef value = evaluation.fields().lookupNext(evaluation.scope(), field.place,
+                                                         repetitionOf(evaluation, field), isHigher);
     return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
 }
 
@@ -92,6 +104,7 @@ void addDesignFunctions(FunctionTable& table, std::index_sequence<places...>) {
 }
 
 constexpr std::array lazyRows{
+    LazyRow{u"GetBaseTableName", getBaseTableName, Form::field},
     LazyRow{u"GetFieldName", getFieldName, Form::field},
     LazyRow{u"GetNthRecord", getNthRecord, Form::field},
     LazyRow{u"Lookup", lookup, Form::field},

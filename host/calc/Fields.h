@@ -54,6 +54,8 @@ public:
     virtual void eachName(const std::function<void(std::u16string_view)>& visit) const = 0;
     /// `Occurrence::Field`, as both were defined.
     [[nodiscard]] virtual std::u16string nameOf(FieldPlace place) const = 0;
+    /// The name of the table that the field's occurrence stands for.
+    [[nodiscard]] virtual std::u16string tableNameOf(FieldPlace place) const = 0;
     [[nodiscard]] virtual int repetitions(FieldPlace place) const = 0;
 
     /// The error code of the last "?" that was given, 0 where it has none; it is forgotten then.
@@ -67,9 +69,9 @@ public:
     /// The value in the n-th record of the found set, or in the n-th related one; null where there is none.
     virtual DataRef nthValue(Scope scope, FieldPlace place, int repetition, std::int64_t n) = 0;
     /// The value in the first related record; null where there is none.
-    virtual DataRef lookup(Scope scope, FieldPlace place) = 0;
+    virtual DataRef lookup(Scope scope, FieldPlace place, int repetition) = 0;
     /// The same; without a related record, that of the next lower or higher key.
-    virtual DataRef lookupNext(Scope scope, FieldPlace place, bool isHigher) = 0;
+    virtual DataRef lookupNext(Scope scope, FieldPlace place, int repetition, bool isHigher) = 0;
     /// The summary of the records around the current one that share the value of `breakField`. Throws 1216
     /// where the first is no summary field, 1217 for a break field that cannot be one.
     virtual DataRef summary(Scope scope, FieldPlace summaryField, FieldPlace breakField) = 0;

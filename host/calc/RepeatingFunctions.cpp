@@ -23,7 +23,9 @@ const Variables* variablesOf(const Evaluation& evaluation, const Node& node) {
 DataRef extend(Evaluation& evaluation, Nodes arguments) {
     const Node& node = *arguments[0];
     if (const Variables* variables = variablesOf(evaluation, node)) return variables->value(node.name);
-    return evaluation.valueOf({.place = evaluation.requiredField(node).place});
+    Evaluation::FieldReference field = evaluation.requiredField(node);
+    if (!field.isOneRepetition) field.repetition = 1;
+    return evaluation.valueOf(field);
 }
 
 DataRef getRepetition(Evaluation& evaluation, Nodes arguments) {

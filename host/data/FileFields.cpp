@@ -56,6 +56,10 @@ std::u16string FileFields::nameOf(calc::FieldPlace place) const {
                             : records_.schema().occurrences[place.occurrence].name + u"::" + field->name;
 }
 
+std::u16string FileFields::tableNameOf(calc::FieldPlace place) const {
+    return fieldAt(place) == nullptr ? std::u16string() : records_.schema().tables[tableOf(place)].name;
+}
+
 int FileFields::repetitions(calc::FieldPlace place) const {
     const Field* field = fieldAt(place);
     return field == nullptr ? 1 : field->repetitions;
@@ -74,20 +78,24 @@ DataRef FileFields::valueIn(calc::FieldPlace place, std::int64_t record, int rep
     return records_.value({tableOf(place), record}, place.field, repetition);
 }
 
+DataRef FileFields::valueAmong(const std::vector<std::int64_t>& records, std::int64_t record,
+                               calc::FieldPlace place, int repetition) {
+    if (fieldAt(place)->kind == FieldKind::summary)
+        return records_.summary(tableOf(place), place.field, records);
+    return valueIn(place, record, repetition);
+}
+
 DataRef FileFields::value(Scope scope, calc::FieldPlace place, int repetition) {
     const Field* field = fieldAt(place);
     if (field == nullptr) return records_.failed(calc::error::missingField);
-    const bool isSummary = field->kind == FieldKind::summary;
     if (scope == nullptr && position_.mode() == Position::Mode::find)
         return position_.criterion(place, repetition);
     if (isLocal(scope, place))
-        return isSummary ? records_.summary(tableOf(place), place.field,
-                                            position_.foundSet(place.occurrence).records)
-                         : valueIn(place, recordOf(scope), repetition);
+        return valueAmong(position_.foundSet(place.occurrence).records, recordOf(scope), place, repetition);
     const auto sources = related(scope, place);
     if (!sources) return records_.failed(calc::error::missingRelatedTable);
-    if (isSummary) return records_.summary(tableOf(place), place.field, *sources);
-    return sources->empty() ? emptyValue() : valueIn(place, sources->front(), repetition);
+    if (sources->empty() && field->kind != FieldKind::summary) return emptyValue();
+    return valueAmong(*sources, sources->empty() ? 0 : sources->front(), place, repetition);
 }
 
 DataVect FileFields::values(Scope scope, calc::FieldPlace place, int repetition) {
@@ -114,20 +122,20 @@ DataRef FileFields::nthValue(Scope scope, calc::FieldPlace place, int repetition
     const auto sources = isLocal(scope, place) ? position_.foundSet(place.occurrence).records
                                                : related(scope, place).value_or(std::vector<std::int64_t>());
     if (n < 1 || std::cmp_greater(n, sources.size())) return nullptr;
-    return valueIn(place, sources[static_cast<std::size_t>(n - 1)], repetition);
+    return valueAmong(sources, sources[static_cast<std::size_t>(n - 1)], place, repetition);
 }
 
-DataRef FileFields::lookup(Scope scope, calc::FieldPlace place) {
-    if (fieldAt(place) == nullptr || isLocal(scope, place)) return value(scope, place, 1);
+DataRef FileFields::lookup(Scope scope, calc::FieldPlace place, int repetition) {
+    if (fieldAt(place) == nullptr || isLocal(scope, place)) return value(scope, place, repetition);
     const auto sources = related(scope, place);
-    return sources && !sources->empty() ? valueIn(place, sources->front(), 1) : nullptr;
+    return sources && !sources->empty() ? valueAmong(*sources, sources->front(), place, repetition) : nullptr;
 }
 
-DataRef FileFields::lookupNext(Scope scope, calc::FieldPlace place, bool isHigher) {
-    if (DataRef found = lookup(scope, place)) return found;
+DataRef FileFields::lookupNext(Scope scope, calc::FieldPlace place, int repetition, bool isHigher) {
+    if (DataRef found = lookup(scope, place, repetition)) return found;
     const std::int64_t next =
         records_.nextKey(occurrenceOf(scope).value_or(0), recordOf(scope), place.occurrence, isHigher);
-    return next == 0 ? nullptr : valueIn(place, next, 1);
+    return next == 0 ? nullptr : valueAmong({next}, next, place, repetition);
 }
 
 /// The found set must be sorted by the break field. The group reaches as far as that field, and those that it
@@ -143,13 +151,13 @@ DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::Fi
         fieldAt(breakField)->kind == FieldKind::summary)
         throw calc::Error{calc::error::wrongBreakField};
     const auto key = std::find_if(set.sortedBy.begin(), set.sortedBy.end(),
-                                  [&](const SortKey& sorted) { return sorted.field == breakField.field; });
+                                  [&](const SortKey& sorted) { return sorted.place == breakField; });
     const auto here = std::find(set.records.begin(), set.records.end(), recordOf(scope));
     if (key == set.sortedBy.end() || here == set.records.end()) return emptyValue();
     const auto isInGroup = [&](std::int64_t record) {
         return std::all_of(set.sortedBy.begin(), key + 1, [&](const SortKey& sorted) {
-            const DataRef mine = records_.value({table, *here}, sorted.field, 1),
-                          theirs = records_.value({table, record}, sorted.field, 1);
+            const DataRef mine = position_.sortValue(*here, sorted.place),
+                          theirs = position_.sortValue(record, sorted.place);
             return !isBefore(*mine, *theirs) && !isBefore(*theirs, *mine);
         });
     };

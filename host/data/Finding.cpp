@@ -180,8 +180,8 @@ private:
             return fits(trimmed(std::u16string_view(text_).substr(2)), content, false);
         const std::vector<std::u16string> words = wordsOf(content);
         for (std::u16string_view rest = text_; !(rest = trimmed(rest)).empty();) {
-            const bool isWhole = rest.starts_with(u"=\"");
-            const std::u16string_view quoted = rest.substr(isWhole ? 1 : 0);
+            const bool isWhole = rest.starts_with(u"=\""), isMarked = isWhole || rest.starts_with(u"*\"");
+            const std::u16string_view quoted = rest.substr(isMarked ? 1 : 0);
             if (quoted.front() == u'"') {
                 const std::size_t close = std::min(quoted.find(u'"', 1), quoted.size());
                 if (!hasPhrase(quoted.substr(1, close - 1), content, isWhole)) return false;

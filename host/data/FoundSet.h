@@ -1,13 +1,15 @@
 #pragma once
 
+#include "host/calc/Fields.h"
+
 #include <cstdint>
 #include <vector>
 
 namespace host {
 
-/// A field that records are sorted by.
+/// A field that records are sorted by: one of their own, or of the first related record.
 struct SortKey {
-    std::size_t field; ///< place in the base table's fields
+    calc::FieldPlace place;
     bool isDescending = false;
 };
 

@@ -390,13 +390,16 @@ int Position::extendFoundSet() {
 int Position::sort(std::vector<SortKey> keys) {
     FoundSet* set = current();
     if (set == nullptr || mode_ == Mode::find) return calc::error::unavailable;
-    for (const SortKey& key : keys)
-        if (key.field >= records_.schema().tables[table()].fields.size()) return calc::error::missingField;
+    for (const SortKey& key : keys) {
+        const bool isKnown = key.place.occurrence < records_.schema().occurrences.size() &&
+                             key.place.field < records_.schema().tableOf(key.place.occurrence).fields.size();
+        if (!isKnown) return calc::error::missingField;
+    }
     if (const int error = leave(); error != none) return error;
     std::map<std::int64_t, DataVect> values;
     for (const std::int64_t record : set->records)
         for (const SortKey& key : keys)
-            values[record].push_back(records_.value({table(), record}, key.field, 1));
+            values[record].push_back(sortValue(record, key.place));
     std::stable_sort(set->records.begin(), set->records.end(), [&](std::int64_t left, std::int64_t right) {
         for (std::size_t i = 0; i < keys.size(); ++i) {
             const Data &first = *values[keys[i].isDescending ? right : left][i],
@@ -410,6 +413,16 @@ int Position::sort(std::vector<SortKey> keys) {
     set->hasUnsorted = false;
     set->current = 0;
     return none;
+}
+
+DataRef Position::sortValue(std::int64_t record, calc::FieldPlace place) {
+    const std::size_t here = occurrence().value_or(place.occurrence);
+    if (place.occurrence != here) {
+        const auto related = records_.related(here, record, place.occurrence);
+        if (!related || related->empty()) return std::make_shared<const Data>();
+        record = related->front();
+    }
+    return records_.value({records_.schema().occurrences[place.occurrence].table, record}, place.field, 1);
 }
 
 int Position::unsort() {

@@ -75,13 +75,15 @@ std::u16string nextOf(const std::u16string& serial, std::int64_t step) {
     const std::size_t first = before == std::u16string::npos ? 0 : before + 1;
     const auto number = Decimal::parse(serial.substr(first, last + 1 - first));
     std::u16string next = written(number.value_or(0).plus(step));
-    if (next.size() < last + 1 - first) next.insert(0, last + 1 - first - next.size(), u'0');
+    if (serial[first] == u'0' && next.size() < last + 1 - first)
+        next.insert(0, last + 1 - first - next.size(), u'0');
     return serial.substr(0, first) + next + serial.substr(last + 1);
 }
 
 } // namespace
 
 DataRef fitted(const DataRef& value, DataType type) {
+    if (!value->isValid() && type != DataType::binary) return std::make_shared<const Data>(value->asText());
     if (!value->isValid() || value->isEmpty()) return emptyOf(type);
     if (value->nativeType() == type) return value;
     if (type == DataType::number && value->nativeType() == DataType::text &&

@@ -72,18 +72,11 @@ void find(StepRun& run) {
     perform<operation>(run);
 }
 
-/// Found sets are sorted by fields of their own.
-std::size_t localField(StepRun& run, const Option& option) {
-    const calc::FieldPlace place = run.field(targetOf(option.text));
-    if (run.position().occurrence() != place.occurrence) throw calc::Error{calc::error::missingField};
-    return place.field;
-}
-
 void sortRecords(StepRun& run) {
     std::vector<SortKey> keys;
     for (const Option& option : run.step().options)
         if (option.row->takes == Takes::field)
-            keys.push_back({.field = localField(run, option)});
+            keys.push_back({.place = run.field(targetOf(option.text))});
         else if (option.row->name == u"order" && !keys.empty())
             keys.back().isDescending = calc::foldName(option.text) == u"descending";
     if (keys.empty()) throw calc::Error{calc::error::unavailable};
@@ -107,7 +100,7 @@ void truncateTable(StepRun& run) {
 }
 
 void sortByField(StepRun& run) {
-    check(run.position().sort({{.field = localField(run, *run.option(u"field")),
+    check(run.position().sort({{.place = run.field(targetOf(run.option(u"field")->text)),
                                 .isDescending = run.says(u"order", u"descending")}}));
 }
 

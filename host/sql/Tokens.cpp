@@ -71,6 +71,8 @@ private:
         if (place_ >= source_.size())
             return {.kind = TokenKind::end, .text = {}, .word = {}, .position = place_};
         const char16_t first = unit(0);
+        // A comment is not taken for two minus signs.
+        if (first == u'-' && unit(1) == u'-') throw Problem{.code = Fql::syntax, .position = place_};
         if (startsName(first)) return word();
         if (isDigit(first) || (first == u'.' && isDigit(unit(1)))) return number();
         if (first == u'"') return quoted(TokenKind::quotedName);
