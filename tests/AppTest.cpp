@@ -73,7 +73,7 @@ TEST(Solution, ReadsItsFolder) {
     ASSERT_TRUE(file);
     EXPECT_EQ(file->executeSql(u"SELECT x FROM a", u"", {}).rows.at(0).at(0)->asText(), Text(u"7"));
     EXPECT_EQ(file->script(u"greet")->calculations.size(), 2U);
-    EXPECT_EQ(file->fontId(u"TIMES"), 1);
+    EXPECT_EQ(file->fontId(u"Times"), 1);
     EXPECT_EQ(textOf(session, u"Get ( FileName ) & Get ( UserName ) & Get ( SystemPlatform )"),
               "ContactsAda3");
     EXPECT_EQ(textOf(session, u"Get ( FilePath )"), "file:" + folder.path.string() + "/Contacts.fmp12");
@@ -327,7 +327,7 @@ TEST(Session, TheNumberOfFontsIsLimited) {
     for (int i = 0; i < 65'000; ++i)
         ASSERT_EQ(file->fontId(fromUtf8("Font " + std::to_string(i))), i);
     EXPECT_EQ(file->fontId(u"one more"), invalidFont);
-    EXPECT_EQ(file->fontId(u"FONT 64999"), 64'999);
+    EXPECT_EQ(file->fontId(u"Font 64999"), 64'999);
     EXPECT_EQ(file->fontName(64'999), u"Font 64999");
     EXPECT_FALSE(file->fontName(65'000));
 }

@@ -426,7 +426,7 @@ TEST_F(Interface, EveryValueReadsAsEveryType) {
 TEST_F(Interface, FontsBelongToTheFile) {
     const fmx::DataUniquePtr data;
     const fmx::ExprEnvUniquePtr nowhere;
-    const fmx::TextUniquePtr helvetica = textOf("HELVETICA"), name = textOf("kept");
+    const fmx::TextUniquePtr helvetica = textOf("Helvetica"), name = textOf("kept");
     const auto font = data->GetFontID(*helvetica, fmx::CharacterStyle::kRoman, environment());
     EXPECT_EQ(data->GetFontID(*helvetica, environment()), font);
     fmx::CharacterStyle::FontScript script = 9;

@@ -18,7 +18,7 @@ namespace {
 /// The evaluations of this thread together.
 struct Occupied {
     int evaluations = 0, levels = 0;
-    std::size_t steps = 0; ///< of the innermost calculation
+    std::size_t parts = 0; ///< of steps, those of the innermost calculation
     bool isExhausted = false;
 };
 thread_local Occupied occupied;
@@ -66,15 +66,16 @@ Nesting::~Nesting() {
     if (occupied.evaluations == 0) occupied.isExhausted = false;
 }
 
-Work::Work() : outer_(std::exchange(occupied.steps, 0)) {}
+Work::Work() : outer_(std::exchange(occupied.parts, 0)) {}
 
-Work::~Work() { occupied.steps = outer_; }
+Work::~Work() { occupied.parts = outer_; }
 
 bool Work::isRunning() { return occupied.evaluations > 0; }
 
-void Work::charge(std::size_t steps) {
-    occupied.steps += steps;
-    if (occupied.isExhausted || occupied.steps > kMostSteps || areCalculationsStopped()) exhaust();
+void Work::chargeParts(std::size_t parts) {
+    occupied.parts += parts;
+    if (occupied.isExhausted || occupied.parts > kMostSteps * kPartsOfStep || areCalculationsStopped())
+        exhaust();
 }
 
 /// The names of a custom function while it runs: those of its caller are out of sight.
@@ -124,7 +125,8 @@ DataRef Evaluation::failed(ExternalError error) {
 }
 
 DataRef Evaluation::evaluate(const Node& node, bool isTail) {
-    Work::charge();
+    const bool isWhole = node.kind == Node::Kind::field || node.kind == Node::Kind::call;
+    Work::chargeParts(isWhole ? Work::kPartsOfStep : 1);
     if (isUnending_) return questionMark();
     switch (node.kind) {
     case Node::Kind::literal: return precise(node.value);
@@ -200,7 +202,7 @@ DataRef Evaluation::joined(const Node& node) {
         checkTextSize(text.size());
     }
     if (isUnending_) return questionMark();
-    Work::chargeText(text.size());
+    Work::chargeCopy(text.size());
     return textResult(std::move(text));
 }
 
@@ -243,10 +245,10 @@ DataRef Evaluation::callBuiltIn(const Node& node, bool isTail) {
         // An argument may have withdrawn the function it is meant for.
         if (function.withdrawn) throw Error{error::functionNotFound};
         result = function.eager(*this, arguments);
+        if (result) chargeFor(*result);
     }
     if (!result) return emptyResult();
     if (result->nativeType() == DataType::text) checkTextSize(result->asText().size());
-    chargeFor(*result);
     return result;
 }
 

@@ -37,7 +37,8 @@ private:
 /// that it evaluates itself share it.
 class Work {
 public:
-    static constexpr std::size_t kMostSteps = 4'000'000;
+    /// A constant, a variable or an operator is a part of a step.
+    static constexpr std::size_t kMostSteps = 4'000'000, kPartsOfStep = 4;
     Work();
     ~Work();
     Work(const Work&) = delete;
@@ -48,8 +49,11 @@ public:
 
     /// Counts steps of the calculation that runs, or the handling of so many units of text; throws
     /// `Exhausted` when there were too many.
-    static void charge(std::size_t steps = 1);
+    static void charge(std::size_t steps = 1) { chargeParts(steps * kPartsOfStep); }
+    static void chargeParts(std::size_t parts);
     static void chargeText(std::size_t units) { charge(units / 256); }
+    /// Text that is copied and not looked at.
+    static void chargeCopy(std::size_t units) { charge(units / 4'096); }
 
 private:
     std::size_t outer_;

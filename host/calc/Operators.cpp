@@ -144,7 +144,7 @@ int compare(const Data& left, const Data& right) {
         if (a && b) return order(a->microsSinceEpoch(), b->microsSinceEpoch());
         break;
     }
-    case DataType::binary: return left.asBinary() == right.asBinary() ? 0 : 1;
+    case DataType::binary: return left.asBinary().streams() == right.asBinary().streams() ? 0 : 1;
     default: break;
     }
     return formats().compare(left.asText().units(), right.asText().units());

@@ -168,7 +168,7 @@ DataRef exact(Arguments arguments) {
     const Data &left = *arguments[0], &right = *arguments[1];
     const bool areContainers =
         left.nativeType() == DataType::binary && right.nativeType() == DataType::binary;
-    return booleanResult(areContainers ? left.asBinary() == right.asBinary()
+    return booleanResult(areContainers ? left.asBinary().streams() == right.asBinary().streams()
                                        : left.asText() == right.asText());
 }
 
@@ -228,7 +228,7 @@ DataRef quote(Arguments arguments) {
     return textResult(std::move(quoted));
 }
 
-/// Adds to the last run of digits, which keeps its width; adds a run to a text without one.
+/// Adds to the last run of digits, whose width leading zeros keep; adds a run to a text without one.
 DataRef serialIncrement(Arguments arguments) {
     constexpr std::u16string_view kDigits = u"0123456789";
     Text text = arguments[0]->asText();
@@ -240,7 +240,8 @@ DataRef serialIncrement(Arguments arguments) {
     if (!number) return questionMark();
     const Decimal next = number->plus(arguments[1]->asNumber().truncated(0));
     std::u16string digits = next.text();
-    if (const std::size_t sign = next.sign() < 0 ? 1 : 0; digits.size() < width + sign)
+    const bool hasZeros = width > 0 && units[start] == u'0';
+    if (const std::size_t sign = next.sign() < 0 ? 1 : 0; hasZeros && digits.size() < width + sign)
         digits.insert(sign, width + sign - digits.size(), u'0');
     const auto at = static_cast<std::uint32_t>(start);
     const RunStyle formatting = text.formattingAt(at);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
@@ -104,13 +105,18 @@ void offerScripts(Matches& matches, Runner& runner) {
 
 std::u16string_view endingOf(int maximum) { return maximum == 0 ? u"" : u" ( "; }
 
-/// A plug-in's function is also found by each of the words that describe it.
+/// A plug-in's function is also found by each of the words that describe it, and not at all when the plug-in
+/// hides it from the app's dialogs.
 void offerFunctions(Matches& matches, Runner& runner) {
-    for (const auto& [folded, function] : runner.session().functions()->rows())
-        matches.offer(function->name, endingOf(function->maximum));
+    std::set<std::u16string> hidden;
     for (const auto& plugIn : runner.loaded().plugIns())
         for (const RegisteredFunction& function : plugIn->functions())
-            matches.offerByWords(function.name, function.words, endingOf(function.maximum));
+            if ((function.flags & fmx::ExprEnv::kDisplayInAllDialogs) == 0)
+                hidden.insert(calc::foldName(function.name));
+            else
+                matches.offerByWords(function.name, function.words, endingOf(function.maximum));
+    for (const auto& [folded, function] : runner.session().functions()->rows())
+        if (!hidden.contains(folded)) matches.offer(function->name, endingOf(function->maximum));
 }
 
 Completions variables(std::u16string_view typed, Runner& runner) {

@@ -88,6 +88,7 @@ def completion():
         ("Get ( CurrentTimes" + TAB, "Get ( CurrentTimestamp )"),
         ("Let ( $längste = 1 ; $lä" + TAB + " )", "Let ( $längste = 1 ; $lä )"),
         ('Kestrel_DoFileMakerScript ( "Tidy' + TAB + '" )', 'Kestrel_DoFileMakerScript ( "Tidy up" )'),
+        ("Kestrel_DoB" + TAB + '"', 'Kestrel_DoB"'),
         ('ExecuteSQL ( "select writ' + TAB, 'ExecuteSQL ( "select Written'),
         (":fun" + TAB + "CSS", ":functions CSS"),
     ]:
