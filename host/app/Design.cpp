@@ -6,6 +6,7 @@
 #include "host/data/Position.h"
 #include "host/data/Records.h"
 #include "host/values/Encoding.h"
+#include "host/values/Formats.h"
 
 #include <algorithm>
 #include <array>
@@ -187,7 +188,12 @@ std::u16string valueListItems(const Question& question) {
         addLine(items, value);
     if (!list->occurrence) return items;
     const std::size_t table = question.schema().occurrences[*list->occurrence].table;
-    const auto comesFirst = [](const DataRef& left, const DataRef& right) { return isBefore(*left, *right); };
+    // Texts in a field of numbers differ also where their numbers do not.
+    const auto comesFirst = [](const DataRef& left, const DataRef& right) {
+        const bool isDecided = isBefore(*left, *right) || isBefore(*right, *left);
+        return isDecided ? isBefore(*left, *right)
+                         : formats().compare(left->asText().units(), right->asText().units()) < 0;
+    };
     std::set<DataRef, decltype(comesFirst)> values(comesFirst);
     for (const std::int64_t record : question.file.records().all(table)) {
         const DataRef value = question.file.records().value({table, record}, list->field, 1);

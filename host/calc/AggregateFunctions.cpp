@@ -144,7 +144,10 @@ DataVect expanded(Evaluation& evaluation, std::span<const Node* const> arguments
 template<std::size_t place>
 DataRef aggregated(Evaluation& evaluation, std::span<const Node* const> arguments) {
     const DataVect values = expanded(evaluation, arguments);
-    return evaluation.isUnending() ? questionMark() : rows[place].aggregate(values);
+    if (evaluation.isUnending()) return questionMark();
+    DataRef result = rows[place].aggregate(values);
+    if (result->nativeType() == DataType::text) Work::chargeText(result->asText().size());
+    return result;
 }
 
 template<std::size_t... places>

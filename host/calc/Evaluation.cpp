@@ -48,6 +48,14 @@ void chargeFor(const Data& value) {
     if (value.nativeType() == DataType::text) Work::chargeText(value.asText().size());
 }
 
+/// An operator looks at all of its texts, and takes longer for numbers of more digits.
+void chargeFor(Operator op, const Data& left, const Data& right, int precision) {
+    chargeFor(left);
+    chargeFor(right);
+    if (precision == Decimal::minimumPrecision) return;
+    Work::charge(static_cast<std::size_t>(op == Operator::power ? 2 * precision : precision / 16));
+}
+
 } // namespace
 
 void stopCalculations() { gIsStopped.store(true, std::memory_order_relaxed); }
@@ -188,8 +196,13 @@ DataRef Evaluation::chain(const Node& node) {
         // The right side of `and` and `or` is not evaluated when the left side decides.
         const bool isDecided = (op == Operator::logicalAnd && !result->asBoolean()) ||
                                (op == Operator::logicalOr && result->asBoolean());
-        result = isDecided ? booleanResult(op == Operator::logicalOr)
-                           : applyOperator(op, *result, *evaluate(next), precision());
+        if (isDecided) {
+            result = booleanResult(op == Operator::logicalOr);
+            continue;
+        }
+        const DataRef right = evaluate(next);
+        chargeFor(op, *result, *right, precision());
+        result = applyOperator(op, *result, *right, precision());
     }
     return result;
 }
@@ -203,6 +216,7 @@ DataRef Evaluation::joined(const Node& node) {
     }
     if (isUnending_) return questionMark();
     Work::chargeCopy(text.size());
+    Work::charge(text.runs().size() / 256);
     return textResult(std::move(text));
 }
 

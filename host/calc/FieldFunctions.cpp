@@ -33,19 +33,19 @@ DataRef getBaseTableName(Evaluation& evaluation, Nodes arguments) {
     return textResult(evaluation.fields().tableNameOf(evaluation.requiredField(*arguments[0]).place));
 }
 
-/// GetNthRecord ( field ; number )
-DataRef getNthRecord(Evaluation& evaluation, Nodes arguments) {
-    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
-    const std::int64_t number = evaluation.evaluate(*arguments[1])->asNumber().toInt64();
-    const DataRef value =
-        evaluation.fields().nthValue(evaluation.scope(), field.place, field.repetition, number);
-    return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
-}
-
 /// In a calculation that repeats, a field without repetitions stands for each of them.
 int repetitionOf(Evaluation& evaluation, const Evaluation::FieldReference& field) {
     const bool repeats = field.isOneRepetition || evaluation.fields().repetitions(field.place) > 1;
     return repeats ? field.repetition : 1;
+}
+
+/// GetNthRecord ( field ; number )
+DataRef getNthRecord(Evaluation& evaluation, Nodes arguments) {
+    const Evaluation::FieldReference field = evaluation.requiredField(*arguments[0]);
+    const std::int64_t number = evaluation.evaluate(*arguments[1])->asNumber().toInt64();
+    const DataRef value = evaluation.fields().nthValue(evaluation.scope(), field.place,
+                                                       repetitionOf(evaluation, field), number);
+    return value ? evaluation.noted(value) : evaluation.failed(error::missingRecord);
 }
 
 /// Lookup ( field { ; calculation } )

@@ -34,7 +34,8 @@ struct FieldName {
 FieldName fieldNameIn(std::u16string_view text);
 
 /// Reads fields. A scope that is null stands for the session's current layout and record. Values are never
-/// null where nothing else is said; where there is no record they are empty. A missing field is "?".
+/// null where nothing else is said; where there is no record they are empty. A value that cannot be read is
+/// "?".
 class FieldContext {
 public:
     using Scope = const RecordScope*;

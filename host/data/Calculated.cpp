@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-/// Of a calculation that cannot go on within itself.
+/// The most calculations of fields that run inside each other.
 constexpr std::size_t kMostCalculations = 50;
 
 struct SummaryFunction {
@@ -95,7 +95,9 @@ void Records::renew(RecordPlace place, std::set<std::size_t> changed, bool isAll
         const Cell cell{place, i, 1};
         if (fields[i].autoEnter.empty() || fields[i].kind != FieldKind::normal) continue;
         if ((!isAll && !reads(cell, changed)) || !stored(cell)->isEmpty()) continue;
-        store(cell, fitted(evaluated(cell), fields[i].type));
+        const DataRef value = evaluated(cell);
+        if (!value->isValid()) continue; // a later change may give a value
+        store(cell, fitted(value, fields[i].type));
         changed.insert(i);
     }
     std::set<std::size_t> stale;

@@ -22,12 +22,7 @@ std::size_t FileFields::tableOf(calc::FieldPlace place) const {
     return records_.schema().occurrences[place.occurrence].table;
 }
 
-const Field* FileFields::fieldAt(calc::FieldPlace place) const {
-    const Schema& schema = records_.schema();
-    const bool isKnown = place.occurrence < schema.occurrences.size() &&
-                         place.field < schema.tableOf(place.occurrence).fields.size();
-    return isKnown ? &schema.tableOf(place.occurrence).fields[place.field] : nullptr;
-}
+const Field* FileFields::fieldAt(calc::FieldPlace place) const { return records_.field(place); }
 
 std::uint64_t FileFields::names(Scope scope) const {
     constexpr unsigned bits = 24;
@@ -90,8 +85,12 @@ DataRef FileFields::value(Scope scope, calc::FieldPlace place, int repetition) {
     if (field == nullptr) return records_.failed(calc::error::missingField);
     if (scope == nullptr && position_.mode() == Position::Mode::find)
         return position_.criterion(place, repetition);
-    if (isLocal(scope, place))
-        return valueAmong(position_.foundSet(place.occurrence).records, recordOf(scope), place, repetition);
+    if (isLocal(scope, place)) {
+        if (field->kind != FieldKind::summary) return valueIn(place, recordOf(scope), repetition);
+        // A calculation may change the found set.
+        const std::vector<std::int64_t> found = position_.foundSet(place.occurrence).records;
+        return records_.summary(tableOf(place), place.field, found);
+    }
     const auto sources = related(scope, place);
     if (!sources) return records_.failed(calc::error::missingRelatedTable);
     if (sources->empty() && field->kind != FieldKind::summary) return emptyValue();
@@ -145,7 +144,7 @@ DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::Fi
     if (field == nullptr || field->kind != FieldKind::summary)
         throw calc::Error{calc::error::summaryExpected};
     const std::size_t table = tableOf(summaryField);
-    const FoundSet& set = position_.foundSet(summaryField.occurrence);
+    const FoundSet set = position_.foundSet(summaryField.occurrence); // a calculation may change it
     if (summaryField == breakField) return records_.summary(table, summaryField.field, set.records);
     if (fieldAt(breakField) == nullptr || breakField.occurrence != summaryField.occurrence ||
         fieldAt(breakField)->kind == FieldKind::summary)
@@ -156,8 +155,8 @@ DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::Fi
     if (key == set.sortedBy.end() || here == set.records.end()) return emptyValue();
     const auto isInGroup = [&](std::int64_t record) {
         return std::all_of(set.sortedBy.begin(), key + 1, [&](const SortKey& sorted) {
-            const DataRef mine = position_.sortValue(*here, sorted.place),
-                          theirs = position_.sortValue(record, sorted.place);
+            const DataRef mine = position_.sortValue(breakField.occurrence, *here, sorted.place),
+                          theirs = position_.sortValue(breakField.occurrence, record, sorted.place);
             return !isBefore(*mine, *theirs) && !isBefore(*theirs, *mine);
         });
     };

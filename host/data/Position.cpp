@@ -147,6 +147,7 @@ void Position::add(FoundSet& set, std::int64_t made, std::uint64_t before) {
     std::ignore = current(); // takes new records into a set that has all
     if (!placeIn(set.records, made)) set.records.push_back(made);
     set.current = placeIn(set.records, made).value_or(0);
+    set.hasUnsorted = !set.sortedBy.empty();
 }
 
 int Position::newRecord() {
@@ -390,17 +391,25 @@ int Position::extendFoundSet() {
 int Position::sort(std::vector<SortKey> keys) {
     FoundSet* set = current();
     if (set == nullptr || mode_ == Mode::find) return calc::error::unavailable;
+    const std::size_t here = *occurrence();
     for (const SortKey& key : keys) {
-        const bool isKnown = key.place.occurrence < records_.schema().occurrences.size() &&
-                             key.place.field < records_.schema().tableOf(key.place.occurrence).fields.size();
-        if (!isKnown) return calc::error::missingField;
+        const Field* field = records_.field(key.place);
+        const bool isReached = field != nullptr && (field->kind == FieldKind::global ||
+                                                    records_.related(here, record(), key.place.occurrence));
+        if (!isReached) return calc::error::missingField;
     }
     if (const int error = leave(); error != none) return error;
     std::map<std::int64_t, DataVect> values;
-    for (const std::int64_t record : set->records)
+    const std::vector<std::int64_t> records = found();
+    for (const std::int64_t record : records)
         for (const SortKey& key : keys)
-            values[record].push_back(sortValue(record, key.place));
-    std::stable_sort(set->records.begin(), set->records.end(), [&](std::int64_t left, std::int64_t right) {
+            values[record].push_back(sortValue(here, record, key.place));
+    set = current();
+    if (set == nullptr) return calc::error::unavailable;
+    // A calculation that makes records while it is evaluated leaves them at the end.
+    const auto end = std::stable_partition(set->records.begin(), set->records.end(),
+                                           [&](std::int64_t record) { return values.contains(record); });
+    std::stable_sort(set->records.begin(), end, [&](std::int64_t left, std::int64_t right) {
         for (std::size_t i = 0; i < keys.size(); ++i) {
             const Data &first = *values[keys[i].isDescending ? right : left][i],
                        &second = *values[keys[i].isDescending ? left : right][i];
@@ -410,15 +419,15 @@ int Position::sort(std::vector<SortKey> keys) {
         return false;
     });
     set->sortedBy = std::move(keys);
-    set->hasUnsorted = false;
+    set->hasUnsorted = end != set->records.end();
     set->current = 0;
     return none;
 }
 
-DataRef Position::sortValue(std::int64_t record, calc::FieldPlace place) {
-    const std::size_t here = occurrence().value_or(place.occurrence);
-    if (place.occurrence != here) {
-        const auto related = records_.related(here, record, place.occurrence);
+DataRef Position::sortValue(std::size_t from, std::int64_t record, calc::FieldPlace place) {
+    if (records_.field(place) == nullptr) return std::make_shared<const Data>();
+    if (place.occurrence != from) {
+        const auto related = records_.related(from, record, place.occurrence);
         if (!related || related->empty()) return std::make_shared<const Data>();
         record = related->front();
     }

@@ -111,8 +111,8 @@ public:
     int extendFoundSet();
 
     int sort(std::vector<SortKey> keys);
-    /// What a record of the found set is sorted by.
-    DataRef sortValue(std::int64_t record, calc::FieldPlace place);
+    /// The value that a record of an occurrence is sorted by; empty when the schema no longer has the place.
+    DataRef sortValue(std::size_t from, std::int64_t record, calc::FieldPlace place);
     int unsort();
     /// Goes to a layout of the related occurrence, with the related records or all records found, and the
     /// first related one current. 101: no related record; 103: no relationship; 105: no such layout.

@@ -75,8 +75,7 @@ std::u16string nextOf(const std::u16string& serial, std::int64_t step) {
     const std::size_t first = before == std::u16string::npos ? 0 : before + 1;
     const auto number = Decimal::parse(serial.substr(first, last + 1 - first));
     std::u16string next = written(number.value_or(0).plus(step));
-    if (serial[first] == u'0' && next.size() < last + 1 - first)
-        next.insert(0, last + 1 - first - next.size(), u'0');
+    if (next.size() < last + 1 - first) next.insert(0, last + 1 - first - next.size(), u'0');
     return serial.substr(0, first) + next + serial.substr(last + 1);
 }
 
@@ -127,6 +126,11 @@ std::uint64_t Records::membership(std::size_t table) const {
 const Field* Records::field(std::size_t table, std::size_t field) const {
     const bool isKnown = table < schema().tables.size() && field < schema().tables[table].fields.size();
     return isKnown ? &schema().tables[table].fields[field] : nullptr;
+}
+
+const Field* Records::field(calc::FieldPlace place) const {
+    const bool isKnown = place.occurrence < schema().occurrences.size();
+    return isKnown ? field(schema().occurrences[place.occurrence].table, place.field) : nullptr;
 }
 
 std::vector<std::int64_t> Records::all(std::size_t table) {

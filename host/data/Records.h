@@ -58,8 +58,10 @@ public:
     [[nodiscard]] bool exists(RecordPlace place);
     [[nodiscard]] std::int64_t modifications(RecordPlace place);
 
-    /// The value of a field; of a summary that of all records. Of a calculation that fails "?", whose code
-    /// `takeFailure` then gives. A repetition out of range is "?". Never null.
+    /// Null when the schema has no such place.
+    [[nodiscard]] const Field* field(calc::FieldPlace place) const;
+    /// The value of a field; that of a summary is of all records. A calculation that fails gives "?", whose
+    /// code `takeFailure` then gives. A repetition out of range is "?". Never null.
     DataRef value(RecordPlace place, std::size_t field, int repetition);
     /// A "?" with a code.
     DataRef failed(int code);
@@ -180,7 +182,8 @@ private:
     std::set<Cell> renewing_; ///< stored calculations that are not renewed yet
 };
 
-/// A value as a field of that type keeps it. A text that is no number, date or time stays as it is.
+/// A value as a field of that type keeps it. A text that is no number, date or time stays as it is. A value
+/// that failed becomes the text "?", and nothing in a container.
 DataRef fitted(const DataRef& value, DataType type);
 /// Orders values: empty ones first, numbers and moments by value, texts in the order of the language.
 bool isBefore(const Data& left, const Data& right);

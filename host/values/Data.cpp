@@ -31,13 +31,13 @@ std::u16string_view exponentAt(std::u16string_view rest) {
 /// Whether the first digit of a text has a minus before it or stands in parentheses, with no point before
 /// the minus or the parenthesis.
 bool isNegative(std::u16string_view text, char16_t point) {
-    bool isOpen = false;
+    bool isOpen = false, hasPoint = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char16_t unit = text[at];
-        if (unit == u'-') return true;
-        if (unit == point && !isOpen) return false;
+        if (unit == u'-' && !hasPoint) return true;
         if (isDigit(unit)) return isOpen && text.find(u')', at) != std::u16string_view::npos;
-        if (unit == u'(' || unit == u')') isOpen = unit == u'(';
+        if (unit == u'(' || unit == u')') isOpen = unit == u'(' && !hasPoint;
+        hasPoint = hasPoint || unit == point;
     }
     return false;
 }
