@@ -145,9 +145,9 @@ template<std::size_t place>
 DataRef aggregated(Evaluation& evaluation, std::span<const Node* const> arguments) {
     const DataVect values = expanded(evaluation, arguments);
     if (evaluation.isUnending()) return questionMark();
-    DataRef result = rows[place].aggregate(values);
-    if (result->nativeType() == DataType::text) Work::chargeText(result->asText().size());
-    return result;
+    for (const DataRef& value : values)
+        Work::chargeFor(*value);
+    return rows[place].aggregate(values);
 }
 
 template<std::size_t... places>

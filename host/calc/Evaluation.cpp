@@ -44,14 +44,16 @@ private:
     bool outer_;
 };
 
-void chargeFor(const Data& value) {
-    if (value.nativeType() == DataType::text) Work::chargeText(value.asText().size());
-}
-
-/// An operator looks at all of its texts, and takes longer for numbers of more digits.
+/// Comparing texts ends where the shorter one does. Other operators read all of a text, and numbers of more
+/// digits take longer.
 void chargeFor(Operator op, const Data& left, const Data& right, int precision) {
-    chargeFor(left);
-    chargeFor(right);
+    const bool areTexts = left.nativeType() == DataType::text && right.nativeType() == DataType::text;
+    if (areTexts && op >= Operator::equal && op <= Operator::greaterOrEqual) {
+        Work::chargeText(std::size_t{2} * std::min(left.asText().size(), right.asText().size()));
+    } else {
+        Work::chargeFor(left);
+        Work::chargeFor(right);
+    }
     if (precision == Decimal::minimumPrecision) return;
     Work::charge(static_cast<std::size_t>(op == Operator::power ? 2 * precision : precision / 16));
 }
@@ -79,6 +81,10 @@ Work::Work() : outer_(std::exchange(occupied.parts, 0)) {}
 Work::~Work() { occupied.parts = outer_; }
 
 bool Work::isRunning() { return occupied.evaluations > 0; }
+
+void Work::chargeFor(const Data& value) {
+    if (value.nativeType() == DataType::text) chargeText(value.asText().size());
+}
 
 void Work::chargeParts(std::size_t parts) {
     occupied.parts += parts;
@@ -143,7 +149,7 @@ DataRef Evaluation::evaluate(const Node& node, bool isTail) {
     case Node::Kind::field: return precise(valueOf(referenceTo(node)));
     case Node::Kind::chain: return chain(node);
     case Node::Kind::negate: return negated(*evaluate(*node.children[0]), precision());
-    case Node::Kind::logicalNot: return booleanResult(!evaluate(*node.children[0])->asBoolean());
+    case Node::Kind::logicalNot: return booleanResult(!isTrue(*node.children[0]));
     case Node::Kind::call: return call(node, isTail);
     case Node::Kind::assignment:
     case Node::Kind::word: break;
@@ -187,6 +193,12 @@ void Evaluation::assign(const Node& assignment) {
         throw Error{error::outOfRange, "a variable has no such repetition"};
 }
 
+bool Evaluation::isTrue(const Node& node) {
+    const DataRef value = evaluate(node);
+    Work::chargeFor(*value);
+    return value->asBoolean();
+}
+
 DataRef Evaluation::chain(const Node& node) {
     if (node.operators[0] == Operator::join) return joined(node);
     DataRef result = evaluate(*node.children[0]);
@@ -197,6 +209,7 @@ DataRef Evaluation::chain(const Node& node) {
         const bool isDecided = (op == Operator::logicalAnd && !result->asBoolean()) ||
                                (op == Operator::logicalOr && result->asBoolean());
         if (isDecided) {
+            Work::chargeFor(*result);
             result = booleanResult(op == Operator::logicalOr);
             continue;
         }
@@ -225,7 +238,7 @@ DataVect Evaluation::evaluated(const Node& call) {
     arguments.reserve(call.children.size());
     for (const Node* child : call.children) {
         arguments.push_back(evaluate(*child));
-        chargeFor(*arguments.back());
+        Work::chargeFor(*arguments.back());
     }
     return arguments;
 }
@@ -259,7 +272,7 @@ DataRef Evaluation::callBuiltIn(const Node& node, bool isTail) {
         // An argument may have withdrawn the function it is meant for.
         if (function.withdrawn) throw Error{error::functionNotFound};
         result = function.eager(*this, arguments);
-        if (result) chargeFor(*result);
+        if (result) Work::chargeFor(*result);
     }
     if (!result) return emptyResult();
     if (result->nativeType() == DataType::text) checkTextSize(result->asText().size());

@@ -52,6 +52,8 @@ public:
     static void charge(std::size_t steps = 1) { chargeParts(steps * kPartsOfStep); }
     static void chargeParts(std::size_t parts);
     static void chargeText(std::size_t units) { charge(units / 256); }
+    /// A value that is read, which takes work when it is a text.
+    static void chargeFor(const Data& value);
     /// Text that is copied and not looked at.
     static void chargeCopy(std::size_t units) { charge(units / 4'096); }
 
@@ -73,7 +75,8 @@ public:
 
     /// The value of a part of the calculation; never null. Throws `Error`.
     DataRef evaluate(const Node& node) { return evaluate(node, false); }
-    /// The same for the part whose value is the whole result of the function that runs. A custom function
+    bool isTrue(const Node& node);
+    /// The value of the part whose value is the whole result of the function that runs. A custom function
     /// that is called there takes the place of the one that calls, so that it needs no stack. The value may
     /// then be null; return it as it is.
     DataRef result(const Node& node) { return evaluate(node, isTail_); }

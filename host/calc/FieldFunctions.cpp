@@ -70,7 +70,7 @@ DataRef lookupNext(Evaluation& evaluation, Nodes arguments) {
 DataRef getSummary(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::FieldReference summary = evaluation.requiredField(*arguments[0]),
                                      breakField = evaluation.requiredField(*arguments[1]);
-    return evaluation.fields().summary(evaluation.scope(), summary.place, breakField.place);
+    return evaluation.noted(evaluation.fields().summary(evaluation.scope(), summary.place, breakField.place));
 }
 
 DataRef self(Evaluation& evaluation, Nodes) {

@@ -10,13 +10,11 @@ namespace {
 
 using Nodes = std::span<const Node* const>;
 
-bool isTrue(Evaluation& evaluation, const Node& node) { return evaluation.evaluate(node)->asBoolean(); }
-
 /// Case ( test ; result { ; test ; result … } { ; default } ), and so If as well.
 DataRef firstTrue(Evaluation& evaluation, Nodes arguments) {
     std::size_t i = 0;
     for (; i + 1 < arguments.size(); i += 2)
-        if (isTrue(evaluation, *arguments[i])) return evaluation.result(*arguments[i + 1]);
+        if (evaluation.isTrue(*arguments[i])) return evaluation.result(*arguments[i + 1]);
     return i < arguments.size() ? evaluation.result(*arguments[i]) : emptyResult();
 }
 
@@ -42,7 +40,7 @@ DataRef whileLoop(Evaluation& evaluation, Nodes arguments) {
     const Evaluation::Scope scope(evaluation);
     for (auto init = arguments.begin(); init != condition; ++init)
         evaluation.assign(**init);
-    for (std::int64_t turn = 0; isTrue(evaluation, **condition); ++turn) {
+    for (std::int64_t turn = 0; evaluation.isTrue(**condition); ++turn) {
         if (turn >= evaluation.settings().recursionLimit) return questionMark();
         const Evaluation::Scope ofTurn(evaluation);
         for (auto logic = condition + 1; logic != arguments.end() - 1; ++logic)

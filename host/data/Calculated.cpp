@@ -124,19 +124,22 @@ void Records::renew(RecordPlace place, std::set<std::size_t> changed, bool isAll
 }
 
 DataRef Records::summary(std::size_t table, std::size_t number, const std::vector<std::int64_t>& records) {
-    const Field& of = schema().tables[table].fields[number];
-    const auto summarized = std::find_if(
-        schema().tables[table].fields.begin(), schema().tables[table].fields.end(),
-        [&](const Field& known) { return calc::foldName(known.name) == calc::foldName(of.summarized); });
-    if (summarized == schema().tables[table].fields.end() || summarized->kind == FieldKind::summary)
+    const Field* of = field(table, number);
+    if (of == nullptr) return failed(calc::error::missingField);
+    const std::vector<Field>& fields = schema().tables[table].fields;
+    const auto summarized = std::find_if(fields.begin(), fields.end(), [&](const Field& known) {
+        return calc::foldName(known.name) == calc::foldName(of->summarized);
+    });
+    if (summarized == fields.end() || summarized->kind == FieldKind::summary)
         return failed(calc::error::missingField);
-    const auto place = static_cast<std::size_t>(summarized - schema().tables[table].fields.begin());
+    const auto row = std::find_if(summaryFunctions.begin(), summaryFunctions.end(),
+                                  [&](const SummaryFunction& known) { return known.kind == of->summary; });
+    const auto place = static_cast<std::size_t>(summarized - fields.begin());
+    const int repetitions = summarized->repetitions; // a calculation may change the schema
     DataVect values;
     for (const std::int64_t record : records)
-        for (int repetition = 1; repetition <= summarized->repetitions; ++repetition)
+        for (int repetition = 1; repetition <= repetitions; ++repetition)
             values.push_back(value({table, record}, place, repetition));
-    const auto row = std::find_if(summaryFunctions.begin(), summaryFunctions.end(),
-                                  [&](const SummaryFunction& known) { return known.kind == of.summary; });
     return calc::aggregateNamed(row->function)(values);
 }
 

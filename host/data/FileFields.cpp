@@ -75,38 +75,40 @@ DataRef FileFields::valueIn(calc::FieldPlace place, std::int64_t record, int rep
 
 DataRef FileFields::valueAmong(const std::vector<std::int64_t>& records, std::int64_t record,
                                calc::FieldPlace place, int repetition) {
-    if (fieldAt(place)->kind == FieldKind::summary)
-        return records_.summary(tableOf(place), place.field, records);
+    const Field* field = fieldAt(place);
+    if (field == nullptr) return records_.failed(calc::error::missingField);
+    if (field->kind == FieldKind::summary) return records_.summary(tableOf(place), place.field, records);
     return valueIn(place, record, repetition);
 }
 
 DataRef FileFields::value(Scope scope, calc::FieldPlace place, int repetition) {
     const Field* field = fieldAt(place);
     if (field == nullptr) return records_.failed(calc::error::missingField);
+    const bool isSummary = field->kind == FieldKind::summary; // a calculation may change the schema
     if (scope == nullptr && position_.mode() == Position::Mode::find)
         return position_.criterion(place, repetition);
     if (isLocal(scope, place)) {
-        if (field->kind != FieldKind::summary) return valueIn(place, recordOf(scope), repetition);
+        if (!isSummary) return valueIn(place, recordOf(scope), repetition);
         // A calculation may change the found set.
         const std::vector<std::int64_t> found = position_.foundSet(place.occurrence).records;
         return records_.summary(tableOf(place), place.field, found);
     }
     const auto sources = related(scope, place);
     if (!sources) return records_.failed(calc::error::missingRelatedTable);
-    if (sources->empty() && field->kind != FieldKind::summary) return emptyValue();
+    if (sources->empty() && !isSummary) return emptyValue();
     return valueAmong(*sources, sources->empty() ? 0 : sources->front(), place, repetition);
 }
 
 DataVect FileFields::values(Scope scope, calc::FieldPlace place, int repetition) {
     const Field* field = fieldAt(place);
     if (field == nullptr || field->kind == FieldKind::summary) return {value(scope, place, 1)};
+    const int first = std::max(repetition, 1), last = repetition == 0 ? field->repetitions : repetition;
     std::vector<std::int64_t> sources{recordOf(scope)};
     if (!isLocal(scope, place)) {
         const auto there = related(scope, place);
         if (!there) return {records_.failed(calc::error::missingRelatedTable)};
         sources = *there;
     }
-    const int first = std::max(repetition, 1), last = repetition == 0 ? field->repetitions : repetition;
     DataVect values;
     for (const std::int64_t source : sources)
         for (int each = first; each <= last; ++each)

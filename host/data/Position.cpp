@@ -283,12 +283,13 @@ int Position::replaceFieldContents(calc::FieldPlace place,
     if (record() == 0) return calc::error::missingRecord;
     const std::size_t before = current()->current;
     int error = none;
-    for (std::size_t i = 0; i < found().size() && error == none; ++i) {
+    const std::size_t count = found().size(); // a calculation may make and delete records
+    for (std::size_t i = 0; i < std::min(count, found().size()) && error == none; ++i) {
         current()->current = i;
         error = setField(place, 1, valueOfCurrentRecord());
     }
     const int refusal = commit();
-    current()->current = std::min(before, found().size() - 1);
+    if (!found().empty()) current()->current = std::min(before, found().size() - 1);
     return error != none ? error : refusal;
 }
 
@@ -395,7 +396,7 @@ int Position::sort(std::vector<SortKey> keys) {
     for (const SortKey& key : keys) {
         const Field* field = records_.field(key.place);
         const bool isReached = field != nullptr && (field->kind == FieldKind::global ||
-                                                    records_.related(here, record(), key.place.occurrence));
+                                                    records_.path(here, key.place.occurrence));
         if (!isReached) return calc::error::missingField;
     }
     if (const int error = leave(); error != none) return error;

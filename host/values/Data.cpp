@@ -28,8 +28,8 @@ std::u16string_view exponentAt(std::u16string_view rest) {
     return digits == 0 || digits > mostDigits ? std::u16string_view() : rest.substr(0, end);
 }
 
-/// Whether the first digit of a text has a minus before it or stands in parentheses, with no point before
-/// the minus or the parenthesis.
+/// Whether the first digit of a text has a minus before it or stands in parentheses. Both count only without
+/// a point before them.
 bool isNegative(std::u16string_view text, char16_t point) {
     bool isOpen = false, hasPoint = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
