@@ -15,9 +15,9 @@ check_format() {
     { sources cpp "${folders[@]}" && sources h "${folders[@]}"; } | xargs -0 clang-format-19 --dry-run -Werror
 }
 
-# tidy FOLDER FILE [OPTION]...: the findings of clang-tidy, without its count of suppressed ones. FOLDER has the extension
+# lint_one FOLDER FILE [OPTION]...: the findings of clang-tidy, without its count of suppressed ones. FOLDER has the extension
 # and the database of flags.
-tidy() {
+lint_one() {
     local found
     found=$(clang-tidy-19 --quiet --load="$1/OwnCode.so" -p "$1" "${@:2}" 2>&1) || { printf '%s\n' "$found" && return 1; }
 }
@@ -29,7 +29,7 @@ check_finding() {
     echo 'inline int* ofHeader() { return 0; }' >"$folder/Fault.h"
     printf '#include "%s"\n' Fault.h string >"$folder/Fault.cpp"
     echo 'int* ofSource() { return 0; }' >>"$folder/Fault.cpp"
-    if found=$(tidy "$1" "$folder/Fault.cpp" -- -std=c++20) || [ "$(grep -c use-nullptr <<<"$found")" != 2 ] ||
+    if found=$(lint_one "$1" "$folder/Fault.cpp" -- -std=c++20) || [ "$(grep -c use-nullptr <<<"$found")" != 2 ] ||
         grep -q ignored <<<"$found"; then
         printf '%s\n' "$found" >&2
         fail "clang-tidy does not find the faults in build/sanitize/lint/host"
@@ -48,6 +48,6 @@ check_lint() {
     # precompiled header would make it read more than a source includes.
     sed -E 's/ -Winvalid-pch( -Xclang [^ ]+)+//' "$root/build/sanitize/compile_commands.json" \
         >"$folder/compile_commands.json"
-    export -f tidy
-    sources cpp Sources host tests bench fuzz | xargs -0 -P "$jobs" -n 1 bash -c 'tidy "$0" "$1"' "$folder" >&2
+    export -f lint_one
+    sources cpp Sources host tests bench fuzz | xargs -0 -P "$jobs" -n 1 bash -c 'lint_one "$0" "$1"' "$folder" >&2
 }
