@@ -190,9 +190,9 @@ std::u16string valueListItems(const Question& question) {
     const std::size_t table = question.schema().occurrences[*list->occurrence].table;
     // Texts in a field of numbers differ also where their numbers do not.
     const auto comesFirst = [](const DataRef& left, const DataRef& right) {
-        const bool isDecided = isBefore(*left, *right) || isBefore(*right, *left);
-        return isDecided ? isBefore(*left, *right)
-                         : formats().compare(left->asText().units(), right->asText().units()) < 0;
+        if (isBefore(*left, *right)) return true;
+        return !isBefore(*right, *left) &&
+               formats().compare(left->asText().units(), right->asText().units()) < 0;
     };
     std::set<DataRef, decltype(comesFirst)> values(comesFirst);
     for (const std::int64_t record : question.file.records().all(table)) {

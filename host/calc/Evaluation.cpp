@@ -18,7 +18,7 @@ namespace {
 /// The evaluations of this thread together.
 struct Occupied {
     int evaluations = 0, levels = 0;
-    std::size_t parts = 0; ///< of steps, those of the innermost calculation
+    std::size_t parts = 0; ///< of steps, in the innermost calculation
     bool isExhausted = false;
 };
 thread_local Occupied occupied;

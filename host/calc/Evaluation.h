@@ -50,6 +50,7 @@ public:
     /// Counts steps of the calculation that runs, or the handling of so many units of text; throws
     /// `Exhausted` when there were too many.
     static void charge(std::size_t steps = 1) { chargeParts(steps * kPartsOfStep); }
+    /// The same in parts of a step.
     static void chargeParts(std::size_t parts);
     static void chargeText(std::size_t units) { charge(units / 256); }
     /// A value that is read, which takes work when it is a text.
@@ -75,6 +76,7 @@ public:
 
     /// The value of a part of the calculation; never null. Throws `Error`.
     DataRef evaluate(const Node& node) { return evaluate(node, false); }
+    /// The same as a truth.
     bool isTrue(const Node& node);
     /// The value of the part whose value is the whole result of the function that runs. A custom function
     /// that is called there takes the place of the one that calls, so that it needs no stack. The value may

@@ -22,8 +22,6 @@ std::size_t FileFields::tableOf(calc::FieldPlace place) const {
     return records_.schema().occurrences[place.occurrence].table;
 }
 
-const Field* FileFields::fieldAt(calc::FieldPlace place) const { return records_.field(place); }
-
 std::uint64_t FileFields::names(Scope scope) const {
     constexpr unsigned bits = 24;
     return (records_.version() << bits) + occurrenceOf(scope).value_or(0);
@@ -46,22 +44,23 @@ void FileFields::eachName(const std::function<void(std::u16string_view)>& visit)
 }
 
 std::u16string FileFields::nameOf(calc::FieldPlace place) const {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     return field == nullptr ? std::u16string()
                             : records_.schema().occurrences[place.occurrence].name + u"::" + field->name;
 }
 
 std::u16string FileFields::tableNameOf(calc::FieldPlace place) const {
-    return fieldAt(place) == nullptr ? std::u16string() : records_.schema().tables[tableOf(place)].name;
+    return records_.field(place) == nullptr ? std::u16string()
+                                            : records_.schema().tables[tableOf(place)].name;
 }
 
 int FileFields::repetitions(calc::FieldPlace place) const {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     return field == nullptr ? 1 : field->repetitions;
 }
 
 bool FileFields::isLocal(Scope scope, calc::FieldPlace place) const {
-    return occurrenceOf(scope) == place.occurrence || fieldAt(place)->kind == FieldKind::global;
+    return occurrenceOf(scope) == place.occurrence || records_.field(place)->kind == FieldKind::global;
 }
 
 std::optional<std::vector<std::int64_t>> FileFields::related(Scope scope, calc::FieldPlace place) {
@@ -75,14 +74,14 @@ DataRef FileFields::valueIn(calc::FieldPlace place, std::int64_t record, int rep
 
 DataRef FileFields::valueAmong(const std::vector<std::int64_t>& records, std::int64_t record,
                                calc::FieldPlace place, int repetition) {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     if (field == nullptr) return records_.failed(calc::error::missingField);
     if (field->kind == FieldKind::summary) return records_.summary(tableOf(place), place.field, records);
     return valueIn(place, record, repetition);
 }
 
 DataRef FileFields::value(Scope scope, calc::FieldPlace place, int repetition) {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     if (field == nullptr) return records_.failed(calc::error::missingField);
     const bool isSummary = field->kind == FieldKind::summary; // a calculation may change the schema
     if (scope == nullptr && position_.mode() == Position::Mode::find)
@@ -100,7 +99,7 @@ DataRef FileFields::value(Scope scope, calc::FieldPlace place, int repetition) {
 }
 
 DataVect FileFields::values(Scope scope, calc::FieldPlace place, int repetition) {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     if (field == nullptr || field->kind == FieldKind::summary) return {value(scope, place, 1)};
     const int first = std::max(repetition, 1), last = repetition == 0 ? field->repetitions : repetition;
     std::vector<std::int64_t> sources{recordOf(scope)};
@@ -117,7 +116,7 @@ DataVect FileFields::values(Scope scope, calc::FieldPlace place, int repetition)
 }
 
 DataRef FileFields::nthValue(Scope scope, calc::FieldPlace place, int repetition, std::int64_t n) {
-    const Field* field = fieldAt(place);
+    const Field* field = records_.field(place);
     if (field == nullptr) return nullptr;
     if (field->kind == FieldKind::global) return value(scope, place, repetition);
     const auto sources = isLocal(scope, place) ? position_.foundSet(place.occurrence).records
@@ -127,7 +126,7 @@ DataRef FileFields::nthValue(Scope scope, calc::FieldPlace place, int repetition
 }
 
 DataRef FileFields::lookup(Scope scope, calc::FieldPlace place, int repetition) {
-    if (fieldAt(place) == nullptr || isLocal(scope, place)) return value(scope, place, repetition);
+    if (records_.field(place) == nullptr || isLocal(scope, place)) return value(scope, place, repetition);
     const auto sources = related(scope, place);
     return sources && !sources->empty() ? valueAmong(*sources, sources->front(), place, repetition) : nullptr;
 }
@@ -142,28 +141,33 @@ DataRef FileFields::lookupNext(Scope scope, calc::FieldPlace place, int repetiti
 /// The found set must be sorted by the break field. The group reaches as far as that field, and those that it
 /// is sorted by before, have the current record's values.
 DataRef FileFields::summary(Scope scope, calc::FieldPlace summaryField, calc::FieldPlace breakField) {
-    const Field* field = fieldAt(summaryField);
+    const Field* field = records_.field(summaryField);
     if (field == nullptr || field->kind != FieldKind::summary)
         throw calc::Error{calc::error::summaryExpected};
     const std::size_t table = tableOf(summaryField);
     const FoundSet set = position_.foundSet(summaryField.occurrence); // a calculation may change it
     if (summaryField == breakField) return records_.summary(table, summaryField.field, set.records);
-    if (fieldAt(breakField) == nullptr || breakField.occurrence != summaryField.occurrence ||
-        fieldAt(breakField)->kind == FieldKind::summary)
+    if (records_.field(breakField) == nullptr || breakField.occurrence != summaryField.occurrence ||
+        records_.field(breakField)->kind == FieldKind::summary)
         throw calc::Error{calc::error::wrongBreakField};
     const auto key = std::find_if(set.sortedBy.begin(), set.sortedBy.end(),
                                   [&](const SortKey& sorted) { return sorted.place == breakField; });
     const auto here = std::find(set.records.begin(), set.records.end(), recordOf(scope));
     if (key == set.sortedBy.end() || here == set.records.end()) return emptyValue();
-    const auto isInGroup = [&](std::int64_t record) {
-        return std::all_of(set.sortedBy.begin(), key + 1, [&](const SortKey& sorted) {
-            const DataRef mine = position_.sortValue(breakField.occurrence, *here, sorted.place),
-                          theirs = position_.sortValue(breakField.occurrence, record, sorted.place);
-            return !isBefore(*mine, *theirs) && !isBefore(*theirs, *mine);
-        });
+    const std::vector<SortKey> keys(set.sortedBy.begin(), key + 1);
+    const auto sortValues = [&](std::int64_t record) {
+        DataVect values;
+        for (const SortKey& sorted : keys)
+            values.push_back(position_.sortValue(breakField.occurrence, record, sorted.place));
+        return values;
     };
+    const auto areSame = [](const DataRef& left, const DataRef& right) {
+        return !isBefore(*left, *right) && !isBefore(*right, *left);
+    };
+    const DataVect mine = sortValues(*here);
     std::vector<std::int64_t> group;
-    std::copy_if(set.records.begin(), set.records.end(), std::back_inserter(group), isInGroup);
+    std::copy_if(set.records.begin(), set.records.end(), std::back_inserter(group),
+                 [&](std::int64_t record) { return std::ranges::equal(mine, sortValues(record), areSame); });
     return records_.summary(table, summaryField.field, group);
 }
 

@@ -27,8 +27,6 @@ public:
     DataRef summary(Scope scope, calc::FieldPlace summaryField, calc::FieldPlace breakField) override;
 
 private:
-    /// Null when the schema has no such place any more.
-    [[nodiscard]] const Field* fieldAt(calc::FieldPlace place) const;
     [[nodiscard]] std::optional<std::size_t> occurrenceOf(Scope scope) const;
     [[nodiscard]] std::int64_t recordOf(Scope scope);
     [[nodiscard]] bool isLocal(Scope scope, calc::FieldPlace place) const;

@@ -137,17 +137,16 @@ int Position::goToRecord(Step step) {
 
 /// Takes in a record that was made since the set had the version `before`, and makes it current.
 void Position::add(FoundSet& set, std::int64_t made, std::uint64_t before) {
+    set.hasUnsorted = !set.sortedBy.empty();
     if (set.version == before && records_.membership(table()) == before + 1) {
         set.version = before + 1;
         set.records.push_back(made);
         set.current = set.records.size() - 1;
-        set.hasUnsorted = !set.sortedBy.empty();
         return;
     }
     std::ignore = current(); // takes new records into a set that has all
     if (!placeIn(set.records, made)) set.records.push_back(made);
     set.current = placeIn(set.records, made).value_or(0);
-    set.hasUnsorted = !set.sortedBy.empty();
 }
 
 int Position::newRecord() {

@@ -110,6 +110,7 @@ public:
     int constrainFoundSet();
     int extendFoundSet();
 
+    /// Sorts the found set. 102: a field that the schema lacks, or that no relationship leads to.
     int sort(std::vector<SortKey> keys);
     /// The value that a record of an occurrence is sorted by; empty when the schema no longer has the place.
     DataRef sortValue(std::size_t from, std::int64_t record, calc::FieldPlace place);
